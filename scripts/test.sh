@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Builds everything and runs the whole test suite: the tests, the core tests again under the
+# address and undefined-behaviour sanitizers, and every fuzz target for a bounded time.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/install-deps.sh
+jobs=$(nproc)
+fuzz_seconds=${CORVANE_FUZZ_SECONDS:-30}
+
+echo "== build and test (ci preset)"
+cmake --preset ci
+cmake --build --preset ci -j "$jobs"
+ctest --preset ci -j "$jobs"
+
+echo "== core tests under sanitizers"
+cmake --preset asan
+cmake --build --preset asan -j "$jobs"
+ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --preset asan -j "$jobs"
+
+echo "== fuzzers, ${fuzz_seconds}s each"
+cmake --preset fuzz
+cmake --build --preset fuzz -j "$jobs"
+for fuzzer in build/fuzz/fuzz/fuzz_*; do
+    [ -x "$fuzzer" ] || continue
+    name=$(basename "$fuzzer")
+    corpus=fuzz/corpus/${name#fuzz_}
+    work=$(mktemp -d)
+    [ -d "$corpus" ] && cp -r "$corpus"/. "$work"/
+    echo "-- $name"
+    "$fuzzer" -max_total_time="$fuzz_seconds" -rss_limit_mb=2048 -max_len=65536 \
+        -print_final_stats=1 "$work" 2>&1 | tail -n 12
+    rm -rf "$work"
+done
+echo "all stages passed"

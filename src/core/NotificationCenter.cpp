@@ -1,0 +1,105 @@
+#include "core/NotificationCenter.h"
+
+#include <algorithm>
+
+namespace corvane {
+
+NotificationCenter::Observation::Observation(Observation&& other) noexcept
+    : m_center(other.m_center), m_id(other.m_id)
+{
+    if (m_center) {
+        std::replace(m_center->m_liveObservations.begin(), m_center->m_liveObservations.end(),
+                     &other, this);
+    }
+    other.m_center = nullptr;
+    other.m_id = 0;
+}
+
+NotificationCenter::Observation&
+NotificationCenter::Observation::operator=(Observation&& other) noexcept
+{
+    if (this != &other) {
+        reset();
+        m_center = other.m_center;
+        m_id = other.m_id;
+        if (m_center) {
+            std::replace(m_center->m_liveObservations.begin(), m_center->m_liveObservations.end(),
+                         &other, this);
+        }
+        other.m_center = nullptr;
+        other.m_id = 0;
+    }
+    return *this;
+}
+
+void NotificationCenter::Observation::reset()
+{
+    if (!m_center)
+        return;
+    auto& live = m_center->m_liveObservations;
+    live.erase(std::remove(live.begin(), live.end(), this), live.end());
+    m_center->remove(m_id);
+    m_center = nullptr;
+    m_id = 0;
+}
+
+NotificationCenter::~NotificationCenter()
+{
+    // Observations that outlive the centre must not reach back into it.
+    for (Observation* observation : m_liveObservations) {
+        observation->m_center = nullptr;
+        observation->m_id = 0;
+    }
+}
+
+NotificationCenter& NotificationCenter::defaultCenter()
+{
+    static NotificationCenter center;
+    return center;
+}
+
+NotificationCenter::Observation NotificationCenter::addObserver(const QString& name,
+                                                                const void* sender, Handler handler)
+{
+    Observation observation;
+    observation.m_center = this;
+    observation.m_id = m_nextId++;
+    m_entries.push_back(
+        {observation.m_id, name, sender, std::make_shared<Handler>(std::move(handler))});
+    // The returned temporary is moved into the caller's variable; the move constructor keeps this
+    // list pointing at wherever the observation finally lives.
+    m_liveObservations.push_back(&observation);
+    return observation;
+}
+
+void NotificationCenter::remove(quint64 id)
+{
+    m_entries.erase(std::remove_if(m_entries.begin(), m_entries.end(),
+                                   [id](const Entry& e) { return e.id == id; }),
+                    m_entries.end());
+}
+
+void NotificationCenter::post(const QString& name, const void* sender, const QVariantMap& userInfo)
+{
+    const Notification notification{name, sender, userInfo};
+    // Deliver to the observers registered at the time of posting; one removed by an earlier
+    // handler during this delivery is skipped.
+    std::vector<std::pair<quint64, std::shared_ptr<Handler>>> targets;
+    for (const Entry& e : m_entries) {
+        if ((e.name.isEmpty() || e.name == name) && (!e.sender || e.sender == sender))
+            targets.emplace_back(e.id, e.handler);
+    }
+    for (const auto& [id, handler] : targets) {
+        const bool stillRegistered = std::any_of(m_entries.begin(), m_entries.end(),
+                                                 [id = id](const Entry& e) { return e.id == id; });
+        if (stillRegistered)
+            (*handler)(notification);
+    }
+}
+
+std::size_t NotificationCenter::observerCount() const
+{
+    return m_entries.size();
+}
+
+} // namespace corvane

@@ -1,0 +1,573 @@
+#include "core/PlistValue.h"
+
+#include <QTimeZone>
+#include <QVariantList>
+#include <QVariantMap>
+#include <atomic>
+#include <cmath>
+#include <limits>
+#include <utility>
+#include <vector>
+
+namespace corvane {
+
+struct PlistValue::Node
+{
+    explicit Node(Type t) : type(t) {}
+    virtual ~Node() = default;
+    virtual Node* clone() const = 0;
+    std::atomic<int> refs{1};
+    Type type;
+};
+
+struct PlistValue::StringNode final : Node
+{
+    explicit StringNode(QString s) : Node(Type::String), text(std::move(s)) {}
+    Node* clone() const override { return new StringNode(text); }
+    QString text;
+};
+
+struct PlistValue::DataNode final : Node
+{
+    explicit DataNode(QByteArray b) : Node(Type::Data), bytes(std::move(b)) {}
+    Node* clone() const override { return new DataNode(bytes); }
+    QByteArray bytes;
+};
+
+struct PlistValue::ArrayNode final : Node
+{
+    ArrayNode() : Node(Type::Array) {}
+    Node* clone() const override
+    {
+        auto* copy = new ArrayNode;
+        copy->items = items;
+        return copy;
+    }
+    std::vector<PlistValue> items;
+};
+
+struct PlistValue::DictNode final : Node
+{
+    DictNode() : Node(Type::Dict) {}
+    Node* clone() const override
+    {
+        auto* copy = new DictNode;
+        copy->entries = entries;
+        return copy;
+    }
+    qsizetype indexOf(QStringView key) const
+    {
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            if (entries[i].first == key)
+                return qsizetype(i);
+        }
+        return -1;
+    }
+    std::vector<std::pair<QString, PlistValue>> entries;
+};
+
+namespace {
+bool isHeapType(PlistValue::Type t)
+{
+    using T = PlistValue::Type;
+    return t == T::String || t == T::Data || t == T::Array || t == T::Dict;
+}
+} // namespace
+
+PlistValue::PlistValue(const QString& s)
+    : m_node(new StringNode(s)), m_type(Type::String), m_unsigned(false)
+{}
+
+PlistValue::PlistValue(const QByteArray& data)
+    : m_node(new DataNode(data)), m_type(Type::Data), m_unsigned(false)
+{}
+
+PlistValue PlistValue::makeArray(qsizetype reserve)
+{
+    PlistValue v;
+    auto* node = new ArrayNode;
+    if (reserve > 0)
+        node->items.reserve(std::size_t(reserve));
+    v.m_node = node;
+    v.m_type = Type::Array;
+    return v;
+}
+
+PlistValue PlistValue::makeDict(qsizetype reserve)
+{
+    PlistValue v;
+    auto* node = new DictNode;
+    if (reserve > 0)
+        node->entries.reserve(std::size_t(reserve));
+    v.m_node = node;
+    v.m_type = Type::Dict;
+    return v;
+}
+
+PlistValue PlistValue::makeDate(double secondsSince2001)
+{
+    PlistValue v;
+    v.m_real = secondsSince2001;
+    v.m_type = Type::Date;
+    return v;
+}
+
+static const QDateTime& referenceDate()
+{
+    static const QDateTime epoch(QDate(2001, 1, 1), QTime(0, 0), QTimeZone::utc());
+    return epoch;
+}
+
+PlistValue PlistValue::makeDate(const QDateTime& when)
+{
+    return makeDate(double(referenceDate().msecsTo(when)) / 1000.0);
+}
+
+PlistValue::PlistValue(const PlistValue& other) noexcept
+    : m_uint(other.m_uint), m_type(other.m_type), m_unsigned(other.m_unsigned)
+{
+    retain();
+}
+
+PlistValue::PlistValue(PlistValue&& other) noexcept
+    : m_uint(other.m_uint), m_type(other.m_type), m_unsigned(other.m_unsigned)
+{
+    other.m_type = Type::Null;
+    other.m_int = 0;
+}
+
+PlistValue& PlistValue::operator=(const PlistValue& other) noexcept
+{
+    if (this != &other) {
+        other.retain();
+        release();
+        m_uint = other.m_uint;
+        m_type = other.m_type;
+        m_unsigned = other.m_unsigned;
+    }
+    return *this;
+}
+
+PlistValue& PlistValue::operator=(PlistValue&& other) noexcept
+{
+    if (this != &other) {
+        release();
+        m_uint = other.m_uint;
+        m_type = other.m_type;
+        m_unsigned = other.m_unsigned;
+        other.m_type = Type::Null;
+        other.m_int = 0;
+    }
+    return *this;
+}
+
+PlistValue::~PlistValue()
+{
+    release();
+}
+
+void PlistValue::retain() const noexcept
+{
+    if (isHeapType(m_type))
+        m_node->refs.fetch_add(1, std::memory_order_relaxed);
+}
+
+void PlistValue::release() noexcept
+{
+    if (isHeapType(m_type)) {
+        if (m_node->refs.fetch_sub(1, std::memory_order_acq_rel) == 1)
+            delete m_node;
+        m_type = Type::Null;
+        m_int = 0;
+    }
+}
+
+bool PlistValue::toBool(bool defaultValue) const
+{
+    switch (m_type) {
+    case Type::Boolean:
+        return m_bool;
+    case Type::Integer:
+        return m_int != 0;
+    case Type::Real:
+        return m_real != 0.0;
+    default:
+        return defaultValue;
+    }
+}
+
+qint64 PlistValue::toInteger(qint64 defaultValue) const
+{
+    switch (m_type) {
+    case Type::Boolean:
+        return m_bool ? 1 : 0;
+    case Type::Integer:
+        return m_int;
+    case Type::Real: {
+        if (std::isnan(m_real))
+            return defaultValue;
+        if (m_real >= 9223372036854775807.0)
+            return std::numeric_limits<qint64>::max();
+        if (m_real <= -9223372036854775808.0)
+            return std::numeric_limits<qint64>::min();
+        return qint64(m_real);
+    }
+    default:
+        return defaultValue;
+    }
+}
+
+quint64 PlistValue::toUnsigned(quint64 defaultValue) const
+{
+    if (m_type == Type::Real) {
+        if (std::isnan(m_real))
+            return defaultValue;
+        if (m_real >= 18446744073709551615.0)
+            return std::numeric_limits<quint64>::max();
+        if (m_real < 0)
+            return quint64(toInteger());
+        return quint64(m_real);
+    }
+    return quint64(toInteger(qint64(defaultValue)));
+}
+
+double PlistValue::toReal(double defaultValue) const
+{
+    switch (m_type) {
+    case Type::Boolean:
+        return m_bool ? 1.0 : 0.0;
+    case Type::Integer:
+        return m_unsigned ? double(m_uint) : double(m_int);
+    case Type::Real:
+        return m_real;
+    default:
+        return defaultValue;
+    }
+}
+
+QString PlistValue::toString(const QString& defaultValue) const
+{
+    if (m_type == Type::String)
+        return static_cast<const StringNode*>(m_node)->text;
+    return defaultValue;
+}
+
+QByteArray PlistValue::toData() const
+{
+    if (m_type == Type::Data)
+        return static_cast<const DataNode*>(m_node)->bytes;
+    return {};
+}
+
+double PlistValue::dateSeconds() const
+{
+    return m_type == Type::Date ? m_real : 0.0;
+}
+
+QDateTime PlistValue::toDateTime() const
+{
+    if (m_type != Type::Date || !std::isfinite(m_real))
+        return {};
+    return referenceDate().addMSecs(qint64(std::llround(m_real * 1000.0)));
+}
+
+const PlistValue::ArrayNode* PlistValue::arrayNode() const
+{
+    return m_type == Type::Array ? static_cast<const ArrayNode*>(m_node) : nullptr;
+}
+
+const PlistValue::DictNode* PlistValue::dictNode() const
+{
+    return m_type == Type::Dict ? static_cast<const DictNode*>(m_node) : nullptr;
+}
+
+PlistValue::ArrayNode* PlistValue::mutableArray()
+{
+    if (m_type == Type::Null)
+        *this = makeArray();
+    if (m_type != Type::Array)
+        return nullptr;
+    if (m_node->refs.load(std::memory_order_acquire) != 1) {
+        Node* copy = m_node->clone();
+        release();
+        m_node = copy;
+        m_type = Type::Array;
+    }
+    return static_cast<ArrayNode*>(m_node);
+}
+
+PlistValue::DictNode* PlistValue::mutableDict()
+{
+    if (m_type == Type::Null)
+        *this = makeDict();
+    if (m_type != Type::Dict)
+        return nullptr;
+    if (m_node->refs.load(std::memory_order_acquire) != 1) {
+        Node* copy = m_node->clone();
+        release();
+        m_node = copy;
+        m_type = Type::Dict;
+    }
+    return static_cast<DictNode*>(m_node);
+}
+
+qsizetype PlistValue::size() const
+{
+    if (const ArrayNode* a = arrayNode())
+        return qsizetype(a->items.size());
+    if (const DictNode* d = dictNode())
+        return qsizetype(d->entries.size());
+    return 0;
+}
+
+const PlistValue& PlistValue::null()
+{
+    static const PlistValue nothing;
+    return nothing;
+}
+
+const PlistValue& PlistValue::at(qsizetype index) const
+{
+    const ArrayNode* a = arrayNode();
+    if (!a || index < 0 || std::size_t(index) >= a->items.size())
+        return null();
+    return a->items[std::size_t(index)];
+}
+
+void PlistValue::append(const PlistValue& value)
+{
+    if (ArrayNode* a = mutableArray())
+        a->items.push_back(value);
+}
+
+void PlistValue::append(PlistValue&& value)
+{
+    if (ArrayNode* a = mutableArray())
+        a->items.push_back(std::move(value));
+}
+
+void PlistValue::reserve(qsizetype count)
+{
+    if (count <= 0)
+        return;
+    if (m_type == Type::Dict) {
+        mutableDict()->entries.reserve(std::size_t(count));
+    } else if (ArrayNode* a = mutableArray()) {
+        a->items.reserve(std::size_t(count));
+    }
+}
+
+void PlistValue::set(qsizetype index, PlistValue value)
+{
+    ArrayNode* a = mutableArray();
+    if (a && index >= 0 && std::size_t(index) < a->items.size())
+        a->items[std::size_t(index)] = std::move(value);
+}
+
+const PlistValue& PlistValue::value(QStringView key) const
+{
+    const DictNode* d = dictNode();
+    if (!d)
+        return null();
+    const qsizetype i = d->indexOf(key);
+    return i < 0 ? null() : d->entries[std::size_t(i)].second;
+}
+
+bool PlistValue::contains(QStringView key) const
+{
+    const DictNode* d = dictNode();
+    return d && d->indexOf(key) >= 0;
+}
+
+void PlistValue::insert(const QString& key, PlistValue value)
+{
+    DictNode* d = mutableDict();
+    if (!d)
+        return;
+    const qsizetype i = d->indexOf(key);
+    if (i >= 0)
+        d->entries[std::size_t(i)].second = std::move(value);
+    else
+        d->entries.emplace_back(key, std::move(value));
+}
+
+bool PlistValue::remove(QStringView key)
+{
+    if (!dictNode() || !contains(key))
+        return false;
+    DictNode* d = mutableDict();
+    d->entries.erase(d->entries.begin() + d->indexOf(key));
+    return true;
+}
+
+QString PlistValue::keyAt(qsizetype index) const
+{
+    const DictNode* d = dictNode();
+    if (!d || index < 0 || std::size_t(index) >= d->entries.size())
+        return {};
+    return d->entries[std::size_t(index)].first;
+}
+
+const PlistValue& PlistValue::valueAt(qsizetype index) const
+{
+    const DictNode* d = dictNode();
+    if (!d || index < 0 || std::size_t(index) >= d->entries.size())
+        return null();
+    return d->entries[std::size_t(index)].second;
+}
+
+QStringList PlistValue::keys() const
+{
+    QStringList result;
+    if (const DictNode* d = dictNode()) {
+        result.reserve(qsizetype(d->entries.size()));
+        for (const auto& entry : d->entries)
+            result.append(entry.first);
+    }
+    return result;
+}
+
+PlistValue* PlistValue::find(QStringView key)
+{
+    if (!contains(key))
+        return nullptr;
+    DictNode* d = mutableDict();
+    return &d->entries[std::size_t(d->indexOf(key))].second;
+}
+
+PlistValue* PlistValue::findAt(qsizetype index)
+{
+    if (index < 0 || index >= size())
+        return nullptr;
+    if (m_type == Type::Array)
+        return &mutableArray()->items[std::size_t(index)];
+    return &mutableDict()->entries[std::size_t(index)].second;
+}
+
+bool PlistValue::operator==(const PlistValue& other) const
+{
+    if (m_type != other.m_type)
+        return false;
+    switch (m_type) {
+    case Type::Null:
+        return true;
+    case Type::Boolean:
+        return m_bool == other.m_bool;
+    case Type::Integer:
+        return m_uint == other.m_uint && m_unsigned == other.m_unsigned;
+    case Type::Real:
+    case Type::Date:
+        return m_real == other.m_real || (std::isnan(m_real) && std::isnan(other.m_real));
+    case Type::String:
+    case Type::Data:
+    case Type::Array:
+    case Type::Dict:
+        break;
+    }
+    if (m_node == other.m_node)
+        return true;
+    switch (m_type) {
+    case Type::String:
+        return toString() == other.toString();
+    case Type::Data:
+        return toData() == other.toData();
+    case Type::Array:
+        return arrayNode()->items == other.arrayNode()->items;
+    case Type::Dict: {
+        const DictNode* a = dictNode();
+        const DictNode* b = other.dictNode();
+        if (a->entries.size() != b->entries.size())
+            return false;
+        for (const auto& [key, val] : a->entries) {
+            const qsizetype j = b->indexOf(key);
+            if (j < 0 || b->entries[std::size_t(j)].second != val)
+                return false;
+        }
+        return true;
+    }
+    default:
+        return false;
+    }
+}
+
+QVariant PlistValue::toVariant() const
+{
+    switch (m_type) {
+    case Type::Null:
+        return {};
+    case Type::Boolean:
+        return QVariant(m_bool);
+    case Type::Integer:
+        return m_unsigned ? QVariant(qulonglong(m_uint)) : QVariant(qlonglong(m_int));
+    case Type::Real:
+        return QVariant(m_real);
+    case Type::String:
+        return QVariant(toString());
+    case Type::Data:
+        return QVariant(toData());
+    case Type::Date:
+        return QVariant(toDateTime());
+    case Type::Array: {
+        QVariantList list;
+        for (const PlistValue& item : arrayNode()->items)
+            list.append(item.toVariant());
+        return list;
+    }
+    case Type::Dict: {
+        QVariantMap map;
+        for (const auto& [key, val] : dictNode()->entries)
+            map.insert(key, val.toVariant());
+        return map;
+    }
+    }
+    return {};
+}
+
+PlistValue PlistValue::fromVariant(const QVariant& variant)
+{
+    switch (variant.typeId()) {
+    case QMetaType::Bool:
+        return PlistValue(variant.toBool());
+    case QMetaType::Int:
+    case QMetaType::Long:
+    case QMetaType::LongLong:
+    case QMetaType::Short:
+    case QMetaType::Char:
+    case QMetaType::SChar:
+        return PlistValue(qint64(variant.toLongLong()));
+    case QMetaType::UInt:
+    case QMetaType::ULong:
+    case QMetaType::ULongLong:
+    case QMetaType::UShort:
+    case QMetaType::UChar:
+        return PlistValue(quint64(variant.toULongLong()));
+    case QMetaType::Double:
+    case QMetaType::Float:
+        return PlistValue(variant.toDouble());
+    case QMetaType::QString:
+        return PlistValue(variant.toString());
+    case QMetaType::QByteArray:
+        return PlistValue(variant.toByteArray());
+    case QMetaType::QDateTime:
+        return makeDate(variant.toDateTime());
+    case QMetaType::QVariantList:
+    case QMetaType::QStringList: {
+        const QVariantList list = variant.toList();
+        PlistValue array = makeArray(list.size());
+        for (const QVariant& item : list)
+            array.append(fromVariant(item));
+        return array;
+    }
+    case QMetaType::QVariantMap: {
+        const QVariantMap map = variant.toMap();
+        PlistValue dict = makeDict(map.size());
+        for (auto it = map.cbegin(); it != map.cend(); ++it)
+            dict.insert(it.key(), fromVariant(it.value()));
+        return dict;
+    }
+    default:
+        return {};
+    }
+}
+
+} // namespace corvane

@@ -1,0 +1,70 @@
+#include "core/PlistValue.h"
+
+#include <gtest/gtest.h>
+
+using corvane::PlistValue;
+
+TEST(PlistValue, LenientReadersGiveDefaultsForWrongKinds)
+{
+    const PlistValue text(QStringLiteral("12"));
+    EXPECT_EQ(text.toInteger(7), 7);
+    EXPECT_FALSE(text.toBool());
+    EXPECT_EQ(PlistValue(true).toInteger(), 1);
+    EXPECT_TRUE(PlistValue(qint64(-3)).toBool());
+    EXPECT_EQ(PlistValue(2.9).toInteger(), 2);
+    EXPECT_EQ(PlistValue(qint64(5)).toString(QStringLiteral("d")), QStringLiteral("d"));
+    EXPECT_TRUE(PlistValue::makeArray().value(u"x").isNull());
+    EXPECT_TRUE(PlistValue(qint64(1)).at(0).isNull());
+}
+
+TEST(PlistValue, IntegersKeepSignAndWidth)
+{
+    const PlistValue big(quint64(0xFFFFFFFFFFFFFFFFull));
+    EXPECT_TRUE(big.isUnsignedInteger());
+    EXPECT_EQ(big.toUnsigned(), 0xFFFFFFFFFFFFFFFFull);
+    const PlistValue minusOne(qint64(-1));
+    EXPECT_FALSE(minusOne.isUnsignedInteger());
+    EXPECT_NE(big, minusOne);
+    EXPECT_EQ(PlistValue(quint64(5)), PlistValue(qint64(5)));
+    EXPECT_NE(PlistValue(1.0), PlistValue(qint64(1)));
+}
+
+TEST(PlistValue, CopiesNeverChangeTheirSource)
+{
+    PlistValue dict = PlistValue::makeDict();
+    dict.insert(QStringLiteral("TVKName"), PlistValue(QStringLiteral("Default")));
+    PlistValue layers = PlistValue::makeArray();
+    layers.append(PlistValue::makeDict());
+    dict.insert(QStringLiteral("TVKLayers"), layers);
+
+    PlistValue copy = dict;
+    copy.insert(QStringLiteral("TVKName"), PlistValue(QStringLiteral("Other")));
+    copy.find(u"TVKLayers")->append(PlistValue(qint64(1)));
+    EXPECT_EQ(dict.value(u"TVKName").toString(), QStringLiteral("Default"));
+    EXPECT_EQ(dict.value(u"TVKLayers").size(), 1);
+    EXPECT_EQ(copy.value(u"TVKLayers").size(), 2);
+    EXPECT_NE(dict, copy);
+
+    copy.insert(QStringLiteral("TVKName"), PlistValue(QStringLiteral("Default")));
+    copy.find(u"TVKLayers")->set(1, PlistValue());
+    EXPECT_TRUE(copy.remove(u"TVKLayers"));
+    EXPECT_FALSE(copy.remove(u"TVKLayers"));
+    EXPECT_EQ(copy.keys(), QStringList{QStringLiteral("TVKName")});
+}
+
+TEST(PlistValue, DictionariesCompareAsSetsAndConvertToVariants)
+{
+    PlistValue a = PlistValue::makeDict();
+    a.insert(QStringLiteral("x"), PlistValue(qint64(1)));
+    a.insert(QStringLiteral("y"), PlistValue(QByteArray("\x00\x01", 2)));
+    PlistValue b = PlistValue::makeDict();
+    b.insert(QStringLiteral("y"), PlistValue(QByteArray("\x00\x01", 2)));
+    b.insert(QStringLiteral("x"), PlistValue(qint64(1)));
+    EXPECT_EQ(a, b);
+
+    a.insert(QStringLiteral("when"), PlistValue::makeDate(0.0));
+    const QVariantMap map = a.toVariant().toMap();
+    EXPECT_EQ(map.value(QStringLiteral("x")).toLongLong(), 1);
+    EXPECT_EQ(map.value(QStringLiteral("when")).toDateTime().toSecsSinceEpoch(), 978307200);
+    EXPECT_EQ(PlistValue::fromVariant(map), a);
+}
