@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+namespace corvane {
+
+// The descriptor texts are printf-style formats; these helpers give the exact C behaviour of the
+// conversions they use, so texts match what the background service and older files show.
+
+// A text substituted for "%@": an absent text prints as "(null)".
+inline QString objectText(const QString& text)
+{
+    return text.isNull() ? QStringLiteral("(null)") : text;
+}
+
+// "%.2x": at least two lower-case hex digits.
+QString hexByte(unsigned value);
+
+// "%.0f": C rounding (to nearest, ties to even on the binary value).
+QString roundedNumber(double value);
+
+} // namespace corvane
