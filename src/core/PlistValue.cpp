@@ -1,70 +1,16 @@
 #include "core/PlistValue.h"
 
+#include "core/PlistNodes.h"
+
 #include <QTimeZone>
 #include <QVariantList>
 #include <QVariantMap>
-#include <atomic>
 #include <cmath>
 #include <limits>
 #include <utility>
 #include <vector>
 
 namespace corvane {
-
-struct PlistValue::Node
-{
-    explicit Node(Type t) : type(t) {}
-    virtual ~Node() = default;
-    virtual Node* clone() const = 0;
-    std::atomic<int> refs{1};
-    Type type;
-};
-
-struct PlistValue::StringNode final : Node
-{
-    explicit StringNode(QString s) : Node(Type::String), text(std::move(s)) {}
-    Node* clone() const override { return new StringNode(text); }
-    QString text;
-};
-
-struct PlistValue::DataNode final : Node
-{
-    explicit DataNode(QByteArray b) : Node(Type::Data), bytes(std::move(b)) {}
-    Node* clone() const override { return new DataNode(bytes); }
-    QByteArray bytes;
-};
-
-struct PlistValue::ArrayNode final : Node
-{
-    ArrayNode() : Node(Type::Array) {}
-    Node* clone() const override
-    {
-        auto* copy = new ArrayNode;
-        copy->items = items;
-        return copy;
-    }
-    std::vector<PlistValue> items;
-};
-
-struct PlistValue::DictNode final : Node
-{
-    DictNode() : Node(Type::Dict) {}
-    Node* clone() const override
-    {
-        auto* copy = new DictNode;
-        copy->entries = entries;
-        return copy;
-    }
-    qsizetype indexOf(QStringView key) const
-    {
-        for (std::size_t i = 0; i < entries.size(); ++i) {
-            if (entries[i].first == key)
-                return qsizetype(i);
-        }
-        return -1;
-    }
-    std::vector<std::pair<QString, PlistValue>> entries;
-};
 
 namespace {
 bool isHeapType(PlistValue::Type t)
@@ -388,7 +334,7 @@ void PlistValue::insert(const QString& key, PlistValue value)
     if (i >= 0)
         d->entries[std::size_t(i)].second = std::move(value);
     else
-        d->entries.emplace_back(key, std::move(value));
+        d->entries.emplace_back(PlistKey(key), std::move(value));
 }
 
 bool PlistValue::remove(QStringView key)
@@ -405,7 +351,7 @@ QString PlistValue::keyAt(qsizetype index) const
     const DictNode* d = dictNode();
     if (!d || index < 0 || std::size_t(index) >= d->entries.size())
         return {};
-    return d->entries[std::size_t(index)].first;
+    return d->entries[std::size_t(index)].first.text();
 }
 
 const PlistValue& PlistValue::valueAt(qsizetype index) const
@@ -422,7 +368,7 @@ QStringList PlistValue::keys() const
     if (const DictNode* d = dictNode()) {
         result.reserve(qsizetype(d->entries.size()));
         for (const auto& entry : d->entries)
-            result.append(entry.first);
+            result.append(entry.first.text());
     }
     return result;
 }
@@ -479,7 +425,7 @@ bool PlistValue::operator==(const PlistValue& other) const
         if (a->entries.size() != b->entries.size())
             return false;
         for (const auto& [key, val] : a->entries) {
-            const qsizetype j = b->indexOf(key);
+            const qsizetype j = b->indexOf(key.text());
             if (j < 0 || b->entries[std::size_t(j)].second != val)
                 return false;
         }
@@ -516,7 +462,7 @@ QVariant PlistValue::toVariant() const
     case Type::Dict: {
         QVariantMap map;
         for (const auto& [key, val] : dictNode()->entries)
-            map.insert(key, val.toVariant());
+            map.insert(key.text(), val.toVariant());
         return map;
     }
     }

@@ -9,6 +9,8 @@
 
 namespace corvane {
 
+class PlistBuilder;
+
 // One property-list value: the tree type of the whole program (archives, message bodies,
 // pasteboard, command catalogue). A value is 16 bytes; strings, data, arrays and dictionaries
 // live in shared, reference-counted nodes and are copied on write, so copying a whole
@@ -126,6 +128,7 @@ public:
     static const PlistValue& null();
 
 private:
+    friend class PlistBuilder;
     struct Node;
     struct StringNode;
     struct DataNode;

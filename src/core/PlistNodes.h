@@ -1,0 +1,177 @@
+#pragma once
+
+// Storage of the property-list tree, shared by PlistValue and the codec. Nothing outside
+// src/core includes this: the rest of the program sees PlistValue only.
+
+#include "core/PlistValue.h"
+
+#include <QString>
+#include <atomic>
+#include <utility>
+#include <vector>
+
+namespace corvane {
+
+// A dictionary key. Keys repeat across a whole configuration (every control has the same few),
+// so readers intern them and every entry holds only a pointer to the one shared copy.
+struct PlistKeyNode
+{
+    explicit PlistKeyNode(QString s) : text(std::move(s)) {}
+    std::atomic<int> refs{1};
+    QString text;
+};
+
+// Intrusive reference to a key: eight bytes per dictionary entry instead of a whole QString.
+class PlistKey
+{
+public:
+    PlistKey() = default;
+    explicit PlistKey(const QString& text) : m_node(new PlistKeyNode(text)) {}
+    PlistKey(const PlistKey& other) noexcept : m_node(other.m_node) { retain(); }
+    PlistKey(PlistKey&& other) noexcept : m_node(std::exchange(other.m_node, nullptr)) {}
+    PlistKey& operator=(const PlistKey& other) noexcept
+    {
+        if (m_node != other.m_node) {
+            other.retain();
+            release();
+            m_node = other.m_node;
+        }
+        return *this;
+    }
+    PlistKey& operator=(PlistKey&& other) noexcept
+    {
+        if (this != &other) {
+            release();
+            m_node = std::exchange(other.m_node, nullptr);
+        }
+        return *this;
+    }
+    ~PlistKey() { release(); }
+
+    const QString& text() const
+    {
+        static const QString empty;
+        return m_node ? m_node->text : empty;
+    }
+    const PlistKeyNode* node() const { return m_node; }
+
+private:
+    void retain() const noexcept
+    {
+        if (m_node)
+            m_node->refs.fetch_add(1, std::memory_order_relaxed);
+    }
+    void release() noexcept
+    {
+        if (m_node && m_node->refs.fetch_sub(1, std::memory_order_acq_rel) == 1)
+            delete m_node;
+        m_node = nullptr;
+    }
+    PlistKeyNode* m_node = nullptr;
+};
+
+using PlistEntry = std::pair<PlistKey, PlistValue>;
+
+struct PlistValue::Node
+{
+    explicit Node(Type t) : type(t) {}
+    virtual ~Node() = default;
+    virtual Node* clone() const = 0;
+    std::atomic<int> refs{1};
+    Type type;
+};
+
+struct PlistValue::StringNode final : Node
+{
+    explicit StringNode(QString s) : Node(Type::String), text(std::move(s)) {}
+    Node* clone() const override { return new StringNode(text); }
+    QString text;
+};
+
+struct PlistValue::DataNode final : Node
+{
+    explicit DataNode(QByteArray b) : Node(Type::Data), bytes(std::move(b)) {}
+    Node* clone() const override { return new DataNode(bytes); }
+    QByteArray bytes;
+};
+
+struct PlistValue::ArrayNode final : Node
+{
+    ArrayNode() : Node(Type::Array) {}
+    Node* clone() const override
+    {
+        auto* copy = new ArrayNode;
+        copy->items = items;
+        return copy;
+    }
+    std::vector<PlistValue> items;
+};
+
+struct PlistValue::DictNode final : Node
+{
+    DictNode() : Node(Type::Dict) {}
+    Node* clone() const override
+    {
+        auto* copy = new DictNode;
+        copy->entries = entries;
+        return copy;
+    }
+    qsizetype indexOf(QStringView key) const
+    {
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            if (entries[i].first.text() == key)
+                return qsizetype(i);
+        }
+        return -1;
+    }
+    std::vector<PlistEntry> entries;
+};
+
+// The codec's door into the tree: builds containers from already collected children in one
+// step and reads them without copying.
+class PlistBuilder
+{
+public:
+    static PlistValue array(std::vector<PlistValue>&& items)
+    {
+        PlistValue v;
+        auto* node = new PlistValue::ArrayNode;
+        node->items = std::move(items);
+        v.m_node = node;
+        v.m_type = PlistValue::Type::Array;
+        return v;
+    }
+    // The caller guarantees that the keys are distinct.
+    static PlistValue dict(std::vector<PlistEntry>&& entries)
+    {
+        PlistValue v;
+        auto* node = new PlistValue::DictNode;
+        node->entries = std::move(entries);
+        v.m_node = node;
+        v.m_type = PlistValue::Type::Dict;
+        return v;
+    }
+
+    static const std::vector<PlistValue>& items(const PlistValue& array)
+    {
+        return static_cast<const PlistValue::ArrayNode*>(array.m_node)->items;
+    }
+    static const std::vector<PlistEntry>& entries(const PlistValue& dict)
+    {
+        return static_cast<const PlistValue::DictNode*>(dict.m_node)->entries;
+    }
+    static const QString& text(const PlistValue& string)
+    {
+        return static_cast<const PlistValue::StringNode*>(string.m_node)->text;
+    }
+    static const QByteArray& bytes(const PlistValue& data)
+    {
+        return static_cast<const PlistValue::DataNode*>(data.m_node)->bytes;
+    }
+    // Identity of shared storage (strings, data): equal pointers mean equal contents.
+    static const void* identity(const PlistValue& value) { return value.m_node; }
+    static double realBits(const PlistValue& value) { return value.m_real; }
+    static quint64 integerBits(const PlistValue& value) { return value.m_uint; }
+};
+
+} // namespace corvane
