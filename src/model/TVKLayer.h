@@ -1,0 +1,205 @@
+#pragma once
+
+#include "core/PlistValue.h"
+#include "model/TVKControl.h"
+
+#include <QString>
+#include <array>
+#include <memory>
+#include <vector>
+
+class TVKAction;
+class TVKKeyset;
+class TVKModelData;
+
+// One record of a layer's control initialisation table: the factory name and type of a control.
+struct TVKControlInitRecord
+{
+    QString name;
+    int type = 0;
+};
+
+// A group's records in control order; an empty name would end the group.
+using TVKControlInitTable = std::vector<TVKControlInitRecord>;
+
+// The controls of one model-data group (or one display group), in control order.
+using TVKControlGroup = std::vector<std::unique_ptr<TVKControl>>;
+
+// One complete set of the surface's controls for one of a keyset's four layers. The base knows
+// how to build, copy, archive and repair groups from a per-surface table of names and types;
+// the surface family's subclass supplies the table and makes the controls.
+//
+// Construction follows one pattern for every model class: the base constructor stores the
+// links, and the subclass's constructor body does whatever needs the subclass's tables, since
+// a base constructor cannot reach them.
+class TVKLayer
+{
+public:
+    // initWithOwner:index:andKeyset: (the base makes no controls).
+    TVKLayer(TVKModelData* owner, int index, TVKKeyset* keyset);
+    virtual ~TVKLayer();
+
+    TVKLayer(const TVKLayer&) = delete;
+    TVKLayer& operator=(const TVKLayer&) = delete;
+
+    TVKModelData* owner() const { return m_owner; }
+    void setOwner(TVKModelData* owner) { m_owner = owner; }
+    TVKKeyset* keyset() const { return m_keyset; }
+    int index() const { return m_index; }
+
+    const std::vector<TVKControlGroup>& groups() const { return m_groups; }
+    const std::vector<TVKControlGroup>& displayGroups() const { return m_displayGroups; }
+
+    // The surface's counts; the base has none.
+    virtual int numGroups() const { return 0; }
+    virtual int numDisplayGroups() const { return 0; }
+    virtual int maxControlsPerGroup() const { return 0; }
+    virtual int minControlsPerGroup() const { return 0; }
+    virtual int maxDisplaysPerGroup() const { return 0; }
+    virtual int minDisplaysPerGroup() const { return 0; }
+
+    // The initialisation table of a group; nullptr outside the surface's groups.
+    virtual const TVKControlInitTable* controlInitDataForGroupID(int group) const;
+    virtual const TVKControlInitTable* displayInitDataForGroupID(int group) const;
+
+    void createControls();
+    TVKControlGroup createGroupWithID(int group);
+    TVKControlGroup createDisplayGroupWithID(int group);
+    virtual std::unique_ptr<TVKControl> controlFromType(int type, const QString& name,
+                                                        TVKModelData* owner, TVKKeyset* keyset,
+                                                        TVKLayer* layer, int groupID, int index);
+
+    // Clamped: a group above the last gives the last, a negative one the first; a control index
+    // outside the group gives the group's first control. nullptr only for an empty group.
+    TVKControl* controlForGroup(int group, int index) const;
+    TVKControl* displayControlForGroup(int group, int index) const;
+
+    void setAllControlsToActionMode(int mode);
+    void copyFromLayerWithoutEmulation(const TVKLayer& source);
+
+    // "TVKGroups" and "TVKDisplays".
+    virtual void writeTo(corvane::PlistValue& dict) const;
+
+    virtual std::unique_ptr<TVKControl> createControlFromArchive(const corvane::PlistValue& dict,
+                                                                 int group, int controlIndex);
+    virtual std::unique_ptr<TVKAction> createEmulatedActionForControl(TVKControl* control);
+    virtual std::unique_ptr<TVKAction> createEmulatedActionForDisplay(TVKControl* display);
+
+    // Repairs after reading: missing groups and controls come back fresh from the tables.
+    void checkForMissingGroups();
+    void checkGroupForMissingControls(TVKControlGroup& group, int groupID);
+    void checkForMissingDisplayGroups();
+    void checkGroupForMissingDisplays(TVKControlGroup& group, int groupID);
+
+protected:
+    // The groups and display groups of initFromArchive:withOwner:index:andKeyset:, read and
+    // repaired. Called from the subclass's archive constructor.
+    void readGroupsFromArchive(const corvane::PlistValue& dict);
+
+private:
+    TVKControlGroup createGroupFromTable(const TVKControlInitTable* table, int groupID, int minimum,
+                                         int maximum);
+    void fillGroupFromTable(TVKControlGroup& group, const TVKControlInitTable* table, int groupID,
+                            int maximum, bool display);
+    void readGroupList(const corvane::PlistValue& list, bool display);
+
+    TVKModelData* m_owner = nullptr;
+    TVKKeyset* m_keyset = nullptr;
+    int m_index = 0;
+    std::vector<TVKControlGroup> m_groups;
+    std::vector<TVKControlGroup> m_displayGroups;
+};
+
+// The layer of the surface family: its tables and counts, the controls and emulated actions by
+// type, and the NV button groups (user-made groups of NV LCD buttons with a name and a colour).
+//
+// An NV group is a dictionary: "TVKName" (its name), "TVKGrpMem" (member button indices as
+// decimal texts) and "TVKGrpClrs" (its colour 0..7 as decimal text). A button index is a control
+// index in group 24. Assignments map a button index text to a group index text; they keep the
+// group index that was current when the button was added, even after an earlier group goes.
+class CorvaneLayer : public TVKLayer
+{
+public:
+    static constexpr int kNumGroups = 31;
+    static constexpr int kNumDisplayGroups = 5;
+    static constexpr int kMaxControlsPerGroup = 240;
+    static constexpr int kMinControlsPerGroup = 2;
+    static constexpr int kMaxDisplaysPerGroup = 240;
+    static constexpr int kMinDisplaysPerGroup = 1;
+    static constexpr int kMaxNVGroups = 8;
+    static constexpr int kNVButtonGroupID = 24;
+
+    // initWithOwner:index:andKeyset: with fresh controls.
+    CorvaneLayer(TVKModelData* owner, int index, TVKKeyset* keyset);
+    // initFromArchive:withOwner:index:andKeyset:
+    CorvaneLayer(const corvane::PlistValue& archive, TVKModelData* owner, int index,
+                 TVKKeyset* keyset);
+
+    int numGroups() const override { return kNumGroups; }
+    int numDisplayGroups() const override { return kNumDisplayGroups; }
+    int maxControlsPerGroup() const override { return kMaxControlsPerGroup; }
+    int minControlsPerGroup() const override { return kMinControlsPerGroup; }
+    int maxDisplaysPerGroup() const override { return kMaxDisplaysPerGroup; }
+    int minDisplaysPerGroup() const override { return kMinDisplaysPerGroup; }
+
+    const TVKControlInitTable* controlInitDataForGroupID(int group) const override;
+    const TVKControlInitTable* displayInitDataForGroupID(int group) const override;
+
+    std::unique_ptr<TVKControl> controlFromType(int type, const QString& name, TVKModelData* owner,
+                                                TVKKeyset* keyset, TVKLayer* layer, int groupID,
+                                                int index) override;
+    std::unique_ptr<TVKControl> createControlFromArchive(const corvane::PlistValue& dict, int group,
+                                                         int controlIndex) override;
+    std::unique_ptr<TVKAction> createEmulatedActionForControl(TVKControl* control) override;
+    std::unique_ptr<TVKAction> createEmulatedActionForDisplay(TVKControl* display) override;
+
+    void writeTo(corvane::PlistValue& dict) const override;
+
+    // One row of the emulation table; kind −1 means the control has no emulation.
+    struct EmulationRecord
+    {
+        int kind = -1;
+        int emulatedGroup = 0;
+        int emulatedControl = 0;
+        bool namedControl = false;
+        bool onlyControlInGroup = false;
+    };
+    struct DisplayEmulationRecord
+    {
+        int kind = -1;
+        int source = 0;
+    };
+    static EmulationRecord emulationRecord(int group, int index);
+    static DisplayEmulationRecord displayEmulationRecord(int group, int index);
+
+    // NV button groups.
+    int numCorvaneNVGroups() const { return int(m_corvaneNVGroups.size()); }
+    void createCorvaneNVGroupNamed(const QString& name);
+    QString nameOfGroupWithID(int group) const;
+    void addButtonID(int button, int group);
+    void deleteButtonID(int button, int group);
+    // True when the button has an assignment; the group index is then written to the output.
+    bool buttonID(int button, int& group) const;
+    void deleteCorvaneNVGroup(int group);
+    // nullptr for an index out of range.
+    const corvane::PlistValue* corvaneNVGroupWithID(int group) const;
+    int corvaneNVGroupForButtonWithID(int button) const;
+    int nextAvailableCorvaneNVGroupColor();
+    void putBackCorvaneNVGroupColor(int color);
+    int colorForCorvaneNVGroup(const corvane::PlistValue& group) const;
+    int colorForCorvaneNVGroupWithID(int group) const;
+    const std::vector<corvane::PlistValue>& corvaneNVGroups() const { return m_corvaneNVGroups; }
+    const corvane::PlistValue& corvaneNVGroupAssignments() const
+    {
+        return m_corvaneNVGroupAssignments;
+    }
+    bool isNVGroupColorInUse(int color) const;
+
+private:
+    void readNVGroupsFromArchive(const corvane::PlistValue& archive);
+    void setButtonMembership(int button, int group, bool latch);
+
+    std::array<bool, kMaxNVGroups> m_colorInUse{};
+    std::vector<corvane::PlistValue> m_corvaneNVGroups;
+    corvane::PlistValue m_corvaneNVGroupAssignments;
+};

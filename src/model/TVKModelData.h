@@ -1,0 +1,222 @@
+#pragma once
+
+#include "core/FourCharCode.h"
+#include "core/PlistValue.h"
+
+#include <QByteArray>
+#include <QString>
+#include <memory>
+#include <optional>
+#include <vector>
+
+class TVKAction;
+class TVKControl;
+class TVKKeyset;
+class TVKLayer;
+
+// The root of the configuration: the ordered keyset list, the current selection, the surface's
+// Ethernet address and port, the one-touch-record default and the owner keyset of the surface.
+//
+// Exactly one instance is live at a time and reachable through defaultModelData(); whoever makes
+// the model data owns it (std::unique_ptr) and the accessor forgets it when it is destroyed.
+// Every constructor makes the new object the live one.
+//
+// Operations that take a keyset out of the list hand it back, so that an undo step can keep it.
+class TVKModelData
+{
+public:
+    // init
+    TVKModelData();
+    // initWithArchive: for the base: its factories make no keysets, so the list stays empty.
+    explicit TVKModelData(const corvane::PlistValue& archive);
+    virtual ~TVKModelData();
+
+    TVKModelData(const TVKModelData&) = delete;
+    TVKModelData& operator=(const TVKModelData&) = delete;
+
+    static TVKModelData* defaultModelData();
+    static void setDefaultModelData(TVKModelData* modelData);
+
+    int numberOfKeysets() const { return int(m_keysets.size()); }
+    // An index outside the list is a caller's error: asserted, and nullptr rather than a read
+    // past the list.
+    TVKKeyset* keysetAtIndex(int index) const;
+    const std::vector<std::unique_ptr<TVKKeyset>>& keysets() const { return m_keysets; }
+
+    TVKKeyset* selectedKeyset() const;
+    TVKLayer* selectedLayer() const;
+    TVKControl* selectedControl() const;
+    TVKControl* controlForKeyset(int keyset, int layer, int group, int index) const;
+    TVKControl* selectedDisplay() const;
+    TVKControl* displayForKeyset(int keyset, int layer, int group, int index) const;
+    TVKAction* selectedControlAction() const;
+    // The control stores a copy.
+    void setSelectedControlAction(const TVKAction* action);
+    void setSelectedControlUserName(const QString& userName);
+    // setAction:forControlInKeyset:layer:group:atIndex:
+    void setAction(const TVKAction* action, int keyset, int layer, int group, int index);
+    // selectedDisplay:group: — the display index, then the display group index.
+    void selectedDisplay(int& display, int& group) const;
+    void setSelectedDisplay(int display, int group);
+
+    // Lookups: the first match in list order, −1 when nothing matches.
+    int indexOfKeysetWithSignature(corvane::FourCharCode signature) const;
+    int indexOfKeysetWithBundleID(const QString& bundleID) const;
+    // Only keysets without a real signature are found by name.
+    int indexOfKeysetWithName(const QString& name) const;
+    int appPortInUse(quint32 port) const;
+
+    void addKeyset(std::unique_ptr<TVKKeyset> keyset);
+    void addKeysetWithName(const QString& name, corvane::FourCharCode signature);
+    void addKeysetWithName(const QString& name, corvane::FourCharCode signature,
+                           const QString& bundleID);
+    void addKeysetWithName(const QString& name, corvane::FourCharCode signature,
+                           const QString& bundleID, const QByteArray& icon);
+    void addKeysetWithName(const QString& name, corvane::FourCharCode signature,
+                           const QByteArray& icon);
+    // Stores the keyset AT the index (clamped to the count): it replaces the keyset standing
+    // there and appends only at the count. Undoing a keyset deletion relies on this. Returns the
+    // keyset it replaced.
+    std::unique_ptr<TVKKeyset> insertKeyset(std::unique_ptr<TVKKeyset> keyset, int index);
+    // Returns the keyset it replaced; with an index outside the list nothing changes and the
+    // given keyset comes back.
+    std::unique_ptr<TVKKeyset> replaceKeysetAtIndex(int index, std::unique_ptr<TVKKeyset> keyset);
+    // Replaces the keyset that an imported one stands for (by bundle identifier when it has no
+    // signature, else by signature). Returns the replaced keyset, or the given one when none
+    // matched (nothing is added then).
+    std::unique_ptr<TVKKeyset> ReplaceMatchingKeyset(std::unique_ptr<TVKKeyset> keyset);
+    // Clears the owner when this keyset is the owner; the selection is not adjusted.
+    std::unique_ptr<TVKKeyset> deleteKeysetAtIndex(int index);
+    std::unique_ptr<TVKKeyset> deleteCurrentKeyset();
+    // setHasOwnerKeyset:BundleId:Signature:
+    void setHasOwnerKeyset(bool hasOwner, const std::optional<QString>& bundleID,
+                           corvane::FourCharCode signature);
+
+    // Factories; the base logs that a subclass must provide them and makes nothing.
+    virtual std::unique_ptr<TVKKeyset> createKeysetWithName(const QString& name,
+                                                            corvane::FourCharCode signature);
+    virtual std::unique_ptr<TVKKeyset> createKeysetWithName(const QString& name,
+                                                            corvane::FourCharCode signature,
+                                                            const QString& bundleID);
+    virtual std::unique_ptr<TVKKeyset> createKeysetWithPropertiesOfKeyset(const TVKKeyset& source);
+    virtual std::unique_ptr<TVKKeyset> createKeysetFromArchive(const corvane::PlistValue& dict);
+
+    virtual void writeTo(corvane::PlistValue& dict) const;
+
+    bool controlSurfaceHasOwnerKeyset() const { return m_controlSurfaceHasOwnerKeyset; }
+    void setControlSurfaceHasOwnerKeyset(bool has) { m_controlSurfaceHasOwnerKeyset = has; }
+    bool oneTouchRecordDefault() const { return m_oneTouchRecordDefault; }
+    void setOneTouchRecordDefault(bool on) { m_oneTouchRecordDefault = on; }
+    corvane::FourCharCode ownerKeysetSignature() const { return m_ownerKeysetSignature; }
+    void setOwnerKeysetSignature(corvane::FourCharCode signature)
+    {
+        m_ownerKeysetSignature = signature;
+    }
+    // A null QString when there is none.
+    QString ownerKeysetBundleID() const { return m_ownerKeysetBundleID.value_or(QString()); }
+    bool hasOwnerKeysetBundleID() const { return m_ownerKeysetBundleID.has_value(); }
+    void setOwnerKeysetBundleID(std::optional<QString> bundleID)
+    {
+        m_ownerKeysetBundleID = std::move(bundleID);
+    }
+    uint ethernetPort() const { return m_ethernetPort; }
+    void setEthernetPort(uint port) { m_ethernetPort = port; }
+    const QString& ipAddress() const { return m_ipAddress; }
+    void setIpAddress(const QString& address) { m_ipAddress = address; }
+
+    int selectedKeysetIndex() const { return m_selectedKeysetIndex; }
+    // Clamped into the list: at or beyond the count (every negative index included) gives the
+    // last keyset, and an empty list gives 0.
+    void setSelectedKeysetIndex(int index);
+    int selectedLayerIndex() const { return m_selectedLayerIndex; }
+    void setSelectedLayerIndex(int index) { m_selectedLayerIndex = index; }
+    int selectedGroupIndex() const { return m_selectedGroupIndex; }
+    void setSelectedGroupIndex(int index) { m_selectedGroupIndex = index; }
+    int selectedControlIndex() const { return m_selectedControlIndex; }
+    void setSelectedControlIndex(int index) { m_selectedControlIndex = index; }
+    int selectedDisplayGroupIndex() const { return m_selectedDisplayGroupIndex; }
+    void setSelectedDisplayGroupIndex(int index) { m_selectedDisplayGroupIndex = index; }
+    int selectedDisplayControlIndex() const { return m_selectedDisplayControlIndex; }
+    void setSelectedDisplayControlIndex(int index) { m_selectedDisplayControlIndex = index; }
+
+protected:
+    // Reading steps shared by the archive constructors: the base keys and the keyset list.
+    // Called from the subclass's constructor so that its keyset factory is the one used.
+    void readFromArchive(const corvane::PlistValue& archive);
+    std::vector<std::unique_ptr<TVKKeyset>> m_keysets;
+
+private:
+    std::optional<QString> m_ownerKeysetBundleID;
+    QString m_ipAddress;
+    corvane::FourCharCode m_ownerKeysetSignature = 0;
+    uint m_ethernetPort = 23;
+    int m_selectedKeysetIndex = 0;
+    int m_selectedLayerIndex = 0;
+    int m_selectedGroupIndex = 0;
+    int m_selectedControlIndex = 0;
+    int m_selectedDisplayGroupIndex = 0;
+    int m_selectedDisplayControlIndex = 0;
+    bool m_controlSurfaceHasOwnerKeyset = false;
+    bool m_oneTouchRecordDefault = false;
+};
+
+// The model data of the surface family: makes CorvaneKeyset keysets, starts with the "Default"
+// keyset, keeps the stand-alone expander flags and the hardware style, and forwards the NV
+// button-group operations to the selected keyset.
+class CorvaneModelData : public TVKModelData
+{
+public:
+    // The class version the archiver records.
+    static constexpr int kClassVersion = 1;
+
+    // init: the "Default" keyset alone.
+    CorvaneModelData();
+    // initWithArchive:
+    explicit CorvaneModelData(const corvane::PlistValue& archive);
+
+    std::unique_ptr<TVKKeyset> createKeysetWithName(const QString& name,
+                                                    corvane::FourCharCode signature) override;
+    std::unique_ptr<TVKKeyset> createKeysetWithName(const QString& name,
+                                                    corvane::FourCharCode signature,
+                                                    const QString& bundleID) override;
+    std::unique_ptr<TVKKeyset> createKeysetWithPropertiesOfKeyset(const TVKKeyset& source) override;
+    std::unique_ptr<TVKKeyset> createKeysetFromArchive(const corvane::PlistValue& dict) override;
+
+    void writeTo(corvane::PlistValue& dict) const override;
+
+    bool standaloneTL() const { return m_standaloneTL; }
+    void setStandaloneTL(bool on) { m_standaloneTL = on; }
+    bool standaloneTLW() const { return m_standaloneTLW; }
+    void setStandaloneTLW(bool on) { m_standaloneTLW = on; }
+    bool standaloneTLW2() const { return m_standaloneTLW2; }
+    void setStandaloneTLW2(bool on) { m_standaloneTLW2 = on; }
+    bool standaloneNV() const { return m_standaloneNV; }
+    void setStandaloneNV(bool on) { m_standaloneNV = on; }
+    bool standaloneDZ() const { return m_standaloneDZ; }
+    void setStandaloneDZ(bool on) { m_standaloneDZ = on; }
+    int hardwareStyle() const { return m_hardwareStyle; }
+    void setHardwareStyle(int style) { m_hardwareStyle = style; }
+
+    // NV button groups of the selected keyset's selected layer.
+    void createCorvaneNVGroupNamed(const QString& name);
+    QString nameOfGroupWithID(int group) const;
+    int numCorvaneNVGroups() const;
+    void addButtonID(int button, int group);
+    void deleteButtonID(int button, int group);
+    bool buttonID(int button, int& group) const;
+    void deleteCorvaneNVGroup(int group);
+    const corvane::PlistValue* corvaneNVGroupWithID(int group) const;
+    int corvaneNVGroupForButtonWithID(int button) const;
+    int colorForCorvaneNVGroup(const corvane::PlistValue& group) const;
+    int colorForCorvaneNVGroupWithID(int group) const;
+
+private:
+    class CorvaneKeyset* selectedCorvaneKeyset() const;
+
+    int m_hardwareStyle = 0;
+    bool m_standaloneTL = false;
+    bool m_standaloneTLW = false;
+    bool m_standaloneTLW2 = false;
+    bool m_standaloneNV = false;
+    bool m_standaloneDZ = false;
+};
