@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QList>
 #include <QString>
+#include <QStringList>
 
 namespace corvane {
 
@@ -18,5 +20,20 @@ QString hexByte(unsigned value);
 
 // "%.0f": C rounding (to nearest, ties to even on the binary value).
 QString roundedNumber(double value);
+
+} // namespace corvane
+
+class TVK_Constant_Server;
+
+namespace corvane {
+
+// The surface constants the actions read their vocabularies and display widths from: the
+// program's instance, or, in a tool or test that made none, one for the surface family.
+const TVK_Constant_Server& surfaceConstants();
+
+// Fills a descriptor format of the system's vocabulary ("%@", "%.0f", "%ld", "%%"). Texts and
+// numbers are taken from separate queues, each in order: the formats were always filled that
+// way, which is why, for instance, a mouse location prints its vertical distance first.
+QString fillFormat(const QString& format, const QStringList& texts, const QList<double>& numbers);
 
 } // namespace corvane

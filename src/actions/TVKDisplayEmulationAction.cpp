@@ -1,0 +1,132 @@
+#include "actions/TVKDisplayEmulationAction.h"
+
+#include "actions/ActionText.h"
+#include "model/TVKControl.h"
+#include "model/TVKKeyset.h"
+#include "model/TVKModelData.h"
+#include "surface/TVK_Constant_Server.h"
+
+using corvane::PlistValue;
+
+TVKDisplayEmulationAction::TVKDisplayEmulationAction(TVKControl* control, int source)
+    : TVKLCDDisplayAction(control)
+{
+    setDisplaySource(source);
+}
+
+TVKDisplayEmulationAction::TVKDisplayEmulationAction(const PlistValue& archive, TVKControl* control)
+    : TVKLCDDisplayAction(archive, control)
+{
+    // The text is not stored: it follows from the source.
+    setDisplaySource(qint32(archive.value(u"TVKDisplaySrc").toInteger()));
+}
+
+void TVKDisplayEmulationAction::setDisplaySource(int source)
+{
+    const bool unchanged = source == m_displaySource && !m_text.isNull();
+    m_displaySource = source;
+    if (unchanged)
+        return;
+    switch (source) {
+    case 0:
+        m_text = QStringLiteral("LCD Line 1");
+        break;
+    case 1:
+        m_text = QStringLiteral("LCD Line 2");
+        break;
+    case 2:
+        m_text = QStringLiteral("Pot Values");
+        break;
+    default:
+        break;
+    }
+}
+
+QString TVKDisplayEmulationAction::actionDescriptor() const
+{
+    return QStringLiteral("Emulation- ") + corvane::objectText(m_text);
+}
+
+corvane::FourCharCode TVKDisplayEmulationAction::editorTabID() const
+{
+    return corvane::fourCC("EMUL");
+}
+
+void TVKDisplayEmulationAction::writeTo(PlistValue& dict) const
+{
+    TVKLCDDisplayAction::writeTo(dict);
+    dict.insert(QStringLiteral("TVKDisplaySrc"), PlistValue(m_displaySource));
+}
+
+// ---- LCD
+
+TVKLCDDisplayEmulationAction::TVKLCDDisplayEmulationAction(TVKControl* control)
+    : TVKDisplayEmulationAction(control)
+{
+    readDisplayInfo();
+}
+
+TVKLCDDisplayEmulationAction::TVKLCDDisplayEmulationAction(TVKControl* control, int source)
+    : TVKDisplayEmulationAction(control, source)
+{
+    readDisplayInfo();
+}
+
+TVKLCDDisplayEmulationAction::TVKLCDDisplayEmulationAction(const PlistValue& archive,
+                                                           TVKControl* control)
+    : TVKDisplayEmulationAction(archive, control)
+{
+    m_firstEncoder = qint32(archive.value(u"TVKControlIndex").toInteger());
+    m_numEncoders = qint32(archive.value(u"TVKCount").toInteger());
+    m_displayWidth = qint32(archive.value(u"Width").toInteger());
+}
+
+void TVKLCDDisplayEmulationAction::readDisplayInfo()
+{
+    const TVKControl* display = owningControl();
+    if (!display)
+        return;
+    const TVK_Constant_Server& constants = corvane::surfaceConstants();
+    if (const TVKEmulatedDisplayRecord* record =
+            constants.emulatedDisplayInfoFromGroup(display->groupID(), display->index())) {
+        m_numEncoders = record->numberOfEncoders;
+        m_displayWidth = record->displayWidth;
+    }
+    // The emulated range starts where the display's own control names start.
+    if (const TVKSourceControlRecord* source =
+            constants.sourceControlGroupFromGroup(display->groupID(), display->index()))
+        m_firstEncoder = source->firstSourceControl;
+}
+
+std::unique_ptr<TVKAction> TVKLCDDisplayEmulationAction::copyWithZone() const
+{
+    return std::unique_ptr<TVKAction>(new TVKLCDDisplayEmulationAction(*this));
+}
+
+void TVKLCDDisplayEmulationAction::writeTo(PlistValue& dict) const
+{
+    TVKDisplayEmulationAction::writeTo(dict);
+    dict.insert(QStringLiteral("TVKControlIndex"), PlistValue(m_firstEncoder));
+    dict.insert(QStringLiteral("TVKCount"), PlistValue(m_numEncoders));
+    dict.insert(QStringLiteral("Width"), PlistValue(m_displayWidth));
+}
+
+// ---- timecode
+
+std::unique_ptr<TVKAction> TVKTimecodeDisplayEmulationAction::copyWithZone() const
+{
+    return std::unique_ptr<TVKAction>(new TVKTimecodeDisplayEmulationAction(*this));
+}
+
+QString TVKTimecodeDisplayEmulationAction::actionDescriptor() const
+{
+    const TVKModelData* model = TVKModelData::defaultModelData();
+    const TVKKeyset* keyset =
+        model && model->numberOfKeysets() > 0 ? model->selectedKeyset() : nullptr;
+    const uint mode = keyset ? keyset->emulationMode() : 0;
+    if (mode == 0)
+        return QStringLiteral("Emulation Mode Not Active");
+    return QStringLiteral("Emulation: Mode ") +
+           (mode == 1 ? QStringLiteral("A") : QStringLiteral("B")) +
+           QStringLiteral(" Timecode Display");
+}
