@@ -1,0 +1,70 @@
+#include "service/CorvaneMessenger.h"
+
+#include "service/MessageCatalogue.h"
+#include "service/TVK_MessageSpecs.h"
+
+using corvane::PlistValue;
+namespace msg = corvane::msg;
+
+CorvaneMessenger::CorvaneMessenger(TVKMessengerDelegate* controller)
+    : TVK_PrivateMessenger(corvane::fourCC("Crvn"), QStringLiteral("TVK_Corvane"), controller)
+{}
+
+bool CorvaneMessenger::sendStandaloneTLState(bool standalone)
+{
+    return sendMessageWithId(msg::TSTL, TVK_OneIntSpec(standalone ? 1 : 0).data());
+}
+
+bool CorvaneMessenger::sendStandaloneTLWState(bool standalone)
+{
+    return sendMessageWithId(msg::TTLW, TVK_OneIntSpec(standalone ? 1 : 0).data());
+}
+
+bool CorvaneMessenger::sendStandaloneTLW2State(bool standalone)
+{
+    return sendMessageWithId(msg::TTL2, TVK_OneIntSpec(standalone ? 1 : 0).data());
+}
+
+bool CorvaneMessenger::sendStandaloneNVState(bool standalone)
+{
+    return sendMessageWithId(msg::TVNV, TVK_OneIntSpec(standalone ? 1 : 0).data());
+}
+
+bool CorvaneMessenger::sendStandaloneDZState(bool standalone)
+{
+    return sendMessageWithId(msg::TSDZ, TVK_OneIntSpec(standalone ? 1 : 0).data());
+}
+
+bool CorvaneMessenger::sendChangeCorvaneNVBankMessage(qint64 bank)
+{
+    return sendMessageWithId(msg::NVBk, TVK_OneIntSpec(std::uint32_t(bank)).data());
+}
+
+bool CorvaneMessenger::sendChangeCorvaneNVParamBankMessage(qint64 bank)
+{
+    return sendMessageWithId(msg::NVPB, TVK_OneIntSpec(std::uint32_t(bank)).data());
+}
+
+bool CorvaneMessenger::sendChangeCorvaneNVActionBankMessage(qint64 bank)
+{
+    return sendMessageWithId(msg::NVAB, TVK_OneIntSpec(std::uint32_t(bank)).data());
+}
+
+bool CorvaneMessenger::sendUpdateCorvaneNVGroupsMessage(const PlistValue& groups, int keyset)
+{
+    PlistValue dict = PlistValue::makeDict(2);
+    dict.insert(QStringLiteral("TVKNVButtonGroups"), groups);
+    dict.insert(QStringLiteral("TVKKeysetIndex"), PlistValue(keyset));
+    return sendProperties(dict, msg::TUNV);
+}
+
+bool CorvaneMessenger::updateCorvaneNVLCDButtons(const PlistValue& buttons,
+                                                 const PlistValue& displays, int keyset, int layer)
+{
+    PlistValue dict = PlistValue::makeDict(4);
+    dict.insert(QStringLiteral("TVKKeysetIndex"), PlistValue(keyset));
+    dict.insert(QStringLiteral("TVKLayerIndex"), PlistValue(layer));
+    dict.insert(QStringLiteral("TVKLCDBtnList"), buttons);
+    dict.insert(QStringLiteral("TVKLCDBtnDsplList"), displays);
+    return sendProperties(dict, msg::TUNB);
+}

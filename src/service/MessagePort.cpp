@@ -1,0 +1,408 @@
+#include "service/MessagePort.h"
+
+#include "core/Log.h"
+#include "service/PortPlatform.h"
+
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QPointer>
+#include <algorithm>
+#include <cerrno>
+#include <poll.h>
+#include <sys/socket.h>
+
+namespace corvane {
+
+namespace {
+
+// Every local port of the process, so a request's wait can serve them.
+std::vector<LocalMessagePort*>& livePorts()
+{
+    static std::vector<LocalMessagePort*> ports;
+    return ports;
+}
+
+bool peerIsSameUser(qintptr descriptor, const QString& portName)
+{
+    const PortPlatform& platform = PortPlatform::current();
+    const std::optional<unsigned> peer = platform.peerUserId(descriptor);
+    if (peer && *peer == platform.userId())
+        return true;
+    log(QStringLiteral("message port %1: dropped a connection from %2")
+            .arg(portName,
+                 peer ? QStringLiteral("user %1").arg(*peer) : QStringLiteral("an unknown user")));
+    return false;
+}
+
+int remainingMs(QDeadlineTimer deadline)
+{
+    const qint64 ms = deadline.remainingTime();
+    if (ms < 0)
+        return -1;
+    return int(std::min<qint64>(ms, 1000 * 60));
+}
+
+} // namespace
+
+struct LocalMessagePort::Connection
+{
+    QLocalSocket* socket = nullptr;
+    MessageFrameReader reader;
+    bool dispatching = false;
+    bool closed = false;
+};
+
+std::unique_ptr<LocalMessagePort> LocalMessagePort::create(const QString& name, Callback callback)
+{
+    const QString path = PortPlatform::portPath(name);
+    if (path.isEmpty())
+        return nullptr;
+
+    {
+        // A listener that answers owns the name; only a socket nobody answers on may be taken
+        // over.
+        QLocalSocket probe;
+        probe.connectToServer(path);
+        if (probe.state() == QLocalSocket::ConnectedState || probe.waitForConnected(50)) {
+            probe.abort();
+            return nullptr;
+        }
+    }
+    QLocalServer::removeServer(path);
+
+    auto* server = new QLocalServer;
+    server->setSocketOptions(QLocalServer::NoOptions);
+    if (!server->listen(path)) {
+        log(QStringLiteral("message port %1: cannot listen at %2: %3")
+                .arg(name, path, server->errorString()));
+        delete server;
+        return nullptr;
+    }
+    return std::unique_ptr<LocalMessagePort>(
+        new LocalMessagePort(name, path, server, std::move(callback)));
+}
+
+LocalMessagePort::LocalMessagePort(const QString& name, const QString& path, QLocalServer* server,
+                                   Callback callback)
+    : m_name(name), m_path(path), m_server(server), m_callback(std::move(callback))
+{
+    m_server->setParent(this);
+    connect(m_server, &QLocalServer::newConnection, this, &LocalMessagePort::acceptConnections);
+    livePorts().push_back(this);
+}
+
+LocalMessagePort::~LocalMessagePort()
+{
+    auto& ports = livePorts();
+    ports.erase(std::remove(ports.begin(), ports.end(), this), ports.end());
+    m_callback = nullptr;
+    for (auto& connection : m_connections) {
+        connection->socket->disconnect(this);
+        connection->socket->abort();
+    }
+    if (m_server)
+        m_server->close();
+}
+
+bool LocalMessagePort::isValid() const
+{
+    return m_server && m_server->isListening();
+}
+
+void LocalMessagePort::invalidate()
+{
+    if (!isValid())
+        return;
+    for (auto& connection : m_connections) {
+        connection->socket->disconnect(this);
+        connection->socket->abort();
+        connection->socket->deleteLater();
+    }
+    m_connections.clear();
+    m_server->close();
+    Q_EMIT invalidated();
+}
+
+void LocalMessagePort::acceptConnections()
+{
+    while (QLocalSocket* socket = m_server->nextPendingConnection()) {
+        if (!peerIsSameUser(socket->socketDescriptor(), m_name)) {
+            socket->abort();
+            socket->deleteLater();
+            continue;
+        }
+        auto connection = std::make_unique<Connection>();
+        connection->socket = socket;
+        Connection* raw = connection.get();
+        m_connections.push_back(std::move(connection));
+        connect(socket, &QLocalSocket::readyRead, this, [this, raw] { readConnection(raw); });
+        connect(socket, &QLocalSocket::disconnected, this, [this, raw] { dropConnection(raw); });
+        // Bytes may have come with the connection itself.
+        if (socket->bytesAvailable() > 0)
+            readConnection(raw);
+    }
+}
+
+void LocalMessagePort::dropConnection(Connection* connection)
+{
+    if (connection->dispatching) {
+        connection->closed = true;
+        return;
+    }
+    auto it = std::find_if(m_connections.begin(), m_connections.end(),
+                           [connection](const auto& c) { return c.get() == connection; });
+    if (it == m_connections.end())
+        return;
+    connection->socket->disconnect(this);
+    connection->socket->deleteLater();
+    m_connections.erase(it);
+}
+
+void LocalMessagePort::readConnection(Connection* connection)
+{
+    connection->reader.readFrom(*connection->socket);
+    // A callback that waits on a request serves this socket again; the frames it reads are
+    // picked up by the loop below once the callback returns.
+    if (connection->dispatching)
+        return;
+    connection->dispatching = true;
+    QPointer<LocalMessagePort> self(this);
+    MessageFrame frame;
+    for (;;) {
+        const MessageFrameReader::Status status = connection->reader.next(frame);
+        if (status == MessageFrameReader::Status::NeedMore)
+            break;
+        if (status == MessageFrameReader::Status::Invalid) {
+            log(QStringLiteral("message port %1: closed a connection: %2")
+                    .arg(m_name, connection->reader.errorString()));
+            connection->closed = true;
+            break;
+        }
+        // Nothing on a receiving port awaits replies.
+        if (frame.flags & MessageFrame::IsReply)
+            continue;
+        QByteArray reply;
+        if (m_callback) {
+            Callback callback = m_callback; // the port may be invalidated from inside
+            reply = callback(this, frame.code, frame.body);
+        }
+        if (!self)
+            return; // the port went away inside the callback, with this connection
+        if (connection->closed)
+            break;
+        if (frame.flags & MessageFrame::WantsReply) {
+            QByteArray out;
+            MessageFrame::appendTo(out, frame.code, MessageFrame::IsReply, frame.sequence, reply);
+            connection->socket->write(out);
+            connection->socket->flush();
+        }
+    }
+    connection->dispatching = false;
+    if (connection->closed) {
+        connection->socket->abort();
+        dropConnection(connection);
+    }
+}
+
+void LocalMessagePort::serveOnce(QLocalSocket* awaited, QDeadlineTimer deadline)
+{
+    std::vector<pollfd> fds;
+    std::vector<QPointer<QObject>> owners;
+    auto watch = [&](qintptr fd, QObject* owner) {
+        if (fd < 0)
+            return;
+        fds.push_back(pollfd{int(fd), POLLIN, 0});
+        owners.emplace_back(owner);
+    };
+    watch(awaited->socketDescriptor(), awaited);
+    for (LocalMessagePort* port : livePorts()) {
+        if (!port->isValid())
+            continue;
+        watch(port->m_server->socketDescriptor(), port->m_server);
+        for (const auto& connection : port->m_connections)
+            watch(connection->socket->socketDescriptor(), connection->socket);
+    }
+    const int ready = ::poll(fds.data(), nfds_t(fds.size()), remainingMs(deadline));
+    if (ready <= 0)
+        return; // time-out, or a signal: the caller looks at the deadline again
+    for (std::size_t i = 0; i < fds.size(); ++i) {
+        if (fds[i].revents == 0 || !owners[i])
+            continue;
+        // The wait functions with no time read what is there and emit the usual signals, so
+        // frames go through the same handlers as in the event loop.
+        if (auto* server = qobject_cast<QLocalServer*>(owners[i].data()))
+            server->waitForNewConnection(0);
+        else if (auto* socket = qobject_cast<QLocalSocket*>(owners[i].data()))
+            socket->waitForReadyRead(0);
+    }
+}
+
+std::shared_ptr<RemoteMessagePort> RemoteMessagePort::create(const QString& name)
+{
+    const QString path = PortPlatform::portPath(name);
+    if (path.isEmpty())
+        return nullptr;
+    auto* socket = new QLocalSocket;
+    socket->connectToServer(path);
+    if (socket->state() != QLocalSocket::ConnectedState && !socket->waitForConnected(50)) {
+        delete socket;
+        return nullptr;
+    }
+    if (!peerIsSameUser(socket->socketDescriptor(), name)) {
+        socket->abort();
+        delete socket;
+        return nullptr;
+    }
+    return std::shared_ptr<RemoteMessagePort>(new RemoteMessagePort(name, socket));
+}
+
+RemoteMessagePort::RemoteMessagePort(const QString& name, QLocalSocket* socket)
+    : m_name(name), m_socket(socket)
+{
+    m_socket->setParent(this);
+    connect(m_socket, &QLocalSocket::readyRead, this, &RemoteMessagePort::readIncoming);
+    connect(m_socket, &QLocalSocket::disconnected, this, &RemoteMessagePort::markInvalid);
+}
+
+RemoteMessagePort::~RemoteMessagePort()
+{
+    m_socket->disconnect(this);
+    m_socket->abort();
+}
+
+bool RemoteMessagePort::isValid() const
+{
+    if (m_invalid || m_socket->state() != QLocalSocket::ConnectedState)
+        return false;
+    // The hang-up may still be waiting in the event loop; ask the socket itself.
+    char byte;
+    const ssize_t got =
+        ::recv(int(m_socket->socketDescriptor()), &byte, 1, MSG_PEEK | MSG_DONTWAIT);
+    if (got == 0 || (got < 0 && errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)) {
+        m_invalid = true;
+        return false;
+    }
+    return true;
+}
+
+void RemoteMessagePort::invalidate()
+{
+    if (m_socket->state() != QLocalSocket::UnconnectedState)
+        m_socket->abort();
+    markInvalid();
+}
+
+void RemoteMessagePort::markInvalid()
+{
+    m_invalid = true;
+    if (m_announced)
+        return;
+    m_announced = true;
+    Q_EMIT invalidated();
+}
+
+bool RemoteMessagePort::drain(QDeadlineTimer deadline)
+{
+    m_socket->flush();
+    while (m_socket->bytesToWrite() > 0) {
+        const int ms = remainingMs(deadline);
+        if (ms <= 0 || m_socket->state() != QLocalSocket::ConnectedState)
+            return false;
+        m_socket->waitForBytesWritten(ms);
+    }
+    return true;
+}
+
+bool RemoteMessagePort::writeFrame(MessageID id, std::uint32_t flags, std::uint32_t sequence,
+                                   QByteArrayView body, QDeadlineTimer deadline)
+{
+    // An earlier frame still partly queued must go first, or the stream would lose its framing.
+    if (m_socket->bytesToWrite() > 0 && !drain(deadline))
+        return false;
+    m_frame.resize(0);
+    MessageFrame::appendTo(m_frame, id, flags, sequence, body);
+    if (m_socket->write(m_frame) != m_frame.size())
+        return false;
+    return drain(deadline);
+}
+
+RemoteMessagePort::Status RemoteMessagePort::send(MessageID id, QByteArrayView body,
+                                                  int sendTimeoutMs)
+{
+    if (!isValid())
+        return Status::IsInvalid;
+    if (!writeFrame(id, 0, 0, body, QDeadlineTimer(sendTimeoutMs)))
+        return isValid() ? Status::SendTimeout : Status::IsInvalid;
+    return Status::Success;
+}
+
+RemoteMessagePort::Status RemoteMessagePort::sendRequest(MessageID id, QByteArrayView body,
+                                                         int sendTimeoutMs, int receiveTimeoutMs,
+                                                         QByteArray& reply)
+{
+    if (!isValid())
+        return Status::IsInvalid;
+    // A callback served during the wait may drop the messenger's reference to this port.
+    const std::shared_ptr<RemoteMessagePort> keepAlive = shared_from_this();
+    std::uint32_t sequence = ++m_lastSequence;
+    if (sequence == 0)
+        sequence = ++m_lastSequence;
+    if (!writeFrame(id, MessageFrame::WantsReply, sequence, body, QDeadlineTimer(sendTimeoutMs)))
+        return isValid() ? Status::SendTimeout : Status::IsInvalid;
+    m_awaited[sequence] = std::nullopt;
+
+    const QDeadlineTimer deadline(receiveTimeoutMs);
+    for (;;) {
+        // Frames already read (a reply may have come with an earlier read) are looked at first.
+        readIncoming();
+        auto it = m_awaited.find(sequence);
+        if (it != m_awaited.end() && it->second) {
+            reply = std::move(*it->second);
+            m_awaited.erase(it);
+            return Status::Success;
+        }
+        if (!isValid()) {
+            m_awaited.erase(sequence);
+            return Status::IsInvalid;
+        }
+        if (deadline.hasExpired()) {
+            m_awaited.erase(sequence);
+            return Status::ReceiveTimeout;
+        }
+        LocalMessagePort::serveOnce(m_socket, deadline);
+    }
+}
+
+void RemoteMessagePort::readIncoming()
+{
+    m_reader.readFrom(*m_socket);
+    MessageFrame frame;
+    for (;;) {
+        const MessageFrameReader::Status status = m_reader.next(frame);
+        if (status == MessageFrameReader::Status::NeedMore)
+            return;
+        if (status == MessageFrameReader::Status::Invalid) {
+            log(QStringLiteral("message port %1: closed the connection: %2")
+                    .arg(m_name, m_reader.errorString()));
+            invalidate();
+            return;
+        }
+        if (frame.flags & MessageFrame::IsReply) {
+            // A reply nobody waits for any more (its request timed out) is dropped.
+            auto it = m_awaited.find(frame.sequence);
+            if (it != m_awaited.end() && !it->second)
+                it->second = std::move(frame.body);
+            continue;
+        }
+        // The other side sends its messages to our own port; anything arriving here that asks
+        // for an answer gets an empty one, as every request must.
+        if (frame.flags & MessageFrame::WantsReply) {
+            QByteArray out;
+            MessageFrame::appendTo(out, frame.code, MessageFrame::IsReply, frame.sequence, {});
+            m_socket->write(out);
+            m_socket->flush();
+        }
+    }
+}
+
+} // namespace corvane

@@ -1,0 +1,262 @@
+#include "service/TVK_PrivateMessenger.h"
+
+#include "actions/TVKNULLAction.h"
+#include "model/TVKControl.h"
+#include "model/TVKKeyset.h"
+#include "model/TVKModelData.h"
+#include "service/MessageCatalogue.h"
+#include "service/TVKMessengerDelegate.h"
+#include "service/TVK_MessageSpecs.h"
+
+using corvane::MessageID;
+using corvane::PlistValue;
+namespace msg = corvane::msg;
+
+TVK_PrivateMessenger::TVK_PrivateMessenger(corvane::FourCharCode localID,
+                                           const QString& remotePortName,
+                                           TVKMessengerDelegate* owner)
+    : TVK_CarbonCocoaMessenger(localID, remotePortName, owner),
+      m_modelData(owner ? owner->modelData() : nullptr)
+{}
+
+bool TVK_PrivateMessenger::sendChangeEditKeysetMessage(qint64 keysetIndex)
+{
+    return sendMessageWithId(msg::ChEK, TVK_EditKeysetSpec(std::uint32_t(keysetIndex)).data());
+}
+
+bool TVK_PrivateMessenger::sendChangeEditLayerMessage(qint64 layerIndex)
+{
+    return sendMessageWithId(msg::ChEL, TVK_EditLayerSpec(std::uint32_t(layerIndex)).data());
+}
+
+bool TVK_PrivateMessenger::sendEmulationModeMessage(qint64 mode)
+{
+    return sendMessageWithId(msg::Emul, TVK_OneIntSpec(std::uint32_t(mode)).data());
+}
+
+bool TVK_PrivateMessenger::sendModifierFunction(qint64 function)
+{
+    return sendMessageWithId(msg::TMdF, TVK_OneIntSpec(std::uint32_t(function)).data());
+}
+
+bool TVK_PrivateMessenger::sendResetSocketMessage(const QString& ipAddress, qint64 port)
+{
+    return sendMessageWithId(msg::RSoc, TVK_ResetSocketSpec(ipAddress, std::uint32_t(port)).data());
+}
+
+bool TVK_PrivateMessenger::sendProperties(const PlistValue& dictionary, MessageID msgid)
+{
+    return sendMessageWithId(msgid, msg::encodePropertyList(dictionary));
+}
+
+bool TVK_PrivateMessenger::updateProperty(int property, qint64 value, int keyset)
+{
+    MessageID msgid;
+    switch (property) {
+    case ReverseButtonsProperty:
+        msgid = msg::RvRB;
+        break;
+    case EthernetPortProperty:
+        msgid = msg::ApEP;
+        break;
+    default:
+        return false;
+    }
+    PlistValue dict = PlistValue::makeDict(2);
+    dict.insert(QStringLiteral("TVKKeysetIndex"), PlistValue(qint64(keyset)));
+    dict.insert(QStringLiteral("TVKPropVal"), PlistValue(value));
+    return sendProperties(dict, msgid);
+}
+
+PlistValue TVK_PrivateMessenger::indexDictionary(int keyset, int layer, int group, int control)
+{
+    PlistValue dict = PlistValue::makeDict(5);
+    dict.insert(QStringLiteral("TVKKeysetIndex"), PlistValue(keyset));
+    dict.insert(QStringLiteral("TVKLayerIndex"), PlistValue(layer));
+    dict.insert(QStringLiteral("TVKGroupID"), PlistValue(group));
+    dict.insert(QStringLiteral("TVKControlIndex"), PlistValue(control));
+    return dict;
+}
+
+bool TVK_PrivateMessenger::updateProperty(int property, int keyset, int layer, int group,
+                                          int control)
+{
+    if (property < ActionProperty || property > JoystickSensitivityProperty)
+        return false;
+    PlistValue dict = indexDictionary(keyset, layer, group, control);
+    const TVKControl* target =
+        m_modelData ? m_modelData->controlForKeyset(keyset, layer, group, control) : nullptr;
+    const int type = target ? target->tvkControlType() : -1;
+    // The service is told about the edit even when the control lacks the property: the four
+    // indices alone, under ID 0.
+    MessageID msgid = msg::MissingProperty;
+
+    switch (property) {
+    case ActionProperty: {
+        PlistValue actionDict = PlistValue::makeDict();
+        if (target && target->action()) {
+            target->action()->writeTo(actionDict);
+        } else {
+            TVKNULLAction nullAction(const_cast<TVKControl*>(target));
+            nullAction.writeTo(actionDict);
+        }
+        dict.insert(QStringLiteral("TVActionObject"), actionDict);
+        msgid = msg::InAc;
+        break;
+    }
+    case LatchProperty:
+        if (target) {
+            dict.insert(QStringLiteral("TVKLatch"), PlistValue(target->latched() ? 1 : 0));
+            msgid = msg::ChLa;
+        }
+        break;
+    case OnColorProperty:
+        if (auto* button = dynamic_cast<const TVKMultiColorButtonControl*>(target)) {
+            dict.insert(QStringLiteral("TVKColor"), PlistValue(button->onColor()));
+            msgid = msg::ChCo;
+        } else if (auto* trackball = dynamic_cast<const TVK4WayControl*>(target)) {
+            dict.insert(QStringLiteral("TVKColor"), PlistValue(trackball->onColor()));
+            msgid = msg::ChCo;
+        }
+        break;
+    case BrightnessProperty:
+        if (auto* trackball = dynamic_cast<const TVK4WayControl*>(target);
+            trackball && type == corvane::ControlType::FourWay) {
+            dict.insert(QStringLiteral("TVKBrightness"), PlistValue(trackball->brightness()));
+            msgid = msg::ChBr;
+        }
+        break;
+    case UserNameProperty:
+        if (target) {
+            dict.insert(QStringLiteral("TVKUName"), PlistValue(target->userName()));
+            msgid = msg::ChUN;
+        }
+        break;
+    case OffColorProperty:
+        if (auto* button = dynamic_cast<const TVKMultiColorButtonControl*>(target)) {
+            dict.insert(QStringLiteral("TVKOffColor"), PlistValue(button->offColor()));
+            msgid = msg::COfC;
+        }
+        break;
+    case JogSensitivityProperty:
+        if (auto* jog = dynamic_cast<const TVKJogControl*>(target);
+            jog && type == corvane::ControlType::Jog) {
+            dict.insert(QStringLiteral("TVKJogSens"), PlistValue(jog->sensitivity()));
+            msgid = msg::ChJS;
+        }
+        break;
+    case JoystickSensitivityProperty:
+        if (auto* joystick = dynamic_cast<const TVKJoystickControl*>(target);
+            joystick && type == corvane::ControlType::Joystick) {
+            dict.insert(QStringLiteral("TVKJoySens"),
+                        PlistValue(quint64(std::uint32_t(joystick->joystickSensitivity()))));
+            msgid = msg::ChJy;
+        }
+        break;
+    }
+    return sendProperties(dict, msgid);
+}
+
+bool TVK_PrivateMessenger::updateDisplayAction(const TVKAction* action, int keyset, int layer,
+                                               int group, int display)
+{
+    PlistValue dict = indexDictionary(keyset, layer, group, display);
+    PlistValue actionDict = PlistValue::makeDict();
+    if (action) {
+        action->writeTo(actionDict);
+    } else {
+        TVKNULLDisplayAction nullAction(nullptr);
+        nullAction.writeTo(actionDict);
+    }
+    dict.insert(QStringLiteral("TVActionObject"), actionDict);
+    return sendProperties(dict, msg::IDAc);
+}
+
+bool TVK_PrivateMessenger::sendKeysetDictionary(MessageID msgid, int index, const TVKKeyset* keyset)
+{
+    PlistValue dict = PlistValue::makeDict();
+    dict.insert(QStringLiteral("TVKKeysetIndex"), PlistValue(index));
+    if (keyset)
+        keyset->writeTo(dict);
+    return sendProperties(dict, msgid);
+}
+
+bool TVK_PrivateMessenger::sendAddKeysetMessage(int index, const TVKKeyset* keyset)
+{
+    return sendKeysetDictionary(msg::TAdK, index, keyset);
+}
+
+bool TVK_PrivateMessenger::sendUpdateKeysetMessage(int index, const TVKKeyset* keyset)
+{
+    return sendKeysetDictionary(msg::TUpK, index, keyset);
+}
+
+bool TVK_PrivateMessenger::sendDeleteKeysetMessage(int index)
+{
+    PlistValue dict = PlistValue::makeDict(1);
+    dict.insert(QStringLiteral("TVKKeysetIndex"), PlistValue(index));
+    return sendProperties(dict, msg::TDlK);
+}
+
+bool TVK_PrivateMessenger::sendOwnerKeysetChange(bool hasOwner, const QString& bundleId,
+                                                 corvane::FourCharCode signature)
+{
+    PlistValue dict = PlistValue::makeDict(3);
+    dict.insert(QStringLiteral("TVKHasOwnerKS"), PlistValue(hasOwner ? 1 : 0));
+    if (hasOwner) {
+        if (!bundleId.isEmpty())
+            dict.insert(QStringLiteral("TVKOwnKSBID"), PlistValue(bundleId));
+        dict.insert(QStringLiteral("TVKOwnKSSig"),
+                    PlistValue(corvane::stringFromFourCharCode(signature)));
+    }
+    return sendProperties(dict, msg::TChO);
+}
+
+bool TVK_PrivateMessenger::requestKeyset(qint64& keyset, qint64& layer, qint64& group,
+                                         qint64& control)
+{
+    QByteArray reply;
+    if (!sendRequestWithId(msg::RqCC, reply))
+        return false;
+    const TVK_IncomingCurrentControlInfoSpec info(reply);
+    keyset = info.keysetIndex();
+    layer = info.layerIndex();
+    group = info.groupIndex();
+    control = info.controlNumOrChannel();
+    return true;
+}
+
+bool TVK_PrivateMessenger::requestConnectStatus(bool& connected)
+{
+    connected = false;
+    QByteArray reply;
+    if (!sendRequestWithId(msg::Cnct, reply))
+        return false;
+    const std::optional<bool> state = msg::decodeConnectStatusReply(reply);
+    if (!state)
+        return false;
+    connected = *state;
+    return true;
+}
+
+QByteArray TVK_PrivateMessenger::MessageCallbackForPort(corvane::LocalMessagePort* port,
+                                                        MessageID message, const QByteArray& data,
+                                                        void* info)
+{
+    if (message == msg::CnSt) {
+        if (const std::optional<bool> state = msg::decodeConnectionState(data)) {
+            if (delegate())
+                delegate()->handleConnectionStateChange(*state);
+        }
+        return QByteArray();
+    }
+    if (message == msg::CurC) {
+        const TVK_IncomingCurrentControlInfoSpec spec(data);
+        if (delegate())
+            delegate()->handleCurrentControlInfoForKeyset(spec.keysetIndex(), spec.layerIndex(),
+                                                          spec.groupIndex(),
+                                                          spec.controlNumOrChannel());
+        return QByteArray();
+    }
+    return TVK_CarbonCocoaMessenger::MessageCallbackForPort(port, message, data, info);
+}
