@@ -1,0 +1,105 @@
+#include "actions/editors/BuiltInActionEditor.h"
+
+#include "actions/ActionText.h"
+#include "actions/TVKActionContainer.h"
+#include "actions/TVKBuiltInAction.h"
+#include "actions/TVKDisplayTextAction.h"
+#include "actions/editors/EditorActions.h"
+#include "model/TVKKeyset.h"
+
+namespace corvane {
+
+BuiltInActionEditor::BuiltInActionEditor(TVKActionContainer& container, qint32 actionType)
+    : m_container(container), m_actionType(actionType), m_usage(usageWordForBuiltInType(actionType))
+{}
+
+void BuiltInActionEditor::loadCommandList(const TVKKeyset* keyset, const QString& cataloguePath)
+{
+    loadCommandList(keyset, BuiltInCommandCatalogue::load(cataloguePath));
+}
+
+void BuiltInActionEditor::loadCommandList(const TVKKeyset* keyset,
+                                          const BuiltInCommandCatalogue& catalogue)
+{
+    m_groups.clear();
+    if (keyset)
+        m_groups = catalogue.commandsFor(BuiltInCommandCatalogue::lookupKey(*keyset), m_usage);
+    const QString name = keyset ? keyset->name() : QString();
+    m_title = m_groups.empty()
+                  ? fillFormat(QStringLiteral("No Built In Commands available for %@"), {name}, {})
+                  : fillFormat(QStringLiteral("Built In Commands for %@:"), {name}, {});
+}
+
+bool BuiltInActionEditor::isGroupRowEnabled(int groupRow) const
+{
+    return groupRow >= 0 && size_t(groupRow) < m_groups.size() &&
+           !m_groups[size_t(groupRow)].isSeparator();
+}
+
+bool BuiltInActionEditor::isGroupRowLeaf(int groupRow) const
+{
+    return groupRow >= 0 && size_t(groupRow) < m_groups.size() &&
+           m_groups[size_t(groupRow)].isSeparator();
+}
+
+BuiltInActionEditor::Choice BuiltInActionEditor::chooseCommand(int groupRow, int commandRow,
+                                                               bool lastColumnSelected)
+{
+    Choice choice;
+    if (!lastColumnSelected || groupRow < 0 || size_t(groupRow) >= m_groups.size())
+        return choice;
+    const BuiltInCommandGroup& group = m_groups[size_t(groupRow)];
+    if (commandRow < 0 || size_t(commandRow) >= group.commands.size())
+        return choice;
+    const BuiltInCommand& command = group.commands[size_t(commandRow)];
+
+    if (m_container.actionType() == m_actionType) {
+        auto* action = static_cast<TVKBuiltInAction*>(m_container.action());
+        action->setCommandGroupIndex(groupRow);
+        action->setCommandIndex(commandRow);
+        action->setCommandGroupName(group.name);
+        action->setCommandName(command.name);
+        action->setMode(command.mode);
+        action->setProcedure(command.procedure);
+        // A procedure command leaves the old keystroke where it was; the service ignores it.
+        if (command.mode == 0) {
+            TVKKeystrokeList& sequence = action->sequence();
+            if (sequence.empty())
+                TVKKeySequenceAction::addKeystroke(QString(), command.keyCode, command.modifiers,
+                                                   sequence);
+            else
+                TVKKeySequenceAction::setKeystroke(QString(), command.keyCode, command.modifiers, 0,
+                                                   sequence);
+        }
+    } else {
+        std::unique_ptr<TVKBuiltInAction> action = makeBuiltInActionOfType(
+            m_actionType, groupRow, commandRow, group.name, command.name, command.mode,
+            command.procedure, command.keyCode, command.modifiers);
+        if (!action)
+            return choice;
+        m_container.setAction(std::move(action));
+    }
+    choice.chosen = true;
+    choice.userName = command.name;
+    return choice;
+}
+
+QString BuiltInActionEditor::browserPath() const
+{
+    if (m_container.actionType() != m_actionType)
+        return QString();
+    const auto* action = static_cast<const TVKBuiltInAction*>(m_container.action());
+    return pathSeparator() + objectText(action->commandGroupName()) + pathSeparator() +
+           objectText(action->commandName());
+}
+
+QString HiResTextEditor::lineLengthLabel(unsigned lineCount)
+{
+    if (lineCount == 0)
+        return QLatin1String("");
+    return fillFormat(
+        QStringLiteral("Up to %ld characters per line allowed"), {},
+        {double(CorvaneHiResLCDButtonDisplayTextAction::charsPerLineForLineCount(lineCount))});
+}
+
+} // namespace corvane
