@@ -1,0 +1,766 @@
+// The binary form "bplist00": objects, then a table of their offsets, then a 32-byte trailer.
+// Containers refer to their children by index into the offset table.
+
+#include "core/PlistFormats.h"
+#include "core/PlistText.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstring>
+
+namespace corvane::plist {
+
+namespace {
+
+constexpr std::size_t kTrailerSize = 32;
+constexpr std::size_t kHeaderSize = 8;
+
+std::uint64_t bigEndian(const unsigned char* p, unsigned size)
+{
+    std::uint64_t v = 0;
+    for (unsigned i = 0; i < size; ++i)
+        v = (v << 8) | p[i];
+    return v;
+}
+
+class BinaryReader
+{
+public:
+    BinaryReader(const unsigned char* data, std::size_t size) : m_d(data), m_n(size) {}
+
+    bool run(PlistValue& out, PlistError& error)
+    {
+        const bool ok = document(out);
+        if (!ok) {
+            out = PlistValue();
+            error.offset = qint64(m_errorAt);
+            error.reason = m_reason;
+        }
+        return ok;
+    }
+
+private:
+    bool fail(std::uint64_t at, const QString& reason)
+    {
+        if (m_reason.isEmpty()) {
+            m_errorAt = at;
+            m_reason = reason;
+        }
+        return false;
+    }
+
+    // True when [pos, pos + length) lies inside the object area.
+    bool fits(std::uint64_t pos, std::uint64_t length) const
+    {
+        return pos <= m_table && length <= m_table - pos;
+    }
+
+    bool document(PlistValue& out)
+    {
+        if (m_n < kHeaderSize + 1 + kTrailerSize)
+            return fail(0, QStringLiteral("truncated binary property list"));
+        const unsigned char* t = m_d + m_n - kTrailerSize;
+        const std::uint64_t trailerAt = m_n - kTrailerSize;
+        m_offsetSize = t[6];
+        m_refSize = t[7];
+        m_count = bigEndian(t + 8, 8);
+        const std::uint64_t top = bigEndian(t + 16, 8);
+        m_table = bigEndian(t + 24, 8);
+        if (m_offsetSize < 1 || m_offsetSize > 8 || m_refSize < 1 || m_refSize > 8)
+            return fail(trailerAt, QStringLiteral("bad trailer: offset size %1, reference size %2")
+                                       .arg(m_offsetSize)
+                                       .arg(m_refSize));
+        if (m_table < kHeaderSize + 1 || m_table > trailerAt)
+            return fail(trailerAt, QStringLiteral("bad trailer: offset table at %1").arg(m_table));
+        if (m_count == 0 || m_count > (trailerAt - m_table) / m_offsetSize)
+            return fail(
+                trailerAt,
+                QStringLiteral("bad trailer: %1 objects do not fit the offset table").arg(m_count));
+        if (top >= m_count)
+            return fail(trailerAt,
+                        QStringLiteral("bad trailer: top object %1 of %2").arg(top).arg(m_count));
+        m_active.assign(std::size_t(m_count), 0);
+        m_slot.assign(std::size_t(m_count), 0);
+        // Every object a well-formed document describes is reached through a reference of at
+        // least one byte, so more objects than bytes means shared containers multiplying the
+        // tree: refused before it can grow without bound.
+        m_budget = m_n;
+        return object(top, trailerAt, 1, out);
+    }
+
+    bool offsetOf(std::uint64_t index, std::uint64_t refAt, std::uint64_t& offset)
+    {
+        if (index >= m_count)
+            return fail(refAt, QStringLiteral("object reference %1 out of range").arg(index));
+        offset = bigEndian(m_d + m_table + index * m_offsetSize, m_offsetSize);
+        if (offset < kHeaderSize || offset >= m_table)
+            return fail(m_table + index * m_offsetSize,
+                        QStringLiteral("object %1 at offset %2 outside the object area")
+                            .arg(index)
+                            .arg(offset));
+        return true;
+    }
+
+    // After the marker at `at`: the element count, from the low nibble or a following integer.
+    bool length(std::uint64_t at, unsigned low, std::uint64_t& pos, std::uint64_t& count)
+    {
+        pos = at + 1;
+        if (low != 0xF) {
+            count = low;
+            return true;
+        }
+        if (!fits(pos, 1))
+            return fail(at, QStringLiteral("truncated object length"));
+        const unsigned marker = m_d[pos];
+        if ((marker >> 4) != 0x1 || (marker & 0xF) > 3)
+            return fail(pos, QStringLiteral("bad object length marker 0x%1")
+                                 .arg(marker, 2, 16, QLatin1Char('0')));
+        const unsigned size = 1u << (marker & 0xF);
+        if (!fits(pos + 1, size))
+            return fail(at, QStringLiteral("truncated object length"));
+        count = bigEndian(m_d + pos + 1, size);
+        pos += 1 + size;
+        return true;
+    }
+
+    bool tooLong(std::uint64_t at, std::uint64_t count)
+    {
+        return fail(at, QStringLiteral("object length %1 runs past the object area").arg(count));
+    }
+
+    bool string(std::uint64_t index, std::uint64_t offset, QString& text)
+    {
+        const unsigned marker = m_d[offset];
+        std::uint64_t pos, count;
+        if (!length(offset, marker & 0xF, pos, count))
+            return false;
+        if ((marker >> 4) == 0x5) {
+            if (!fits(pos, count))
+                return tooLong(offset, count);
+            // Strictly ASCII; bytes above 0x7F from other writers are read as Latin-1.
+            text = QString::fromLatin1(reinterpret_cast<const char*>(m_d + pos), qsizetype(count));
+            return true;
+        }
+        if (count > m_table || !fits(pos, count * 2))
+            return tooLong(offset, count);
+        text.resize(qsizetype(count));
+        auto* d = reinterpret_cast<char16_t*>(text.data());
+        const unsigned char* s = m_d + pos;
+        for (std::uint64_t i = 0; i < count; ++i)
+            d[i] = char16_t((s[2 * i] << 8) | s[2 * i + 1]);
+        (void)index;
+        return true;
+    }
+
+    bool isString(std::uint64_t offset) const
+    {
+        const unsigned type = m_d[offset] >> 4;
+        return type == 0x5 || type == 0x6;
+    }
+
+    // Strings are usually shared (the writers store each once): one tree node per object.
+    struct Cached
+    {
+        PlistValue value;
+        PlistKey key;
+    };
+    Cached& cached(std::uint64_t index)
+    {
+        std::uint32_t& slot = m_slot[std::size_t(index)];
+        if (!slot) {
+            m_cache.emplace_back();
+            slot = std::uint32_t(m_cache.size());
+        }
+        return m_cache[slot - 1];
+    }
+
+    bool spend(std::uint64_t at)
+    {
+        if (m_budget == 0)
+            return fail(at, QStringLiteral("object references expand beyond the document size"));
+        --m_budget;
+        return true;
+    }
+
+    bool key(std::uint64_t index, std::uint64_t refAt, PlistKey& out)
+    {
+        std::uint64_t offset;
+        if (!spend(refAt) || !offsetOf(index, refAt, offset))
+            return false;
+        if (!isString(offset))
+            return fail(offset,
+                        QStringLiteral("dictionary key (object %1) is not a string").arg(index));
+        Cached& c = cached(index);
+        if (!c.key.node()) {
+            QString text;
+            if (!string(index, offset, text))
+                return false;
+            c.key = PlistKey(text);
+        }
+        out = c.key;
+        return true;
+    }
+
+    bool object(std::uint64_t index, std::uint64_t refAt, int depth, PlistValue& out)
+    {
+        std::uint64_t offset;
+        if (!spend(refAt) || !offsetOf(index, refAt, offset))
+            return false;
+        if (depth > kMaxDepth)
+            return fail(offset, QStringLiteral("nesting deeper than %1 levels").arg(kMaxDepth));
+        const unsigned marker = m_d[offset];
+        const unsigned low = marker & 0xF;
+        const std::uint64_t body = offset + 1;
+        switch (marker >> 4) {
+        case 0x0:
+            if (low == 0x8 || low == 0x9) {
+                out = PlistValue(low == 0x9);
+                return true;
+            }
+            break;
+        case 0x1: {
+            if (low > 4)
+                break;
+            const unsigned size = 1u << low;
+            if (!fits(body, size))
+                return fail(offset, QStringLiteral("truncated integer"));
+            if (size < 8) {
+                out = PlistValue(qint64(bigEndian(m_d + body, size)));
+            } else if (size == 8) {
+                out = PlistValue(qint64(bigEndian(m_d + body, 8)));
+            } else {
+                // Sixteen bytes hold unsigned values above the signed range (high half zero)
+                // or, from some writers, sign-extended negative ones.
+                const std::uint64_t high = bigEndian(m_d + body, 8);
+                const std::uint64_t lowHalf = bigEndian(m_d + body + 8, 8);
+                if (high == 0)
+                    out = PlistValue(quint64(lowHalf));
+                else if (high == ~std::uint64_t(0) && qint64(lowHalf) < 0)
+                    out = PlistValue(qint64(lowHalf));
+                else
+                    return fail(offset, QStringLiteral("integer wider than 64 bits"));
+            }
+            return true;
+        }
+        case 0x2:
+            if (low == 2 && fits(body, 4)) {
+                out = PlistValue(
+                    double(std::bit_cast<float>(std::uint32_t(bigEndian(m_d + body, 4)))));
+                return true;
+            }
+            if (low == 3 && fits(body, 8)) {
+                out = PlistValue(std::bit_cast<double>(bigEndian(m_d + body, 8)));
+                return true;
+            }
+            if (low == 2 || low == 3)
+                return fail(offset, QStringLiteral("truncated real"));
+            break;
+        case 0x3:
+            if (low != 3)
+                break;
+            if (!fits(body, 8))
+                return fail(offset, QStringLiteral("truncated date"));
+            out = PlistValue::makeDate(std::bit_cast<double>(bigEndian(m_d + body, 8)));
+            return true;
+        case 0x4: {
+            std::uint64_t pos, count;
+            if (!length(offset, low, pos, count))
+                return false;
+            if (!fits(pos, count))
+                return tooLong(offset, count);
+            out =
+                PlistValue(QByteArray(reinterpret_cast<const char*>(m_d + pos), qsizetype(count)));
+            return true;
+        }
+        case 0x5:
+        case 0x6: {
+            Cached& c = cached(index);
+            if (c.value.isNull()) {
+                QString text;
+                if (!string(index, offset, text))
+                    return false;
+                c.value = PlistValue(text);
+            }
+            out = c.value;
+            return true;
+        }
+        case 0xA:
+            return array(index, offset, low, depth, out);
+        case 0xD:
+            return dict(index, offset, low, depth, out);
+        default:
+            break;
+        }
+        return fail(
+            offset,
+            QStringLiteral("unsupported object type 0x%1").arg(marker, 2, 16, QLatin1Char('0')));
+    }
+
+    bool enter(std::uint64_t index, std::uint64_t offset)
+    {
+        if (m_active[std::size_t(index)])
+            return fail(offset,
+                        QStringLiteral("object reference cycle through object %1").arg(index));
+        m_active[std::size_t(index)] = 1;
+        return true;
+    }
+
+    std::uint64_t ref(std::uint64_t pos) const { return bigEndian(m_d + pos, m_refSize); }
+
+    bool array(std::uint64_t index, std::uint64_t offset, unsigned low, int depth, PlistValue& out)
+    {
+        std::uint64_t pos, count;
+        if (!length(offset, low, pos, count))
+            return false;
+        if (count > m_table || !fits(pos, count * m_refSize))
+            return tooLong(offset, count);
+        if (!enter(index, offset))
+            return false;
+        std::vector<PlistValue> items;
+        items.reserve(std::size_t(count));
+        for (std::uint64_t i = 0; i < count; ++i) {
+            const std::uint64_t at = pos + i * m_refSize;
+            PlistValue item;
+            if (!object(ref(at), at, depth + 1, item))
+                return false;
+            items.push_back(std::move(item));
+        }
+        m_active[std::size_t(index)] = 0;
+        out = PlistBuilder::array(std::move(items));
+        return true;
+    }
+
+    bool dict(std::uint64_t index, std::uint64_t offset, unsigned low, int depth, PlistValue& out)
+    {
+        std::uint64_t pos, count;
+        if (!length(offset, low, pos, count))
+            return false;
+        if (count > m_table || !fits(pos, count * 2 * m_refSize))
+            return tooLong(offset, count);
+        if (!enter(index, offset))
+            return false;
+        std::vector<PlistEntry> entries;
+        entries.reserve(std::size_t(count));
+        const std::uint64_t values = pos + count * m_refSize;
+        for (std::uint64_t i = 0; i < count; ++i) {
+            const std::uint64_t keyAt = pos + i * m_refSize;
+            const std::uint64_t valueAt = values + i * m_refSize;
+            PlistKey k;
+            PlistValue v;
+            if (!key(ref(keyAt), keyAt, k) || !object(ref(valueAt), valueAt, depth + 1, v))
+                return false;
+            entries.emplace_back(std::move(k), std::move(v));
+        }
+        m_active[std::size_t(index)] = 0;
+        removeDuplicateKeys(entries, 0);
+        out = PlistBuilder::dict(std::move(entries));
+        return true;
+    }
+
+    const unsigned char* m_d;
+    std::uint64_t m_n;
+    unsigned m_offsetSize = 0;
+    unsigned m_refSize = 0;
+    std::uint64_t m_count = 0;
+    std::uint64_t m_table = 0;
+    std::uint64_t m_budget = 0;
+    std::vector<std::uint8_t> m_active;
+    std::vector<std::uint32_t> m_slot;
+    std::vector<Cached> m_cache;
+    std::uint64_t m_errorAt = 0;
+    QString m_reason;
+};
+
+unsigned bytesFor(std::uint64_t v)
+{
+    if (v <= 0xFF)
+        return 1;
+    if (v <= 0xFFFF)
+        return 2;
+    if (v <= 0xFFFFFFFFull)
+        return 4;
+    return 8;
+}
+
+inline char* putBigEndian(char* d, std::uint64_t v, unsigned size)
+{
+    for (unsigned i = size; i-- > 0;) {
+        d[i] = char(v & 0xFF);
+        v >>= 8;
+    }
+    return d + size;
+}
+
+class BinaryWriter
+{
+public:
+    BinaryWriter(Sink& out, QString& error) : m_out(out), m_error(error) {}
+
+    bool document(const PlistValue& value)
+    {
+        if (value.isNull()) {
+            m_error = QStringLiteral("nothing to write: the value is null");
+            return false;
+        }
+        if (!add(value, 1))
+            return false;
+        m_refSize = bytesFor(m_objects.size() - 1);
+        m_out.put("bplist00", 8);
+        std::vector<std::uint64_t> offsets(m_objects.size());
+        for (std::size_t i = 0; i < m_objects.size(); ++i) {
+            offsets[i] = m_out.total();
+            write(m_objects[i]);
+        }
+        const std::uint64_t position = m_out.total();
+        const unsigned offsetSize = bytesFor(position);
+        for (const std::uint64_t offset : offsets) {
+            char* d = m_out.reserve(offsetSize);
+            m_out.commit(putBigEndian(d, offset, offsetSize));
+        }
+        char* d = m_out.reserve(kTrailerSize);
+        std::memset(d, 0, 6);
+        d[6] = char(offsetSize);
+        d[7] = char(m_refSize);
+        d = putBigEndian(d + 8, m_objects.size(), 8);
+        d = putBigEndian(d, 0, 8);
+        d = putBigEndian(d, position, 8);
+        m_out.commit(d);
+        return true;
+    }
+
+private:
+    enum class Kind : std::uint8_t
+    {
+        False,
+        True,
+        Integer,
+        Unsigned,
+        Real,
+        Date,
+        Data,
+        String,
+        Array,
+        Dict
+    };
+    struct Object
+    {
+        Kind kind;
+        union {
+            std::uint64_t bits;
+            const QString* text;
+            const QByteArray* bytes;
+        };
+        std::uint32_t refs = 0; // first of this container's references in m_refs
+        std::uint32_t count = 0;
+    };
+
+    static std::uint64_t mix(std::uint64_t h)
+    {
+        h ^= h >> 33;
+        h *= 0xFF51AFD7ED558CCDull;
+        h ^= h >> 33;
+        return h;
+    }
+
+    std::uint64_t hashOf(const Object& o) const
+    {
+        switch (o.kind) {
+        case Kind::String:
+            return hashBytes(std::string_view(reinterpret_cast<const char*>(o.text->utf16()),
+                                              std::size_t(o.text->size()) * 2));
+        case Kind::Data:
+            return hashBytes(std::string_view(o.bytes->constData(), std::size_t(o.bytes->size()))) ^
+                   0x5555;
+        default:
+            return mix(o.bits + 0x9E3779B97F4A7C15ull * (unsigned(o.kind) + 1));
+        }
+    }
+
+    static bool same(const Object& a, const Object& b)
+    {
+        if (a.kind != b.kind)
+            return false;
+        switch (a.kind) {
+        case Kind::String:
+            return a.text == b.text || *a.text == *b.text;
+        case Kind::Data:
+            return a.bytes == b.bytes || *a.bytes == *b.bytes;
+        default:
+            return a.bits == b.bits;
+        }
+    }
+
+    // Leaves are stored once however often they occur, found through an open-addressing
+    // table so that the whole write stays linear.
+    std::uint32_t unique(const Object& o)
+    {
+        if (m_slots.empty())
+            m_slots.assign(4096, Slot{});
+        const std::uint64_t h = hashOf(o);
+        std::size_t mask = m_slots.size() - 1;
+        std::size_t i = std::size_t(h) & mask;
+        while (m_slots[i].index) {
+            if (m_slots[i].hash == h && same(m_objects[m_slots[i].index - 1], o))
+                return m_slots[i].index - 1;
+            i = (i + 1) & mask;
+        }
+        m_objects.push_back(o);
+        const auto index = std::uint32_t(m_objects.size() - 1);
+        m_slots[i] = Slot{h, index + 1};
+        if (++m_used * 2 > m_slots.size()) {
+            std::vector<Slot> old(m_slots.size() * 2);
+            old.swap(m_slots);
+            mask = m_slots.size() - 1;
+            for (const Slot& s : old) {
+                if (!s.index)
+                    continue;
+                std::size_t j = std::size_t(s.hash) & mask;
+                while (m_slots[j].index)
+                    j = (j + 1) & mask;
+                m_slots[j] = s;
+            }
+        }
+        return index;
+    }
+
+    std::uint32_t leaf(Kind kind, std::uint64_t bits)
+    {
+        Object o{};
+        o.kind = kind;
+        o.bits = bits;
+        return unique(o);
+    }
+
+    std::uint32_t text(const QString& s)
+    {
+        Object o{};
+        o.kind = Kind::String;
+        o.text = &s;
+        return unique(o);
+    }
+
+    // Adds the value and everything below it; containers come before their children, so the
+    // top object is object 0. Returns false for a tree too deep to read back.
+    bool add(const PlistValue& v, int depth, std::uint32_t* index = nullptr)
+    {
+        if (depth > kMaxDepth) {
+            m_error = QStringLiteral("nesting deeper than %1 levels").arg(kMaxDepth);
+            return false;
+        }
+        std::uint32_t result = 0;
+        switch (v.type()) {
+        case PlistValue::Type::Null:
+            break;
+        case PlistValue::Type::Boolean:
+            result = leaf(v.toBool() ? Kind::True : Kind::False, 0);
+            break;
+        case PlistValue::Type::Integer:
+            result = leaf(v.isUnsignedInteger() ? Kind::Unsigned : Kind::Integer,
+                          PlistBuilder::integerBits(v));
+            break;
+        case PlistValue::Type::Real:
+            result = leaf(Kind::Real, std::bit_cast<std::uint64_t>(PlistBuilder::realBits(v)));
+            break;
+        case PlistValue::Type::Date:
+            result = leaf(Kind::Date, std::bit_cast<std::uint64_t>(PlistBuilder::realBits(v)));
+            break;
+        case PlistValue::Type::String:
+            result = text(PlistBuilder::text(v));
+            break;
+        case PlistValue::Type::Data: {
+            Object o{};
+            o.kind = Kind::Data;
+            o.bytes = &PlistBuilder::bytes(v);
+            result = unique(o);
+            break;
+        }
+        case PlistValue::Type::Array: {
+            const auto& items = PlistBuilder::items(v);
+            result = container(Kind::Array, 0);
+            std::uint32_t count = 0;
+            for (const PlistValue& item : items) {
+                std::uint32_t child;
+                if (item.isNull())
+                    continue;
+                if (!add(item, depth + 1, &child))
+                    return false;
+                m_refs.push_back(child);
+                ++count;
+            }
+            // Children were appended after the container's own slot was reserved, so the
+            // references of nested containers sit before this one's: remember where ours are.
+            finishContainer(result, count);
+            break;
+        }
+        case PlistValue::Type::Dict:
+            if (!dict(v, depth, result))
+                return false;
+            break;
+        }
+        if (index)
+            *index = result;
+        return true;
+    }
+
+    std::uint32_t container(Kind kind, std::uint32_t count)
+    {
+        Object o{};
+        o.kind = kind;
+        o.count = count;
+        m_objects.push_back(o);
+        return std::uint32_t(m_objects.size() - 1);
+    }
+
+    void finishContainer(std::uint32_t index, std::uint32_t count)
+    {
+        // The references were pushed interleaved with those of nested containers; gather ours
+        // from the scratch stack into the flat list in order.
+        Object& o = m_objects[index];
+        o.count = count;
+        o.refs = std::uint32_t(m_flat.size());
+        m_flat.insert(m_flat.end(), m_refs.end() - count, m_refs.end());
+        m_refs.resize(m_refs.size() - count);
+    }
+
+    bool dict(const PlistValue& v, int depth, std::uint32_t& result)
+    {
+        const auto& entries = PlistBuilder::entries(v);
+        result = container(Kind::Dict, 0);
+        const std::size_t mark = m_order.size();
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            if (!entries[i].second.isNull())
+                m_order.push_back(std::uint32_t(i));
+        }
+        const std::size_t count = m_order.size() - mark;
+        // Sorted like the XML form, so equal trees give equal bytes.
+        std::sort(m_order.begin() + qsizetype(mark), m_order.end(),
+                  [&entries](std::uint32_t a, std::uint32_t b) {
+                      return entries[a].first.text() < entries[b].first.text();
+                  });
+        for (std::size_t k = 0; k < count; ++k)
+            m_refs.push_back(text(entries[m_order[mark + k]].first.text()));
+        for (std::size_t k = 0; k < count; ++k) {
+            std::uint32_t child;
+            if (!add(entries[m_order[mark + k]].second, depth + 1, &child))
+                return false;
+            m_refs.push_back(child);
+        }
+        m_order.resize(mark);
+        finishContainer(result, std::uint32_t(count * 2));
+        m_objects[result].count = std::uint32_t(count);
+        return true;
+    }
+
+    void header(unsigned type, std::uint64_t count)
+    {
+        if (count < 15) {
+            m_out.put(char((type << 4) | count));
+            return;
+        }
+        const unsigned size = bytesFor(count);
+        char* d = m_out.reserve(2 + size);
+        d[0] = char((type << 4) | 0xF);
+        d[1] = char(0x10 | std::countr_zero(size));
+        m_out.commit(putBigEndian(d + 2, count, size));
+    }
+
+    void write(const Object& o)
+    {
+        switch (o.kind) {
+        case Kind::False:
+            m_out.put(char(0x08));
+            return;
+        case Kind::True:
+            m_out.put(char(0x09));
+            return;
+        case Kind::Integer: {
+            const auto v = qint64(o.bits);
+            // Short forms are unsigned; negative numbers always take eight bytes.
+            const unsigned size = v < 0 ? 8 : bytesFor(std::uint64_t(v));
+            char* d = m_out.reserve(1 + size);
+            d[0] = char(0x10 | std::countr_zero(size));
+            m_out.commit(putBigEndian(d + 1, o.bits, size));
+            return;
+        }
+        case Kind::Unsigned: {
+            char* d = m_out.reserve(17);
+            d[0] = char(0x14);
+            d = putBigEndian(d + 1, 0, 8);
+            m_out.commit(putBigEndian(d, o.bits, 8));
+            return;
+        }
+        case Kind::Real:
+        case Kind::Date: {
+            char* d = m_out.reserve(9);
+            d[0] = char(o.kind == Kind::Real ? 0x23 : 0x33);
+            m_out.commit(putBigEndian(d + 1, o.bits, 8));
+            return;
+        }
+        case Kind::Data:
+            header(0x4, std::uint64_t(o.bytes->size()));
+            m_out.put(o.bytes->constData(), std::size_t(o.bytes->size()));
+            return;
+        case Kind::String: {
+            const QString& s = *o.text;
+            const char16_t* u = reinterpret_cast<const char16_t*>(s.utf16());
+            const std::size_t n = std::size_t(s.size());
+            const bool ascii = std::all_of(u, u + n, [](char16_t c) { return c < 0x80; });
+            header(ascii ? 0x5 : 0x6, n);
+            char* d = m_out.reserve(ascii ? n : n * 2);
+            for (std::size_t i = 0; i < n; ++i) {
+                if (ascii) {
+                    *d++ = char(u[i]);
+                } else {
+                    *d++ = char(u[i] >> 8);
+                    *d++ = char(u[i] & 0xFF);
+                }
+            }
+            m_out.commit(d);
+            return;
+        }
+        case Kind::Array:
+        case Kind::Dict: {
+            header(o.kind == Kind::Array ? 0xA : 0xD, o.count);
+            const std::uint32_t refs = o.kind == Kind::Array ? o.count : o.count * 2;
+            char* d = m_out.reserve(std::size_t(refs) * m_refSize);
+            for (std::uint32_t i = 0; i < refs; ++i)
+                d = putBigEndian(d, m_flat[o.refs + i], m_refSize);
+            m_out.commit(d);
+            return;
+        }
+        }
+    }
+
+    struct Slot
+    {
+        std::uint64_t hash = 0;
+        std::uint32_t index = 0; // object index + 1; 0 for an empty slot
+    };
+
+    Sink& m_out;
+    QString& m_error;
+    std::vector<Object> m_objects;
+    std::vector<std::uint32_t> m_refs;
+    std::vector<std::uint32_t> m_flat;
+    std::vector<std::uint32_t> m_order;
+    std::vector<Slot> m_slots;
+    std::size_t m_used = 0;
+    unsigned m_refSize = 1;
+};
+
+} // namespace
+
+bool readBinary(const char* begin, std::size_t size, PlistValue& out, PlistError& error)
+{
+    BinaryReader reader(reinterpret_cast<const unsigned char*>(begin), size);
+    return reader.run(out, error);
+}
+
+bool writeBinary(const PlistValue& value, Sink& sink, QString& error)
+{
+    BinaryWriter writer(sink, error);
+    return writer.document(value);
+}
+
+} // namespace corvane::plist
