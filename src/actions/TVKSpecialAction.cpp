@@ -1,0 +1,76 @@
+#include "actions/TVKSpecialAction.h"
+
+#include "surface/TVK_Constant_Server.h"
+
+namespace {
+
+bool isSpecialMode(qint64 mode)
+{
+    return mode >= 0 && mode < TVKSpecialAction::kModeCount;
+}
+
+const QString kModeKey = QStringLiteral("TVKSpMode");
+
+} // namespace
+
+TVKSpecialAction::TVKSpecialAction(TVKControl* control, int mode) : TVKAction(control)
+{
+    setMode(mode);
+}
+
+TVKSpecialAction::TVKSpecialAction(const corvane::PlistValue& archive, TVKControl* control)
+    : TVKAction(archive, control)
+{
+    const qint64 mode = archive.value(kModeKey).toInteger(0);
+    // The descriptor table has eleven entries; a stored mode beyond them would read past it.
+    m_mode = isSpecialMode(mode) ? int(mode) : 0;
+}
+
+void TVKSpecialAction::setMode(int mode)
+{
+    if (isSpecialMode(mode))
+        m_mode = mode;
+}
+
+QString TVKSpecialAction::actionDescriptor() const
+{
+    if (const TVK_Constant_Server* constants = TVK_Constant_Server::defaultConstantServer())
+        return constants->specialModeDescriptor(m_mode);
+    return QString();
+}
+
+corvane::FourCharCode TVKSpecialAction::editorTabID() const
+{
+    return corvane::fourCC("SPEC");
+}
+
+void TVKSpecialAction::writeTo(corvane::PlistValue& dict) const
+{
+    TVKAction::writeTo(dict);
+    dict.insert(kModeKey, corvane::PlistValue(qint64(m_mode)));
+}
+
+std::unique_ptr<TVKAction> TVKButtonSpecialAction::copyWithZone() const
+{
+    return std::unique_ptr<TVKAction>(new TVKButtonSpecialAction(*this));
+}
+
+std::unique_ptr<TVKAction> TVKEncoderSpecialAction::copyWithZone() const
+{
+    return std::unique_ptr<TVKAction>(new TVKEncoderSpecialAction(*this));
+}
+
+std::unique_ptr<TVKAction> TVKSpecial4WayAction::copyWithZone() const
+{
+    return std::unique_ptr<TVKAction>(new TVKSpecial4WayAction(*this));
+}
+
+std::unique_ptr<TVKAction> TVKShuttleSpecialAction::copyWithZone() const
+{
+    return std::unique_ptr<TVKAction>(new TVKShuttleSpecialAction(*this));
+}
+
+std::unique_ptr<TVKAction> TVKSpecialJogAction::copyWithZone() const
+{
+    return std::unique_ptr<TVKAction>(new TVKSpecialJogAction(*this));
+}

@@ -1,0 +1,422 @@
+#include "model/TVKKeyset.h"
+
+#include "actions/TVKAction.h"
+#include "core/Log.h"
+#include "model/ArchiveReading.h"
+#include "model/ArchiveRepairLog.h"
+#include "model/SurfaceConstants.h"
+#include "model/TVKControl.h"
+#include "model/TVKLayer.h"
+#include "model/TVKModelData.h"
+#include "surface/TVK_Constant_Server.h"
+
+using corvane::PlistValue;
+
+namespace {
+
+QStringList& targetIDList()
+{
+    static QStringList list;
+    return list;
+}
+
+int numLayers()
+{
+    return corvane::surfaceConstants().numLayers();
+}
+
+const QString kDefaultKeysetName = QStringLiteral("Default");
+constexpr corvane::FourCharCode kDefaultSignature = corvane::fourCC("----");
+
+} // namespace
+
+const QStringList& TVKKeyset::targetIDs()
+{
+    return targetIDList();
+}
+
+void TVKKeyset::resetTargetIDs()
+{
+    targetIDList().clear();
+}
+
+TVKKeyset::TVKKeyset(const QString& name, corvane::FourCharCode signature,
+                     std::optional<QString> bundleID, TVKModelData* owner)
+    : m_name(name), m_bundleID(std::move(bundleID)), m_owner(owner), m_signature(signature)
+{
+    createTargetID();
+    m_ethernetPort = 49152;
+    m_connectViaEthernet = false;
+    targetIDList().append(corvane::stringFromFourCharCode(m_targetID));
+    m_layers.reserve(4);
+}
+
+TVKKeyset::TVKKeyset(const PlistValue& archive, TVKModelData* owner)
+    : TVKKeyset(archive.value(u"TVKName").toString(),
+                corvane::archivedCode(archive.value(u"TVKSig")),
+                corvane::archivedOptionalText(archive.value(u"TVKAppBID")), owner)
+{
+    // A stored target ID is taken as it is: no uniqueness check, not added to the run's list.
+    const PlistValue& targetID = archive.value(u"TVKAppTID");
+    if (targetID.isString())
+        m_targetID = corvane::fourCharCodeFromString(targetID.toString());
+    else
+        createTargetID();
+    const PlistValue& icon = archive.value(u"TVKAppIcon");
+    if (icon.isData())
+        m_icon = icon.toData();
+    m_emulationMode = uint(archive.value(u"TVKEMode").toUnsigned(0));
+    m_oneTouchRecord = corvane::archivedFlag(archive.value(u"TVKOneTchRcd"), false);
+    m_connectViaEthernet = corvane::archivedFlag(archive.value(u"TVKConViaEnet"), false);
+    // A missing port reads as 0, not as the default of a new keyset.
+    m_ethernetPort = quint32(archive.value(u"TVKEnetPrt").toUnsigned(0));
+    m_locked = corvane::archivedFlag(archive.value(u"TVKLock"), false);
+}
+
+TVKKeyset::~TVKKeyset() = default;
+
+void TVKKeyset::setOwner(TVKModelData* owner)
+{
+    // The whole subtree follows, so that no control keeps pointing at a model data it left.
+    m_owner = owner;
+    for (const auto& layer : m_layers) {
+        layer->setOwner(owner);
+        for (const auto& group : layer->groups()) {
+            for (const auto& control : group)
+                control->setOwner(owner);
+        }
+        for (const auto& group : layer->displayGroups()) {
+            for (const auto& control : group)
+                control->setOwner(owner);
+        }
+    }
+}
+
+void TVKKeyset::createLayers()
+{
+    corvane::log(QStringLiteral("Must Override createLayers!"));
+}
+
+std::unique_ptr<TVKLayer> TVKKeyset::createLayerFromArchive(const PlistValue& /*dict*/,
+                                                            int /*index*/)
+{
+    corvane::log(QStringLiteral("TVKKeyset subclasses must override createLayerFromArchive"));
+    return nullptr;
+}
+
+TVKLayer* TVKKeyset::layerAtIndex(int index) const
+{
+    if (m_layers.empty())
+        return nullptr;
+    const int last = std::min(numLayers(), int(m_layers.size())) - 1;
+    if (index > last)
+        index = last;
+    if (index < 0)
+        index = 0;
+    return m_layers[std::size_t(index)].get();
+}
+
+TVKControl* TVKKeyset::controlForLayer(int layer, int group, int index) const
+{
+    const TVKLayer* target = layerAtIndex(layer);
+    return target ? target->controlForGroup(group, index) : nullptr;
+}
+
+TVKControl* TVKKeyset::displayForLayer(int layer, int group, int index) const
+{
+    const TVKLayer* target = layerAtIndex(layer);
+    return target ? target->displayControlForGroup(group, index) : nullptr;
+}
+
+void TVKKeyset::setAllControlsToActionMode(int mode)
+{
+    for (int i = 0; i < numLayers() && std::size_t(i) < m_layers.size(); ++i)
+        m_layers[std::size_t(i)]->setAllControlsToActionMode(mode);
+}
+
+std::unique_ptr<TVKKeyset> TVKKeyset::copyWithoutEmulation() const
+{
+    corvane::log(QStringLiteral("subclasses of TVKKeyset MUST override copyWithoutEmulation:"));
+    return nullptr;
+}
+
+bool TVKKeyset::copyToWithoutEmulation(TVKKeyset& target) const
+{
+    target.m_emulationMode = 0;
+    target.m_oneTouchRecord = m_oneTouchRecord;
+    target.m_connectViaEthernet = m_connectViaEthernet;
+    target.m_ethernetPort = m_ethernetPort;
+    target.m_bundleID = m_bundleID;
+    target.m_locked = m_locked;
+    for (int i = 0; i < numLayers(); ++i) {
+        TVKLayer* to = target.layerAtIndex(i);
+        const TVKLayer* from = layerAtIndex(i);
+        if (to && from)
+            to->copyFromLayerWithoutEmulation(*from);
+    }
+    return true;
+}
+
+void TVKKeyset::createTargetID()
+{
+    m_targetID = m_signature;
+    // A real signature is its own target ID, shared or not.
+    if (!corvane::isMissingSignature(m_signature))
+        return;
+    if (!m_bundleID)
+        return;
+
+    QString t = m_bundleID->section(QLatin1Char('.'), -1);
+    const qsizetype n = t.size();
+    // Short components are doubled before the dashes (app gives appapp-): existing
+    // configurations carry target IDs made this way.
+    if (n < 4)
+        t = t + t +
+            (n == 3   ? QStringLiteral("-")
+             : n == 2 ? QStringLiteral("--")
+                      : QStringLiteral("---"));
+    else if (n > 4)
+        t.truncate(4);
+
+    // Once a collision is seen every remaining position is raised, and the result is not checked
+    // again: a third keyset with the same component gets the second one's target ID.
+    const QStringList& taken = targetIDList();
+    bool collision = false;
+    for (qsizetype p = 0; p < 4; ++p) {
+        if (!collision && taken.contains(t))
+            collision = true;
+        if (!collision)
+            break;
+        if (p < t.size())
+            t[p] = QChar(char16_t(t[p].unicode() + 1));
+    }
+    m_targetID = corvane::fourCharCodeFromString(t);
+}
+
+void TVKKeyset::writeTo(PlistValue& dict) const
+{
+    dict.insert(QStringLiteral("TVKName"), PlistValue(m_name));
+    dict.insert(QStringLiteral("TVKSig"), PlistValue(corvane::stringFromFourCharCode(m_signature)));
+    if (m_bundleID)
+        dict.insert(QStringLiteral("TVKAppBID"), PlistValue(*m_bundleID));
+    dict.insert(QStringLiteral("TVKAppTID"),
+                PlistValue(corvane::stringFromFourCharCode(m_targetID)));
+    if (!m_icon.isEmpty())
+        dict.insert(QStringLiteral("TVKAppIcon"), PlistValue(m_icon));
+    dict.insert(QStringLiteral("TVKEMode"), PlistValue(quint64(m_emulationMode)));
+    dict.insert(QStringLiteral("TVKOneTchRcd"), PlistValue(qint64(m_oneTouchRecord ? 1 : 0)));
+    dict.insert(QStringLiteral("TVKConViaEnet"), PlistValue(qint64(m_connectViaEthernet ? 1 : 0)));
+    dict.insert(QStringLiteral("TVKEnetPrt"), PlistValue(quint64(m_ethernetPort)));
+    dict.insert(QStringLiteral("TVKLock"), PlistValue(m_locked));
+    const int count = std::min(numLayers(), int(m_layers.size()));
+    PlistValue layers = PlistValue::makeArray(count);
+    for (int i = 0; i < count; ++i) {
+        PlistValue layer = PlistValue::makeDict(4);
+        m_layers[std::size_t(i)]->writeTo(layer);
+        layers.append(std::move(layer));
+    }
+    dict.insert(QStringLiteral("TVKLayers"), std::move(layers));
+}
+
+void TVKKeyset::printMappings() const
+{
+    corvane::log(QStringLiteral("\n%1\n").arg(m_name));
+    const TVKLayer* layer = m_layers.empty() ? nullptr : m_layers.front().get();
+    if (!layer)
+        return;
+    for (const auto& group : layer->groups()) {
+        for (const auto& control : group) {
+            QString mapping;
+            if (!control->userName().isEmpty()) {
+                mapping = control->userName();
+            } else if (const TVKAction* action = control->action()) {
+                mapping = action->actionDescriptor();
+                if (mapping.isNull())
+                    mapping = QStringLiteral("(null)");
+            }
+            corvane::log(QStringLiteral("%1\t%2").arg(control->name(), mapping));
+        }
+    }
+}
+
+int TVKKeyset::readLayersFromArchive(const PlistValue& archive)
+{
+    const PlistValue& layers = archive.value(u"TVKLayers");
+    const qsizetype archived = layers.isArray() ? layers.size() : 0;
+    // A keyset has exactly the surface's layers; more in an archive are not read.
+    const int count = int(std::min<qsizetype>(archived, numLayers()));
+    if (archived > count && corvane::ArchiveRepairLog::isActive())
+        corvane::ArchiveRepairLog::record(
+            {m_name, count, -1, false, -1,
+             QStringLiteral("%1 layers beyond the surface's %2 ignored")
+                 .arg(archived - count)
+                 .arg(count)});
+    for (int i = 0; i < count; ++i) {
+        auto layer = createLayerFromArchive(layers.at(i), i);
+        if (!layer)
+            continue;
+        if (std::size_t(i) < m_layers.size())
+            m_layers[std::size_t(i)] = std::move(layer);
+        else
+            m_layers.push_back(std::move(layer));
+    }
+    return count;
+}
+
+// ---------------------------------------------------------------------------------------------
+// CorvaneKeyset
+
+CorvaneKeyset::CorvaneKeyset(TVKModelData* owner)
+    : CorvaneKeyset(kDefaultKeysetName, kDefaultSignature, QString(), owner)
+{}
+
+CorvaneKeyset::CorvaneKeyset(const QString& name, corvane::FourCharCode signature,
+                             TVKModelData* owner)
+    : CorvaneKeyset(name, signature, QString(), owner)
+{}
+
+CorvaneKeyset::CorvaneKeyset(const QString& name, corvane::FourCharCode signature,
+                             std::optional<QString> bundleID, TVKModelData* owner)
+    : TVKKeyset(name, signature, std::move(bundleID), owner)
+{
+    createLayers();
+}
+
+CorvaneKeyset::CorvaneKeyset(const PlistValue& archive, TVKModelData* owner)
+    : TVKKeyset(archive, owner)
+{
+    // Fresh layers are made only where the archive has none: making all four first and
+    // replacing them would double the work of loading a configuration.
+    readLayersFromArchive(archive);
+    createMissingLayers();
+    m_reverseRBButtons = corvane::archivedFlag(archive.value(u"RvrsRBBtns"), false);
+}
+
+void CorvaneKeyset::createLayers()
+{
+    const int count = numLayers();
+    m_layers.resize(std::max<std::size_t>(m_layers.size(), std::size_t(count)));
+    for (int i = 0; i < count; ++i)
+        m_layers[std::size_t(i)] = std::make_unique<CorvaneLayer>(owner(), i, this);
+}
+
+void CorvaneKeyset::createMissingLayers()
+{
+    for (int i = int(m_layers.size()); i < numLayers(); ++i) {
+        if (corvane::ArchiveRepairLog::isActive())
+            corvane::ArchiveRepairLog::record(
+                {name(), i, -1, false, -1, QStringLiteral("layer missing; made afresh")});
+        m_layers.push_back(std::make_unique<CorvaneLayer>(owner(), i, this));
+    }
+}
+
+std::unique_ptr<TVKLayer> CorvaneKeyset::createLayerFromArchive(const PlistValue& dict, int index)
+{
+    return std::make_unique<CorvaneLayer>(dict, owner(), index, this);
+}
+
+std::unique_ptr<TVKKeyset> CorvaneKeyset::copyWithoutEmulation() const
+{
+    auto copy = std::make_unique<CorvaneKeyset>(
+        name(), signature(), hasBundleID() ? std::optional<QString>(bundleID()) : std::nullopt,
+        owner());
+    copyToWithoutEmulation(*copy);
+    return copy;
+}
+
+void CorvaneKeyset::writeTo(PlistValue& dict) const
+{
+    TVKKeyset::writeTo(dict);
+    // The one key without the prefix; stored configurations depend on it.
+    dict.insert(QStringLiteral("RvrsRBBtns"), PlistValue(qint64(m_reverseRBButtons ? 1 : 0)));
+}
+
+CorvaneLayer* CorvaneKeyset::selectedCorvaneLayer() const
+{
+    const int index = owner() ? owner()->selectedLayerIndex() : 0;
+    return dynamic_cast<CorvaneLayer*>(layerAtIndex(index));
+}
+
+void CorvaneKeyset::createCorvaneNVGroupNamed(const QString& name)
+{
+    if (CorvaneLayer* layer = selectedCorvaneLayer())
+        layer->createCorvaneNVGroupNamed(name);
+}
+
+QString CorvaneKeyset::nameOfGroupWithID(int group) const
+{
+    const CorvaneLayer* layer = selectedCorvaneLayer();
+    return layer ? layer->nameOfGroupWithID(group) : QStringLiteral("Unknown!");
+}
+
+int CorvaneKeyset::numCorvaneNVGroups() const
+{
+    const CorvaneLayer* layer = selectedCorvaneLayer();
+    return layer ? layer->numCorvaneNVGroups() : 0;
+}
+
+void CorvaneKeyset::addButtonID(int button, int group)
+{
+    if (CorvaneLayer* layer = selectedCorvaneLayer())
+        layer->addButtonID(button, group);
+}
+
+void CorvaneKeyset::deleteButtonID(int button, int group)
+{
+    if (CorvaneLayer* layer = selectedCorvaneLayer())
+        layer->deleteButtonID(button, group);
+}
+
+bool CorvaneKeyset::buttonID(int button, int& group) const
+{
+    const CorvaneLayer* layer = selectedCorvaneLayer();
+    return layer && layer->buttonID(button, group);
+}
+
+void CorvaneKeyset::deleteCorvaneNVGroup(int group)
+{
+    if (CorvaneLayer* layer = selectedCorvaneLayer())
+        layer->deleteCorvaneNVGroup(group);
+}
+
+const PlistValue* CorvaneKeyset::corvaneNVGroupWithID(int group) const
+{
+    const CorvaneLayer* layer = selectedCorvaneLayer();
+    return layer ? layer->corvaneNVGroupWithID(group) : nullptr;
+}
+
+int CorvaneKeyset::corvaneNVGroupForButtonWithID(int button) const
+{
+    const CorvaneLayer* layer = selectedCorvaneLayer();
+    return layer ? layer->corvaneNVGroupForButtonWithID(button) : -1;
+}
+
+int CorvaneKeyset::nextAvailableCorvaneNVGroupColor()
+{
+    CorvaneLayer* layer = selectedCorvaneLayer();
+    return layer ? layer->nextAvailableCorvaneNVGroupColor() : -1;
+}
+
+void CorvaneKeyset::putBackCorvaneNVGroupColor(int color)
+{
+    if (CorvaneLayer* layer = selectedCorvaneLayer())
+        layer->putBackCorvaneNVGroupColor(color);
+}
+
+int CorvaneKeyset::colorForCorvaneNVGroupWithID(int group) const
+{
+    const CorvaneLayer* layer = selectedCorvaneLayer();
+    return layer ? layer->colorForCorvaneNVGroupWithID(group) : 0;
+}
+
+int CorvaneKeyset::colorForCorvaneNVGroup(const PlistValue& group) const
+{
+    const CorvaneLayer* layer = selectedCorvaneLayer();
+    return layer ? layer->colorForCorvaneNVGroup(group) : 0;
+}
+
+const std::vector<PlistValue>* CorvaneKeyset::corvaneNVGroups() const
+{
+    const CorvaneLayer* layer = selectedCorvaneLayer();
+    return layer ? &layer->corvaneNVGroups() : nullptr;
+}

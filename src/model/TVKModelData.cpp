@@ -1,0 +1,542 @@
+#include "model/TVKModelData.h"
+
+#include "actions/TVKAction.h"
+#include "core/Log.h"
+#include "model/ArchiveReading.h"
+#include "model/TVKControl.h"
+#include "model/TVKKeyset.h"
+#include "model/TVKLayer.h"
+
+#include <cassert>
+
+using corvane::PlistValue;
+
+namespace {
+TVKModelData* g_defaultModelData = nullptr;
+} // namespace
+
+TVKModelData::TVKModelData()
+{
+    setDefaultModelData(this);
+    setSelectedKeysetIndex(0);
+    setSelectedLayerIndex(0);
+    setSelectedGroupIndex(0);
+    setSelectedControlIndex(0);
+    m_ethernetPort = 23;
+    m_ipAddress = QStringLiteral("192.168.1.250");
+}
+
+TVKModelData::TVKModelData(const PlistValue& archive) : TVKModelData()
+{
+    readFromArchive(archive);
+}
+
+TVKModelData::~TVKModelData()
+{
+    if (g_defaultModelData == this)
+        g_defaultModelData = nullptr;
+}
+
+TVKModelData* TVKModelData::defaultModelData()
+{
+    return g_defaultModelData;
+}
+
+void TVKModelData::setDefaultModelData(TVKModelData* modelData)
+{
+    g_defaultModelData = modelData;
+}
+
+TVKKeyset* TVKModelData::keysetAtIndex(int index) const
+{
+    assert(index >= 0 && std::size_t(index) < m_keysets.size());
+    if (index < 0 || std::size_t(index) >= m_keysets.size())
+        return nullptr;
+    return m_keysets[std::size_t(index)].get();
+}
+
+TVKKeyset* TVKModelData::selectedKeyset() const
+{
+    // The selection may point past a list that just shrank; that is no caller's error here.
+    if (m_selectedKeysetIndex < 0 || std::size_t(m_selectedKeysetIndex) >= m_keysets.size())
+        return nullptr;
+    return m_keysets[std::size_t(m_selectedKeysetIndex)].get();
+}
+
+TVKLayer* TVKModelData::selectedLayer() const
+{
+    const TVKKeyset* keyset = selectedKeyset();
+    return keyset ? keyset->layerAtIndex(m_selectedLayerIndex) : nullptr;
+}
+
+TVKControl* TVKModelData::selectedControl() const
+{
+    return controlForKeyset(m_selectedKeysetIndex, m_selectedLayerIndex, m_selectedGroupIndex,
+                            m_selectedControlIndex);
+}
+
+TVKControl* TVKModelData::controlForKeyset(int keyset, int layer, int group, int index) const
+{
+    if (keyset < 0 || std::size_t(keyset) >= m_keysets.size())
+        return nullptr;
+    return m_keysets[std::size_t(keyset)]->controlForLayer(layer, group, index);
+}
+
+TVKControl* TVKModelData::selectedDisplay() const
+{
+    return displayForKeyset(m_selectedKeysetIndex, m_selectedLayerIndex,
+                            m_selectedDisplayGroupIndex, m_selectedDisplayControlIndex);
+}
+
+TVKControl* TVKModelData::displayForKeyset(int keyset, int layer, int group, int index) const
+{
+    if (keyset < 0 || std::size_t(keyset) >= m_keysets.size())
+        return nullptr;
+    return m_keysets[std::size_t(keyset)]->displayForLayer(layer, group, index);
+}
+
+TVKAction* TVKModelData::selectedControlAction() const
+{
+    const TVKControl* control = selectedControl();
+    return control ? control->action() : nullptr;
+}
+
+void TVKModelData::setSelectedControlAction(const TVKAction* action)
+{
+    if (TVKControl* control = selectedControl())
+        control->setAction(action);
+}
+
+void TVKModelData::setSelectedControlUserName(const QString& userName)
+{
+    if (TVKControl* control = selectedControl())
+        control->setUserName(userName);
+}
+
+void TVKModelData::setAction(const TVKAction* action, int keyset, int layer, int group, int index)
+{
+    if (TVKControl* control = controlForKeyset(keyset, layer, group, index))
+        control->setAction(action);
+}
+
+void TVKModelData::selectedDisplay(int& display, int& group) const
+{
+    display = m_selectedDisplayControlIndex;
+    group = m_selectedDisplayGroupIndex;
+}
+
+void TVKModelData::setSelectedDisplay(int display, int group)
+{
+    m_selectedDisplayControlIndex = display;
+    m_selectedDisplayGroupIndex = group;
+}
+
+void TVKModelData::setSelectedKeysetIndex(int index)
+{
+    const int count = numberOfKeysets();
+    // Compared as unsigned numbers: a negative request is "beyond the end" too.
+    int result = index;
+    if (unsigned(index) >= unsigned(count))
+        result = count - 1;
+    if (result < 0)
+        result = 0;
+    m_selectedKeysetIndex = result;
+}
+
+int TVKModelData::indexOfKeysetWithSignature(corvane::FourCharCode signature) const
+{
+    for (std::size_t i = 0; i < m_keysets.size(); ++i) {
+        if (m_keysets[i]->signature() == signature)
+            return int(i);
+    }
+    return -1;
+}
+
+int TVKModelData::indexOfKeysetWithBundleID(const QString& bundleID) const
+{
+    for (std::size_t i = 0; i < m_keysets.size(); ++i) {
+        if (m_keysets[i]->hasBundleID() && m_keysets[i]->bundleID() == bundleID)
+            return int(i);
+    }
+    return -1;
+}
+
+int TVKModelData::indexOfKeysetWithName(const QString& name) const
+{
+    // A keyset with a real signature is found by its signature only.
+    for (std::size_t i = 0; i < m_keysets.size(); ++i) {
+        if (corvane::isMissingSignature(m_keysets[i]->signature()) && m_keysets[i]->name() == name)
+            return int(i);
+    }
+    return -1;
+}
+
+int TVKModelData::appPortInUse(quint32 port) const
+{
+    for (std::size_t i = 0; i < m_keysets.size(); ++i) {
+        if (m_keysets[i]->connectViaEthernet() && m_keysets[i]->ethernetPort() == port)
+            return int(i);
+    }
+    return -1;
+}
+
+void TVKModelData::addKeyset(std::unique_ptr<TVKKeyset> keyset)
+{
+    if (keyset)
+        m_keysets.push_back(std::move(keyset));
+}
+
+void TVKModelData::addKeysetWithName(const QString& name, corvane::FourCharCode signature)
+{
+    addKeyset(createKeysetWithName(name, signature));
+}
+
+void TVKModelData::addKeysetWithName(const QString& name, corvane::FourCharCode signature,
+                                     const QString& bundleID)
+{
+    addKeyset(createKeysetWithName(name, signature, bundleID));
+}
+
+void TVKModelData::addKeysetWithName(const QString& name, corvane::FourCharCode signature,
+                                     const QString& bundleID, const QByteArray& icon)
+{
+    auto keyset = createKeysetWithName(name, signature, bundleID);
+    if (keyset)
+        keyset->setIcon(icon);
+    addKeyset(std::move(keyset));
+}
+
+void TVKModelData::addKeysetWithName(const QString& name, corvane::FourCharCode signature,
+                                     const QByteArray& icon)
+{
+    auto keyset = createKeysetWithName(name, signature);
+    if (keyset)
+        keyset->setIcon(icon);
+    addKeyset(std::move(keyset));
+}
+
+std::unique_ptr<TVKKeyset> TVKModelData::insertKeyset(std::unique_ptr<TVKKeyset> keyset, int index)
+{
+    if (!keyset)
+        return nullptr;
+    const std::size_t count = m_keysets.size();
+    // Clamped as an unsigned index, so a negative one appends.
+    std::size_t at = unsigned(index);
+    if (at > count)
+        at = count;
+    if (at == count) {
+        m_keysets.push_back(std::move(keyset));
+        return nullptr;
+    }
+    std::swap(m_keysets[at], keyset);
+    return keyset;
+}
+
+std::unique_ptr<TVKKeyset> TVKModelData::replaceKeysetAtIndex(int index,
+                                                              std::unique_ptr<TVKKeyset> keyset)
+{
+    if (index < 0 || std::size_t(index) >= m_keysets.size() || !keyset)
+        return keyset;
+    if (m_keysets[std::size_t(index)].get() == keyset.get()) {
+        // The very same keyset already stands there; it must not be owned twice.
+        (void)keyset.release();
+        return nullptr;
+    }
+    std::swap(m_keysets[std::size_t(index)], keyset);
+    return keyset;
+}
+
+std::unique_ptr<TVKKeyset> TVKModelData::ReplaceMatchingKeyset(std::unique_ptr<TVKKeyset> keyset)
+{
+    if (!keyset)
+        return nullptr;
+    int index = -1;
+    if (corvane::isMissingSignature(keyset->signature())) {
+        if (keyset->hasBundleID())
+            index = indexOfKeysetWithBundleID(keyset->bundleID());
+    } else {
+        index = indexOfKeysetWithSignature(keyset->signature());
+    }
+    if (index < 0)
+        return keyset;
+    return replaceKeysetAtIndex(index, std::move(keyset));
+}
+
+std::unique_ptr<TVKKeyset> TVKModelData::deleteKeysetAtIndex(int index)
+{
+    assert(index >= 0 && std::size_t(index) < m_keysets.size());
+    if (index < 0 || std::size_t(index) >= m_keysets.size())
+        return nullptr;
+    const TVKKeyset& keyset = *m_keysets[std::size_t(index)];
+    if (m_controlSurfaceHasOwnerKeyset) {
+        if (keyset.hasBundleID() && !keyset.bundleID().isEmpty()) {
+            // Matched by bundle identifier only, even when the owner has none recorded.
+            if (m_ownerKeysetBundleID && !m_ownerKeysetBundleID->isEmpty() &&
+                *m_ownerKeysetBundleID == keyset.bundleID())
+                setHasOwnerKeyset(false, std::nullopt, 0);
+        } else if (!corvane::isMissingSignature(m_ownerKeysetSignature) &&
+                   m_ownerKeysetSignature == keyset.signature()) {
+            setHasOwnerKeyset(false, std::nullopt, 0);
+        }
+    }
+    auto removed = std::move(m_keysets[std::size_t(index)]);
+    m_keysets.erase(m_keysets.begin() + index);
+    return removed;
+}
+
+std::unique_ptr<TVKKeyset> TVKModelData::deleteCurrentKeyset()
+{
+    return deleteKeysetAtIndex(m_selectedKeysetIndex);
+}
+
+void TVKModelData::setHasOwnerKeyset(bool hasOwner, const std::optional<QString>& bundleID,
+                                     corvane::FourCharCode signature)
+{
+    m_controlSurfaceHasOwnerKeyset = hasOwner;
+    if (hasOwner) {
+        m_ownerKeysetBundleID = bundleID;
+        m_ownerKeysetSignature = signature;
+    } else {
+        m_ownerKeysetBundleID.reset();
+        m_ownerKeysetSignature = 0;
+    }
+}
+
+std::unique_ptr<TVKKeyset> TVKModelData::createKeysetWithName(const QString& /*name*/,
+                                                              corvane::FourCharCode /*signature*/)
+{
+    corvane::log(
+        QStringLiteral("TVKModelData subclasses must override createKeysetWithName:andSignature:"));
+    return nullptr;
+}
+
+std::unique_ptr<TVKKeyset> TVKModelData::createKeysetWithName(const QString& /*name*/,
+                                                              corvane::FourCharCode /*signature*/,
+                                                              const QString& /*bundleID*/)
+{
+    corvane::log(QStringLiteral(
+        "TVKModelData subclasses must override createKeysetWithName:signature:andBundleID:"));
+    return nullptr;
+}
+
+std::unique_ptr<TVKKeyset>
+TVKModelData::createKeysetWithPropertiesOfKeyset(const TVKKeyset& /*source*/)
+{
+    corvane::log(QStringLiteral(
+        "TVKModelData subclasses must override createKeysetWithPropertiesOfKeyset:"));
+    return nullptr;
+}
+
+std::unique_ptr<TVKKeyset> TVKModelData::createKeysetFromArchive(const PlistValue& /*dict*/)
+{
+    corvane::log(QStringLiteral("TVKModelData subclasses must override createKeysetFromArchive"));
+    return nullptr;
+}
+
+void TVKModelData::writeTo(PlistValue& dict) const
+{
+    dict.insert(QStringLiteral("TVKOneTchDflt"),
+                PlistValue(qint64(m_oneTouchRecordDefault ? 1 : 0)));
+    dict.insert(QStringLiteral("TVKIPAdr"), PlistValue(m_ipAddress));
+    dict.insert(QStringLiteral("TVKEnetPrt"), PlistValue(quint64(quint32(m_ethernetPort))));
+    dict.insert(QStringLiteral("TVKHasOwnerKS"), PlistValue(m_controlSurfaceHasOwnerKeyset));
+    if (m_controlSurfaceHasOwnerKeyset) {
+        if (m_ownerKeysetBundleID && !m_ownerKeysetBundleID->isEmpty())
+            dict.insert(QStringLiteral("TVKOwnKSBID"), PlistValue(*m_ownerKeysetBundleID));
+        dict.insert(QStringLiteral("TVKOwnKSSig"),
+                    PlistValue(corvane::stringFromFourCharCode(m_ownerKeysetSignature)));
+    }
+    PlistValue keysets = PlistValue::makeArray(qsizetype(m_keysets.size()));
+    for (const auto& keyset : m_keysets) {
+        PlistValue keysetDict = PlistValue::makeDict(6);
+        keyset->writeTo(keysetDict);
+        keysets.append(std::move(keysetDict));
+    }
+    dict.insert(QStringLiteral("TVKKeysets"), std::move(keysets));
+}
+
+void TVKModelData::readFromArchive(const PlistValue& archive)
+{
+    m_oneTouchRecordDefault = corvane::archivedFlag(archive.value(u"TVKOneTchDflt"), false);
+    const PlistValue& address = archive.value(u"TVKIPAdr");
+    if (address.isString())
+        m_ipAddress = address.toString();
+    const PlistValue& port = archive.value(u"TVKEnetPrt");
+    if (!port.isNull())
+        m_ethernetPort = quint32(port.toUnsigned(m_ethernetPort));
+
+    m_controlSurfaceHasOwnerKeyset = false;
+    const PlistValue& hasOwner = archive.value(u"TVKHasOwnerKS");
+    if (!hasOwner.isNull())
+        m_controlSurfaceHasOwnerKeyset = corvane::archivedFlag(hasOwner, false);
+    if (m_controlSurfaceHasOwnerKeyset) {
+        m_ownerKeysetBundleID = corvane::archivedOptionalText(archive.value(u"TVKOwnKSBID"));
+        m_ownerKeysetSignature = corvane::archivedCode(archive.value(u"TVKOwnKSSig"));
+    } else {
+        m_ownerKeysetBundleID.reset();
+        m_ownerKeysetSignature = 0;
+    }
+
+    // An archived list replaces the list made by init (the "Default" keyset goes); a missing or
+    // empty one keeps it.
+    const PlistValue& keysets = archive.value(u"TVKKeysets");
+    if (keysets.isArray() && !keysets.isEmpty()) {
+        std::vector<std::unique_ptr<TVKKeyset>> list;
+        list.reserve(std::size_t(keysets.size()));
+        m_keysets.swap(list);
+        list.clear();
+        for (qsizetype i = 0; i < keysets.size(); ++i)
+            addKeyset(createKeysetFromArchive(keysets.at(i)));
+    }
+}
+
+// ---------------------------------------------------------------------------------------------
+// CorvaneModelData
+
+CorvaneModelData::CorvaneModelData()
+{
+    setDefaultModelData(this);
+    m_keysets.reserve(5);
+    m_keysets.push_back(std::make_unique<CorvaneKeyset>(this));
+}
+
+CorvaneModelData::CorvaneModelData(const PlistValue& archive) : CorvaneModelData()
+{
+    readFromArchive(archive);
+    setDefaultModelData(this);
+    auto flag = [&archive](QStringView key, bool& field) {
+        const PlistValue& value = archive.value(key);
+        if (!value.isNull())
+            field = value.toInteger(0) != 0;
+    };
+    flag(u"TVKStandaloneTL", m_standaloneTL);
+    flag(u"TVKStandaloneTLW", m_standaloneTLW);
+    flag(u"TVKStandaloneTLW2", m_standaloneTLW2);
+    flag(u"TVKStandaloneNV", m_standaloneNV);
+    flag(u"TVKStandaloneDZ", m_standaloneDZ);
+    const PlistValue& style = archive.value(u"TVKHardwareStyle");
+    if (!style.isNull())
+        m_hardwareStyle = int(style.toInteger(m_hardwareStyle));
+}
+
+std::unique_ptr<TVKKeyset> CorvaneModelData::createKeysetWithName(const QString& name,
+                                                                  corvane::FourCharCode signature)
+{
+    return std::make_unique<CorvaneKeyset>(name, signature, this);
+}
+
+std::unique_ptr<TVKKeyset> CorvaneModelData::createKeysetWithName(const QString& name,
+                                                                  corvane::FourCharCode signature,
+                                                                  const QString& bundleID)
+{
+    return std::make_unique<CorvaneKeyset>(name, signature, std::optional<QString>(bundleID), this);
+}
+
+std::unique_ptr<TVKKeyset>
+CorvaneModelData::createKeysetWithPropertiesOfKeyset(const TVKKeyset& source)
+{
+    // Fresh layers and a target ID of its own first, then the source's settings; the lock and
+    // the controls are not copied.
+    auto keyset = std::make_unique<CorvaneKeyset>(source.name(), source.signature(), this);
+    keyset->setBundleID(source.hasBundleID() ? std::optional<QString>(source.bundleID())
+                                             : std::nullopt);
+    keyset->setTargetID(source.targetID());
+    keyset->setIcon(source.icon());
+    keyset->setEmulationMode(source.emulationMode());
+    keyset->setOneTouchRecord(source.oneTouchRecord());
+    keyset->setConnectViaEthernet(source.connectViaEthernet());
+    keyset->setEthernetPort(source.ethernetPort());
+    if (const auto* corvane = dynamic_cast<const CorvaneKeyset*>(&source))
+        keyset->setReverseRBButtons(corvane->reverseRBButtons());
+    return keyset;
+}
+
+std::unique_ptr<TVKKeyset> CorvaneModelData::createKeysetFromArchive(const PlistValue& dict)
+{
+    return std::make_unique<CorvaneKeyset>(dict, this);
+}
+
+void CorvaneModelData::writeTo(PlistValue& dict) const
+{
+    TVKModelData::writeTo(dict);
+    auto flag = [&dict](const QString& key, bool on) {
+        dict.insert(key, PlistValue(qint64(on ? 1 : 0)));
+    };
+    flag(QStringLiteral("TVKStandaloneTL"), m_standaloneTL);
+    flag(QStringLiteral("TVKStandaloneTLW"), m_standaloneTLW);
+    flag(QStringLiteral("TVKStandaloneTLW2"), m_standaloneTLW2);
+    flag(QStringLiteral("TVKStandaloneNV"), m_standaloneNV);
+    flag(QStringLiteral("TVKStandaloneDZ"), m_standaloneDZ);
+    dict.insert(QStringLiteral("TVKHardwareStyle"), PlistValue(qint64(m_hardwareStyle)));
+}
+
+CorvaneKeyset* CorvaneModelData::selectedCorvaneKeyset() const
+{
+    return dynamic_cast<CorvaneKeyset*>(selectedKeyset());
+}
+
+void CorvaneModelData::createCorvaneNVGroupNamed(const QString& name)
+{
+    if (CorvaneKeyset* keyset = selectedCorvaneKeyset())
+        keyset->createCorvaneNVGroupNamed(name);
+}
+
+QString CorvaneModelData::nameOfGroupWithID(int group) const
+{
+    const CorvaneKeyset* keyset = selectedCorvaneKeyset();
+    return keyset ? keyset->nameOfGroupWithID(group) : QStringLiteral("Unknown!");
+}
+
+int CorvaneModelData::numCorvaneNVGroups() const
+{
+    const CorvaneKeyset* keyset = selectedCorvaneKeyset();
+    return keyset ? keyset->numCorvaneNVGroups() : 0;
+}
+
+void CorvaneModelData::addButtonID(int button, int group)
+{
+    if (CorvaneKeyset* keyset = selectedCorvaneKeyset())
+        keyset->addButtonID(button, group);
+}
+
+void CorvaneModelData::deleteButtonID(int button, int group)
+{
+    if (CorvaneKeyset* keyset = selectedCorvaneKeyset())
+        keyset->deleteButtonID(button, group);
+}
+
+bool CorvaneModelData::buttonID(int button, int& group) const
+{
+    const CorvaneKeyset* keyset = selectedCorvaneKeyset();
+    return keyset && keyset->buttonID(button, group);
+}
+
+void CorvaneModelData::deleteCorvaneNVGroup(int group)
+{
+    if (CorvaneKeyset* keyset = selectedCorvaneKeyset())
+        keyset->deleteCorvaneNVGroup(group);
+}
+
+const PlistValue* CorvaneModelData::corvaneNVGroupWithID(int group) const
+{
+    const CorvaneKeyset* keyset = selectedCorvaneKeyset();
+    return keyset ? keyset->corvaneNVGroupWithID(group) : nullptr;
+}
+
+int CorvaneModelData::corvaneNVGroupForButtonWithID(int button) const
+{
+    const CorvaneKeyset* keyset = selectedCorvaneKeyset();
+    return keyset ? keyset->corvaneNVGroupForButtonWithID(button) : -1;
+}
+
+int CorvaneModelData::colorForCorvaneNVGroup(const PlistValue& group) const
+{
+    const CorvaneKeyset* keyset = selectedCorvaneKeyset();
+    return keyset ? keyset->colorForCorvaneNVGroup(group) : 0;
+}
+
+int CorvaneModelData::colorForCorvaneNVGroupWithID(int group) const
+{
+    const CorvaneKeyset* keyset = selectedCorvaneKeyset();
+    return keyset ? keyset->colorForCorvaneNVGroupWithID(group) : 0;
+}
