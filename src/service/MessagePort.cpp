@@ -184,7 +184,7 @@ void LocalMessagePort::readConnection(Connection* connection)
         QByteArray reply;
         if (m_callback) {
             Callback callback = m_callback; // the port may be invalidated from inside
-            reply = callback(this, frame.code, frame.body);
+            reply = callback(this, frame);
         }
         if (!self)
             return; // the port went away inside the callback, with this connection

@@ -25,8 +25,8 @@ class LocalMessagePort : public QObject
     Q_OBJECT
 
 public:
-    using Callback =
-        std::function<QByteArray(LocalMessagePort* port, MessageID id, const QByteArray& data)>;
+    // Gets the whole frame, so a receiver can tell requests from one-way messages.
+    using Callback = std::function<QByteArray(LocalMessagePort* port, const MessageFrame& frame)>;
 
     // Nothing when the name is held by a live listener (another copy of the program) or the
     // socket cannot be made. A socket file left behind by a dead process is replaced.

@@ -14,13 +14,12 @@ TVK_CarbonCocoaMessenger* s_defaultMessenger = nullptr;
 
 // The port's receive function has no object of its own: it reaches whichever messenger is the
 // shared one at the time, and answers nothing when there is none.
-QByteArray messagePortCallback(corvane::LocalMessagePort* port, MessageID message,
-                               const QByteArray& data)
+QByteArray messagePortCallback(corvane::LocalMessagePort* port, const corvane::MessageFrame& frame)
 {
     TVK_CarbonCocoaMessenger* messenger = TVK_CarbonCocoaMessenger::defaultTVKMessenger();
     if (!messenger)
         return QByteArray();
-    return messenger->MessageCallbackForPort(port, message, data, nullptr);
+    return messenger->MessageCallbackForPort(port, frame.code, frame.body, nullptr);
 }
 
 } // namespace

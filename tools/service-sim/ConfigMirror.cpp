@@ -1,0 +1,244 @@
+#include "ConfigMirror.h"
+
+#include "actions/TVKStandardActionTypes.h"
+#include "core/FourCharCode.h"
+#include "core/PlistCodec.h"
+#include "model/TVKControl.h"
+#include "model/TVKKeyset.h"
+#include "model/TVKModelData.h"
+#include "service/MessageCatalogue.h"
+#include "service/TVK_MessageSpecs.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+using corvane::MessageID;
+using corvane::PlistValue;
+namespace msg = corvane::msg;
+
+ConfigMirror::ConfigMirror() : m_model(std::make_unique<CorvaneModelData>()) {}
+
+ConfigMirror::~ConfigMirror() = default;
+
+QString ConfigMirror::defaultPreferencesPath()
+{
+    QString config = qEnvironmentVariable("XDG_CONFIG_HOME");
+    if (config.isEmpty())
+        config = QDir::homePath() + QStringLiteral("/.config");
+    return config + QStringLiteral("/Tavrik/com.tavrik.CorvaneRS.plist");
+}
+
+bool ConfigMirror::load(const QString& path, QString* reason)
+{
+    if (!QFileInfo::exists(path)) {
+        m_model = std::make_unique<CorvaneModelData>();
+        return true;
+    }
+    const corvane::PlistReadResult read = corvane::PlistCodec::readFile(path);
+    if (!read.ok) {
+        *reason = QStringLiteral("%1: %2").arg(path, read.error.toString());
+        return false;
+    }
+    if (!read.value.isDict()) {
+        *reason = QStringLiteral("%1: not a dictionary").arg(path);
+        return false;
+    }
+    const PlistValue& stored = read.value.value(u"TVKModelData");
+    m_model = std::make_unique<CorvaneModelData>(stored.isDict() ? stored : read.value);
+    return true;
+}
+
+bool ConfigMirror::dump(const QString& path, QString* reason) const
+{
+    PlistValue dict = PlistValue::makeDict();
+    m_model->writeTo(dict);
+    return corvane::PlistCodec::writeFile(path, dict, corvane::PlistFormat::Xml, reason);
+}
+
+bool ConfigMirror::apply(MessageID id, const QByteArray& body, int editedKeyset, QString* reason)
+{
+    TVK_IncomingMessageSpec words(body);
+    switch (id) {
+    case msg::Emul:
+        if (editedKeyset >= 0 && editedKeyset < m_model->numberOfKeysets())
+            m_model->keysetAtIndex(editedKeyset)->setEmulationMode(words.deserializeNextField());
+        return true;
+    case msg::TSTL:
+        m_model->setStandaloneTL(words.deserializeNextField() != 0);
+        return true;
+    case msg::TTLW:
+        m_model->setStandaloneTLW(words.deserializeNextField() != 0);
+        return true;
+    case msg::TTL2:
+        m_model->setStandaloneTLW2(words.deserializeNextField() != 0);
+        return true;
+    case msg::TVNV:
+        m_model->setStandaloneNV(words.deserializeNextField() != 0);
+        return true;
+    case msg::TSDZ:
+        m_model->setStandaloneDZ(words.deserializeNextField() != 0);
+        return true;
+    case msg::RSoc: {
+        const std::optional<msg::ResetSocket> reset = msg::decodeResetSocket(body);
+        if (!reset) {
+            *reason = QStringLiteral("reset-socket body too short");
+            return false;
+        }
+        if (!reset->ipAddress.isEmpty())
+            m_model->setIpAddress(reset->ipAddress);
+        m_model->setEthernetPort(reset->port);
+        return true;
+    }
+    default:
+        break;
+    }
+    if (msg::applicationMessageKind(id) != msg::BodyKind::PropertyList)
+        return true;
+    const corvane::PlistReadResult read = corvane::PlistCodec::read(body);
+    if (!read.ok || !read.value.isDict()) {
+        *reason = read.ok ? QStringLiteral("body is not a dictionary") : read.error.toString();
+        return false;
+    }
+    return applyDictionary(id, read.value, reason);
+}
+
+bool ConfigMirror::applyDictionary(MessageID id, const PlistValue& dict, QString* reason)
+{
+    const int keyset = int(dict.value(u"TVKKeysetIndex").toInteger(-1));
+    const int layer = int(dict.value(u"TVKLayerIndex").toInteger());
+    const int group = int(dict.value(u"TVKGroupID").toInteger());
+    const int control = int(dict.value(u"TVKControlIndex").toInteger());
+    const bool keysetExists = keyset >= 0 && keyset < m_model->numberOfKeysets();
+
+    switch (id) {
+    case msg::TAdK:
+    case msg::TUpK: {
+        if (keyset < 0 || (id == msg::TUpK && !keysetExists)) {
+            *reason = QStringLiteral("no keyset at index %1").arg(keyset);
+            return false;
+        }
+        std::unique_ptr<TVKKeyset> made = m_model->createKeysetFromArchive(dict);
+        if (!made) {
+            *reason = QStringLiteral("keyset could not be made");
+            return false;
+        }
+        if (id == msg::TAdK)
+            m_model->insertKeyset(std::move(made), keyset);
+        else
+            m_model->replaceKeysetAtIndex(keyset, std::move(made));
+        return true;
+    }
+    case msg::TDlK:
+        if (!keysetExists) {
+            *reason = QStringLiteral("no keyset at index %1").arg(keyset);
+            return false;
+        }
+        m_model->deleteKeysetAtIndex(keyset);
+        return true;
+    case msg::RvRB:
+    case msg::ApEP: {
+        if (!keysetExists) {
+            *reason = QStringLiteral("no keyset at index %1").arg(keyset);
+            return false;
+        }
+        TVKKeyset* target = m_model->keysetAtIndex(keyset);
+        const qint64 value = dict.value(u"TVKPropVal").toInteger();
+        if (id == msg::RvRB) {
+            if (auto* corvaneKeyset = dynamic_cast<CorvaneKeyset*>(target))
+                corvaneKeyset->setReverseRBButtons(value != 0);
+        } else if (value == -1 || value == qint64(UINT32_MAX)) {
+            // All bits set: the application no longer talks to the surface over Ethernet.
+            target->setConnectViaEthernet(false);
+        } else {
+            target->setConnectViaEthernet(true);
+            target->setEthernetPort(uint(value));
+        }
+        return true;
+    }
+    case msg::TChO: {
+        const bool hasOwner = dict.value(u"TVKHasOwnerKS").toBool();
+        std::optional<QString> bundleID;
+        if (dict.contains(u"TVKOwnKSBID"))
+            bundleID = dict.value(u"TVKOwnKSBID").toString();
+        m_model->setHasOwnerKeyset(
+            hasOwner, bundleID,
+            hasOwner ? corvane::fourCharCodeFromString(dict.value(u"TVKOwnKSSig").toString()) : 0);
+        return true;
+    }
+    case msg::IDAc: {
+        if (!keysetExists) {
+            *reason = QStringLiteral("no keyset at index %1").arg(keyset);
+            return false;
+        }
+        TVKControl* display = m_model->displayForKeyset(keyset, layer, group, control);
+        if (!display) {
+            *reason = QStringLiteral("no display at %1/%2/%3").arg(layer).arg(group).arg(control);
+            return false;
+        }
+        display->adoptAction(TVKStandardActionTypes::createActionFromArchive(
+            dict.value(u"TVActionObject"), display));
+        return true;
+    }
+    case msg::InAc:
+    case msg::ChLa:
+    case msg::ChCo:
+    case msg::ChBr:
+    case msg::ChUN:
+    case msg::COfC:
+    case msg::ChJS:
+    case msg::ChJy:
+        break;
+    default:
+        // Messages without a part in the stored configuration (the zero-ID notice of a
+        // property the control lacks, the LCD-button expander's lists).
+        return true;
+    }
+
+    if (!keysetExists) {
+        *reason = QStringLiteral("no keyset at index %1").arg(keyset);
+        return false;
+    }
+    TVKControl* target = m_model->controlForKeyset(keyset, layer, group, control);
+    if (!target) {
+        *reason = QStringLiteral("no control at %1/%2/%3").arg(layer).arg(group).arg(control);
+        return false;
+    }
+    switch (id) {
+    case msg::InAc:
+        target->adoptAction(
+            TVKStandardActionTypes::createActionFromArchive(dict.value(u"TVActionObject"), target));
+        break;
+    case msg::ChLa:
+        target->setLatched(dict.value(u"TVKLatch").toBool());
+        break;
+    case msg::ChCo:
+        if (auto* button = dynamic_cast<TVKMultiColorButtonControl*>(target))
+            button->setOnColor(int(dict.value(u"TVKColor").toInteger()));
+        else if (auto* trackball = dynamic_cast<TVK4WayControl*>(target))
+            trackball->setOnColor(int(dict.value(u"TVKColor").toInteger()));
+        break;
+    case msg::ChBr:
+        if (auto* trackball = dynamic_cast<TVK4WayControl*>(target))
+            trackball->setBrightness(int(dict.value(u"TVKBrightness").toInteger()));
+        break;
+    case msg::ChUN:
+        target->setUserName(dict.value(u"TVKUName").toString());
+        break;
+    case msg::COfC:
+        if (auto* button = dynamic_cast<TVKMultiColorButtonControl*>(target))
+            button->setOffColor(int(dict.value(u"TVKOffColor").toInteger()));
+        break;
+    case msg::ChJS:
+        if (auto* jog = dynamic_cast<TVKJogControl*>(target))
+            jog->setSensitivity(int(dict.value(u"TVKJogSens").toInteger()));
+        break;
+    case msg::ChJy:
+        if (auto* joystick = dynamic_cast<TVKJoystickControl*>(target))
+            joystick->setJoystickSensitivity(int(dict.value(u"TVKJoySens").toUnsigned()));
+        break;
+    default:
+        break;
+    }
+    return true;
+}
