@@ -1,0 +1,136 @@
+#include "ConfigGenerator.h"
+#include "core/PlistCodec.h"
+#include "model/TVKKeyset.h"
+#include "model/TVKModelData.h"
+#include "surface/Corvane_Constant_Server.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <benchmark/benchmark.h>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+using corvane::PlistCodec;
+using corvane::PlistFormat;
+using corvane::PlistValue;
+
+constexpr int kKeysets = 50;
+
+// The configuration and its files are made once; every benchmark reads or writes them.
+struct Fixture
+{
+    Corvane_Constant_Server constants;
+    QTemporaryDir dir;
+    std::unique_ptr<CorvaneModelData> model;
+    QString xmlPath;
+    QString binaryPath;
+    QString keysetPath;
+
+    Fixture()
+    {
+        corvane::ConfigGenerator generator;
+        model = generator.generateConfiguration(kKeysets);
+        PlistValue tree = PlistValue::makeDict();
+        model->writeTo(tree);
+        xmlPath = dir.filePath(QStringLiteral("config.plist"));
+        binaryPath = dir.filePath(QStringLiteral("config.bplist"));
+        keysetPath = dir.filePath(QStringLiteral("keyset.cvks"));
+        QString error;
+        if (!PlistCodec::writeFile(xmlPath, tree, PlistFormat::Xml, &error) ||
+            !PlistCodec::writeFile(binaryPath, tree, PlistFormat::Binary, &error)) {
+            std::fprintf(stderr, "cannot write the benchmark files: %s\n", qPrintable(error));
+            std::exit(1);
+        }
+        PlistValue keyset = PlistValue::makeDict(6);
+        model->keysetAtIndex(0)->writeTo(keyset);
+        PlistCodec::writeFile(keysetPath, keyset, PlistFormat::Xml, &error);
+        std::fprintf(stderr,
+                     "configuration: %d keysets, XML %lld bytes, binary %lld bytes, "
+                     "one keyset %lld bytes\n",
+                     kKeysets, QFile(xmlPath).size(), QFile(binaryPath).size(),
+                     QFile(keysetPath).size());
+    }
+};
+
+Fixture& fixture()
+{
+    static Fixture instance;
+    return instance;
+}
+
+void readIntoModel(benchmark::State& state, const QString& path)
+{
+    for (auto _ : state) {
+        auto read = PlistCodec::readFile(path);
+        auto model = std::make_unique<CorvaneModelData>(read.value);
+        benchmark::DoNotOptimize(model.get());
+        // Tearing the model down is not part of loading it; the run's target IDs start afresh
+        // as they do in a new run of the program.
+        state.PauseTiming();
+        read = {};
+        model.reset();
+        TVKKeyset::resetTargetIDs();
+        state.ResumeTiming();
+    }
+}
+
+void BM_XmlFileIntoModel(benchmark::State& state)
+{
+    readIntoModel(state, fixture().xmlPath);
+}
+
+void BM_BinaryFileIntoModel(benchmark::State& state)
+{
+    readIntoModel(state, fixture().binaryPath);
+}
+
+void writeModel(benchmark::State& state, PlistFormat format, const QString& name)
+{
+    const QString path = fixture().dir.filePath(name);
+    for (auto _ : state) {
+        PlistValue tree = PlistValue::makeDict();
+        fixture().model->writeTo(tree);
+        QString error;
+        if (!PlistCodec::writeFile(path, tree, format, &error))
+            state.SkipWithError(qPrintable(error));
+        state.PauseTiming();
+        tree = PlistValue();
+        state.ResumeTiming();
+    }
+}
+
+void BM_ModelToXmlFile(benchmark::State& state)
+{
+    writeModel(state, PlistFormat::Xml, QStringLiteral("out.plist"));
+}
+
+void BM_ModelToBinaryFile(benchmark::State& state)
+{
+    writeModel(state, PlistFormat::Binary, QStringLiteral("out.bplist"));
+}
+
+void BM_KeysetFileIntoKeyset(benchmark::State& state)
+{
+    CorvaneModelData model;
+    for (auto _ : state) {
+        auto read = PlistCodec::readFile(fixture().keysetPath);
+        auto keyset = model.createKeysetFromArchive(read.value);
+        benchmark::DoNotOptimize(keyset.get());
+        state.PauseTiming();
+        keyset.reset();
+        read = {};
+        state.ResumeTiming();
+    }
+}
+
+BENCHMARK(BM_XmlFileIntoModel)->Unit(benchmark::kMillisecond)->MinTime(3.0);
+BENCHMARK(BM_BinaryFileIntoModel)->Unit(benchmark::kMillisecond)->MinTime(3.0);
+BENCHMARK(BM_ModelToXmlFile)->Unit(benchmark::kMillisecond)->MinTime(3.0);
+BENCHMARK(BM_ModelToBinaryFile)->Unit(benchmark::kMillisecond)->MinTime(3.0);
+BENCHMARK(BM_KeysetFileIntoKeyset)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+
+} // namespace
+
+BENCHMARK_MAIN();
