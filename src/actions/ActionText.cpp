@@ -22,17 +22,7 @@ QString roundedNumber(double value)
 
 } // namespace corvane
 
-#include "surface/Corvane_Constant_Server.h"
-
 namespace corvane {
-
-const TVK_Constant_Server& surfaceConstants()
-{
-    if (const TVK_Constant_Server* server = TVK_Constant_Server::defaultConstantServer())
-        return *server;
-    static Corvane_Constant_Server fallback;
-    return fallback;
-}
 
 QString fillFormat(const QString& format, const QStringList& texts, const QList<double>& numbers)
 {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/SurfaceConstants.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -23,13 +25,7 @@ QString roundedNumber(double value);
 
 } // namespace corvane
 
-class TVK_Constant_Server;
-
 namespace corvane {
-
-// The surface constants the actions read their vocabularies and display widths from: the
-// program's instance, or, in a tool or test that made none, one for the surface family.
-const TVK_Constant_Server& surfaceConstants();
 
 // Fills a descriptor format of the system's vocabulary ("%@", "%.0f", "%ld", "%%"). Texts and
 // numbers are taken from separate queues, each in order: the formats were always filled that
