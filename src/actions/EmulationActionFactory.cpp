@@ -1,22 +1,44 @@
 #include "actions/EmulationActionFactory.h"
 
-#include "actions/TVKAction.h"
+#include "actions/TVKDisplayEmulationAction.h"
+#include "actions/TVKEmulationAction.h"
 
 namespace corvane {
 
-// The emulation action classes register here as they are added; until a kind has its class,
-// the control is left without an action, as for a kind the table does not know.
-std::unique_ptr<TVKAction> makeEmulationAction(int /*kind*/, TVKControl* /*control*/,
-                                               int /*emulatedGroup*/, int /*emulatedControl*/,
-                                               bool /*namedControl*/, bool /*onlyControlInGroup*/)
+std::unique_ptr<TVKAction> makeEmulationAction(int kind, TVKControl* control, int emulatedGroup,
+                                               int emulatedControl, bool namedControl,
+                                               bool onlyControlInGroup)
 {
-    return nullptr;
+    switch (kind) {
+    case 0:
+        return std::make_unique<TVKButtonEmulationAction>(control, emulatedGroup, emulatedControl,
+                                                          namedControl, onlyControlInGroup);
+    case 1:
+        return std::make_unique<TVKEncoderEmulationAction>(control, emulatedGroup, emulatedControl,
+                                                           namedControl, onlyControlInGroup);
+    case 4:
+        // The default jog emulation has speed 0 until the user sets one.
+        return std::make_unique<TVKJogEmulationAction>(control, emulatedGroup, emulatedControl,
+                                                       namedControl, onlyControlInGroup);
+    case 7:
+        return std::make_unique<TVKFaderEmulationAction>(control, emulatedGroup, emulatedControl,
+                                                         namedControl, onlyControlInGroup);
+    default:
+        return nullptr;
+    }
 }
 
-std::unique_ptr<TVKAction> makeDisplayEmulationAction(int /*kind*/, TVKControl* /*display*/,
-                                                      int /*source*/)
+std::unique_ptr<TVKAction> makeDisplayEmulationAction(int kind, TVKControl* display, int source)
 {
-    return nullptr;
+    switch (kind) {
+    case 5:
+    case 11:
+        return std::make_unique<TVKLCDDisplayEmulationAction>(display, source);
+    case 6:
+        return std::make_unique<TVKTimecodeDisplayEmulationAction>(display);
+    default:
+        return nullptr;
+    }
 }
 
 } // namespace corvane
