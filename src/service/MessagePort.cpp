@@ -253,6 +253,11 @@ std::shared_ptr<RemoteMessagePort> RemoteMessagePort::create(const QString& name
         delete socket;
         return nullptr;
     }
+    // A keyset message is over a megabyte of XML; a send buffer that holds it whole lets the
+    // send finish within its time-out however busy the receiver is (the system caps the size).
+    const int sendBuffer = 4 * 1024 * 1024;
+    ::setsockopt(int(socket->socketDescriptor()), SOL_SOCKET, SO_SNDBUF, &sendBuffer,
+                 sizeof sendBuffer);
     return std::shared_ptr<RemoteMessagePort>(new RemoteMessagePort(name, socket));
 }
 
