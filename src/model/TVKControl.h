@@ -1,11 +1,11 @@
 #pragma once
 
+#include "actions/TVKAction.h"
 #include "core/PlistValue.h"
 
 #include <QString>
 #include <memory>
 
-class TVKAction;
 class TVKModelData;
 class TVKKeyset;
 class TVKLayer;

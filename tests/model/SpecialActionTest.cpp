@@ -1,0 +1,136 @@
+#include "ModelFixture.h"
+#include "actions/TVKActionContainer.h"
+#include "actions/TVKNULLAction.h"
+#include "actions/TVKSpecialAction.h"
+#include "actions/TVKStandardActionTypes.h"
+#include "core/Log.h"
+#include "model/TVKControl.h"
+
+using corvane::fourCC;
+using corvane::PlistValue;
+
+namespace {
+
+using SpecialActionTest = ModelTest;
+
+PlistValue actionArchive(const TVKAction& action)
+{
+    PlistValue dict = PlistValue::makeDict(1);
+    action.writeTo(dict);
+    return dict;
+}
+
+TEST_F(SpecialActionTest, EverySpecialClassRoundTripsItsModeAndType)
+{
+    TVKButtonControl control(0, QStringLiteral("M1"), nullptr, nullptr, nullptr, 0, 0);
+    const std::vector<std::unique_ptr<TVKAction>> actions = [&] {
+        std::vector<std::unique_ptr<TVKAction>> list;
+        list.push_back(std::make_unique<TVKButtonSpecialAction>(&control, 4));
+        list.push_back(std::make_unique<TVKEncoderSpecialAction>(&control, 2));
+        list.push_back(std::make_unique<TVKSpecial4WayAction>(&control, 10));
+        list.push_back(std::make_unique<TVKShuttleSpecialAction>(&control, 8));
+        list.push_back(std::make_unique<TVKSpecialJogAction>(&control, 0));
+        return list;
+    }();
+    const qint32 types[] = {261, 517, 773, 1029, 1285};
+    for (std::size_t i = 0; i < actions.size(); ++i) {
+        const TVKAction& action = *actions[i];
+        EXPECT_EQ(action.actionType(), types[i]);
+        EXPECT_EQ(action.editorTabID(), fourCC("SPEC"));
+        const PlistValue archive = actionArchive(action);
+        EXPECT_EQ(archive.value(u"TVKActnType").toInteger(), types[i]);
+
+        auto restored = TVKStandardActionTypes::createActionFromArchive(archive, &control);
+        ASSERT_NE(restored, nullptr);
+        EXPECT_EQ(actionArchive(*restored), archive);
+        EXPECT_EQ(restored->owningControl(), &control);
+
+        auto copy = action.copyWithZone();
+        EXPECT_EQ(copy->actionType(), action.actionType());
+        EXPECT_EQ(copy->owningControl(), &control);
+        EXPECT_EQ(actionArchive(*copy), archive);
+    }
+}
+
+TEST_F(SpecialActionTest, DescriptorsAreTheSurfaceFunctionNames)
+{
+    const char* names[] = {
+        "Undefined",        "Developer Mode",          "Trackball Sensitivity",  "Reserved",
+        "Layer 1 Selector", "Layer 2 Selector",        "Layer 3 Selector",       "Layer 4 Selector",
+        "Raw Ethernet",     "Show/Hide Button Labels", "Select Layers with Knob"};
+    for (int mode = 0; mode < TVKSpecialAction::kModeCount; ++mode)
+        EXPECT_EQ(TVKButtonSpecialAction(nullptr, mode).actionDescriptor(),
+                  QString::fromUtf8(names[mode]));
+}
+
+TEST_F(SpecialActionTest, ModesOutsideTheFunctionsAreNeverStored)
+{
+    TVKSpecialJogAction action(nullptr, 5);
+    action.setMode(11);
+    EXPECT_EQ(action.mode(), 5);
+    action.setMode(-1);
+    EXPECT_EQ(action.mode(), 5);
+
+    for (qint64 stored : {qint64(11), qint64(-2), qint64(1) << 40}) {
+        PlistValue archive = actionArchive(action);
+        archive.insert(QStringLiteral("TVKSpMode"), PlistValue(stored));
+        const TVKSpecialJogAction restored(archive, nullptr);
+        EXPECT_EQ(restored.mode(), 0) << stored;
+    }
+    PlistValue textMode = actionArchive(action);
+    textMode.insert(QStringLiteral("TVKSpMode"), PlistValue(QStringLiteral("5")));
+    EXPECT_EQ(TVKSpecialJogAction(textMode, nullptr).mode(), 0);
+}
+
+TEST_F(SpecialActionTest, CodesThatCannotBeRestoredGiveNoAction)
+{
+    for (qint64 code : {7, 9, 0x100401, 774, 1030, 0, -1, 0x7FFFFFFF}) {
+        PlistValue archive = PlistValue::makeDict();
+        archive.insert(QStringLiteral("TVKActnType"), PlistValue(code));
+        EXPECT_EQ(TVKStandardActionTypes::createActionFromArchive(archive, nullptr), nullptr)
+            << code;
+    }
+    EXPECT_EQ(TVKStandardActionTypes::createActionFromArchive(PlistValue::makeDict(), nullptr),
+              nullptr);
+    EXPECT_EQ(
+        TVKStandardActionTypes::createActionFromArchive(PlistValue(QStringLiteral("x")), nullptr),
+        nullptr);
+}
+
+TEST_F(SpecialActionTest, FreshActionsByTypeCode)
+{
+    TVKEncoderControl encoder(1, QStringLiteral("E"), nullptr, nullptr, nullptr, 3, 0);
+    auto special = TVKStandardActionTypes::createActionWithType(517, 8, &encoder);
+    ASSERT_NE(special, nullptr);
+    EXPECT_EQ(special->actionDescriptor(), QStringLiteral("Raw Ethernet"));
+    EXPECT_EQ(special->owningControl(), &encoder);
+    // No default action for these; emulation without a layer gives none as well.
+    for (qint32 code : {774, 1030, 0x100009, 0x100401, 7, 9, 0, 518})
+        EXPECT_EQ(TVKStandardActionTypes::createActionWithType(code, 1, &encoder), nullptr) << code;
+}
+
+TEST_F(SpecialActionTest, NullActionsAndTheContainer)
+{
+    corvane::LogCapture capture;
+    const TVKNULLAction none;
+    const TVKNULLDisplayAction noDisplay;
+    EXPECT_EQ(none.actionType(), 7);
+    EXPECT_EQ(noDisplay.actionType(), 9);
+    EXPECT_EQ(none.editorTabID(), 0u);
+    EXPECT_EQ(none.copyWithZone()->actionType(), 7);
+    EXPECT_EQ(actionArchive(noDisplay).value(u"TVKActnType").toInteger(), 9);
+    EXPECT_TRUE(capture.lines().isEmpty());
+
+    TVKActionContainer container;
+    EXPECT_EQ(container.actionType(), 0);
+    EXPECT_EQ(container.editorTabID(), 0u);
+    EXPECT_TRUE(container.actionDescriptor().isNull());
+    container.setAction(std::make_unique<TVKShuttleSpecialAction>(nullptr, 6));
+    EXPECT_EQ(container.actionType(), 1029);
+    EXPECT_EQ(container.editorTabID(), fourCC("SPEC"));
+    EXPECT_EQ(container.actionDescriptor(), QStringLiteral("Layer 3 Selector"));
+    EXPECT_EQ(container.takeAction()->actionType(), 1029);
+    EXPECT_TRUE(container.isEmpty());
+}
+
+} // namespace
