@@ -478,7 +478,7 @@ private:
 
     void releasePassedPages()
     {
-        constexpr std::ptrdiff_t kStep = 8 << 20;
+        constexpr std::ptrdiff_t kStep = 4 << 20;
         if (m_release && m_p - m_releasedTo > kStep) {
             m_release(m_p);
             m_releasedTo = m_p;
@@ -983,8 +983,10 @@ void removeDuplicateKeys(std::vector<PlistEntry>& entries, std::size_t from)
     if (n <= 16) {
         for (std::size_t i = from + 1; i < entries.size(); ++i) {
             for (std::size_t j = from; j < i; ++j) {
-                if (entries[j].first.node() == entries[i].first.node() ||
-                    entries[j].first.text() == entries[i].first.text()) {
+                const QString& a = entries[j].first.text();
+                const QString& b = entries[i].first.text();
+                if (a.size() == b.size() &&
+                    (entries[j].first.node() == entries[i].first.node() || a == b)) {
                     entries[j].second = std::move(entries[i].second);
                     drop.push_back(i);
                     break;

@@ -1,0 +1,66 @@
+#pragma once
+
+// Whatever reads as a property list must write back in both forms and read again to the same
+// tree; anything else must be refused with a reason and no partial tree.
+
+#include "core/PlistCodec.h"
+
+#include <cstdint>
+#include <cstdlib>
+
+using corvane::PlistCodec;
+using corvane::PlistFormat;
+using corvane::PlistValue;
+
+namespace {
+
+// The XML form keeps dates to the whole second within years 0000 to 9999, so two dates agree
+// when they are written the same.
+bool sameAfterXml(const PlistValue& a, const PlistValue& b)
+{
+    if (a.type() != b.type())
+        return false;
+    if (a.isDate())
+        return PlistCodec::write(a) == PlistCodec::write(b);
+    if (a.isArray()) {
+        if (a.size() != b.size())
+            return false;
+        for (qsizetype i = 0; i < a.size(); ++i) {
+            if (!sameAfterXml(a.at(i), b.at(i)))
+                return false;
+        }
+        return true;
+    }
+    if (a.isDict()) {
+        if (a.size() != b.size())
+            return false;
+        for (qsizetype i = 0; i < a.size(); ++i) {
+            if (!b.contains(a.keyAt(i)) || !sameAfterXml(a.valueAt(i), b.value(a.keyAt(i))))
+                return false;
+        }
+        return true;
+    }
+    return a == b;
+}
+
+} // namespace
+
+inline void checkRoundTrip(const std::uint8_t* data, std::size_t size)
+{
+    const auto first = PlistCodec::read(QByteArrayView(data, qsizetype(size)));
+    if (!first.ok) {
+        if (!first.value.isNull() || first.error.reason.isEmpty())
+            std::abort();
+        return;
+    }
+    const QByteArray binary = PlistCodec::write(first.value, PlistFormat::Binary);
+    const auto fromBinary = PlistCodec::read(binary);
+    if (!fromBinary.ok || fromBinary.value != first.value)
+        std::abort();
+    const QByteArray xml = PlistCodec::write(first.value, PlistFormat::Xml);
+    const auto fromXml = PlistCodec::read(xml);
+    if (!fromXml.ok || !sameAfterXml(first.value, fromXml.value))
+        std::abort();
+    if (PlistCodec::write(fromXml.value, PlistFormat::Xml) != xml)
+        std::abort();
+}
