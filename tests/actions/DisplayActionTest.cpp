@@ -2,12 +2,13 @@
 // follow the keyset's emulation mode.
 #include "QtPrinters.h"
 #include "actions/CorvaneButtonDisplayMidiEmulationAction.h"
+#include "actions/TVKActionContainer.h"
 #include "actions/TVKBuiltInAction.h"
 #include "actions/TVKDisplayControlNameAction.h"
 #include "actions/TVKDisplayEmulationAction.h"
 #include "actions/TVKDisplayTextAction.h"
 #include "actions/TVKEmulationAction.h"
-#include "actions/editors/BuiltInActionEditor.h"
+#include "actions/editors/DisplayTextEditor.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"
@@ -174,7 +175,29 @@ TEST(HiResText, LineCountSetsLineLengthAndCutsTheText)
     CorvaneHiResLCDButtonDisplayTextAction gap(nullptr, 3, QStringLiteral("a"), QString(),
                                                QStringLiteral("c"), QString());
     EXPECT_EQ(gap.storedText(), QStringLiteral("a\n\nc"));
-    EXPECT_EQ(corvane::HiResTextEditor::lineLengthLabel(3),
-              QStringLiteral("Up to 8 characters per line allowed"));
-    EXPECT_EQ(corvane::HiResTextEditor::lineLengthLabel(0), QString(QLatin1String("")));
+}
+
+TEST(HiResText, EditorLineCountAndFields)
+{
+    TVKActionContainer container;
+    corvane::HiResTextEditor editor(container);
+    editor.setLine(0, QStringLiteral("Overdub"));
+    editor.setLine(1, QStringLiteral("Punch In!"));
+    editor.setLineCount(2);
+    EXPECT_EQ(editor.label(), QStringLiteral("Up to 7 characters per line allowed"));
+    auto* action = dynamic_cast<CorvaneHiResLCDButtonDisplayTextAction*>(container.action());
+    ASSERT_TRUE(action);
+    EXPECT_EQ(action->storedText(), QStringLiteral("Overdub\nPunch I"));
+    EXPECT_EQ(action->charsPerLine(), 7u);
+
+    editor.setLineCount(0);
+    EXPECT_EQ(editor.label(), QString(QLatin1String("")));
+
+    container.setAction(std::make_unique<CorvaneHiResLCDButtonDisplayTextAction>(
+        nullptr, 3u, QStringLiteral("one"), QString(), QStringLiteral("three"), QString()));
+    editor.updateForNewAction();
+    EXPECT_EQ(editor.lineCount(), 3u);
+    EXPECT_EQ(editor.lines(),
+              (QStringList{QStringLiteral("one"), QString(), QStringLiteral("three"), QString()}));
+    EXPECT_EQ(editor.label(), QStringLiteral("Up to 8 characters per line allowed"));
 }

@@ -147,6 +147,21 @@ TEST(KeySequenceEditor, CaptureNavigateOverwriteAppendAndDelete)
     EXPECT_EQ(editor.currentStep(), 0);
 }
 
+TEST(KeySequenceEditor, LockedKeysetIgnoresKeys)
+{
+    TVKActionContainer container;
+    KeySequenceEditor editor(container, TVKButtonKeySequenceAction::kActionType);
+    QVariantMap lock;
+    lock.insert(QStringLiteral("TVKLock"), true);
+    NotificationCenter::defaultCenter().post(QStringLiteral("TVKLockStateChange"), nullptr, lock);
+    editor.keystrokeEntry(QStringLiteral("a"), 30, 0);
+    EXPECT_TRUE(container.isEmpty());
+    lock.insert(QStringLiteral("TVKLock"), false);
+    NotificationCenter::defaultCenter().post(QStringLiteral("TVKLockStateChange"), nullptr, lock);
+    editor.keystrokeEntry(QStringLiteral("a"), 30, 0);
+    EXPECT_FALSE(container.isEmpty());
+}
+
 TEST(KeySequenceEditor, DirectionsEditTheirOwnLists)
 {
     TVKActionContainer container;

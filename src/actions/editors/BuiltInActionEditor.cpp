@@ -3,7 +3,6 @@
 #include "actions/ActionText.h"
 #include "actions/TVKActionContainer.h"
 #include "actions/TVKBuiltInAction.h"
-#include "actions/TVKDisplayTextAction.h"
 #include "actions/editors/EditorActions.h"
 #include "model/TVKKeyset.h"
 
@@ -91,15 +90,6 @@ QString BuiltInActionEditor::browserPath() const
     const auto* action = static_cast<const TVKBuiltInAction*>(m_container.action());
     return pathSeparator() + objectText(action->commandGroupName()) + pathSeparator() +
            objectText(action->commandName());
-}
-
-QString HiResTextEditor::lineLengthLabel(unsigned lineCount)
-{
-    if (lineCount == 0)
-        return QLatin1String("");
-    return fillFormat(
-        QStringLiteral("Up to %ld characters per line allowed"), {},
-        {double(CorvaneHiResLCDButtonDisplayTextAction::charsPerLineForLineCount(lineCount))});
 }
 
 } // namespace corvane

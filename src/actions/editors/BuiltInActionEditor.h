@@ -53,11 +53,4 @@ private:
     QString m_title;
 };
 
-// Line count of a high-resolution LCD button text: the characters each line may hold, the
-// editor's hint label, and the stored text.
-namespace HiResTextEditor {
-// "Up to %ld characters per line allowed", or the empty label for a line count of 0.
-QString lineLengthLabel(unsigned lineCount);
-} // namespace HiResTextEditor
-
 } // namespace corvane

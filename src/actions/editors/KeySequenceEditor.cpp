@@ -20,7 +20,12 @@ unsigned tagsFromModifiers(quint64 modifiers)
 
 KeySequenceEditor::KeySequenceEditor(TVKActionContainer& container, qint32 actionType)
     : m_container(container), m_actionType(actionType)
-{}
+{
+    m_lockObservation = NotificationCenter::defaultCenter().addObserver(
+        QStringLiteral("TVKLockStateChange"), nullptr, [this](const Notification& note) {
+            m_locked = note.userInfo.value(QStringLiteral("TVKLock")).toBool();
+        });
+}
 
 void KeySequenceEditor::setParameterChangedHandler(std::function<void()> handler)
 {
@@ -94,6 +99,8 @@ void KeySequenceEditor::actionParameterChanged()
 
 void KeySequenceEditor::keystrokeEntry(const QString& label, quint32 keyCode, quint64 modifiers)
 {
+    if (m_locked)
+        return;
     TVKKeySequenceAction* action = currentAction();
     TVKKeystrokeList* list = action ? editedList() : nullptr;
     if (!list)

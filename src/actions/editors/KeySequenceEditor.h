@@ -1,6 +1,7 @@
 #pragma once
 
 #include "actions/TVKKeystrokeElement.h"
+#include "core/NotificationCenter.h"
 
 #include <QString>
 #include <functional>
@@ -40,6 +41,9 @@ public:
     // Called whenever the action gained or changed a parameter (the inspector's
     // actionParameterChanged).
     void setParameterChangedHandler(std::function<void()> handler);
+
+    // Whether the keyset is locked ("TVKLockStateChange"): the entry box then ignores keys.
+    bool locked() const { return m_locked; }
 
     // A key captured by the entry box: overwrite the keystroke at the current step, or append
     // when the step is past the last keystroke.
@@ -89,6 +93,8 @@ private:
     bool m_previousEnabled = false;
     bool m_nextEnabled = false;
     bool m_deleteEnabled = false;
+    bool m_locked = false;
+    NotificationCenter::Observation m_lockObservation;
 };
 
 } // namespace corvane
