@@ -44,6 +44,8 @@ protected:
         mail->setLocked(true);
         mail->setReverseRBButtons(true);
         mail->setAllControlsToActionMode(0);
+        mail->layerAtIndex(1)->setAllControlsToActionMode(1);
+        mail->layerAtIndex(2)->setAllControlsToActionMode(2);
         // Only the surface's eight TLW2 encoders and switches are stored; the layers' others
         // are made afresh on reading, so keep them at their defaults here.
         for (const auto& layer : mail->layers()) {
@@ -87,6 +89,9 @@ TEST_F(ArchiveTest, WholeConfigurationRoundTripsThroughTheTreeAndAFile)
     EXPECT_EQ(mail->targetID(), fourCC("mail"));
     EXPECT_EQ(mail->icon(), QByteArray("\x89PNG\r\n", 6));
     EXPECT_TRUE(mail->reverseRBButtons());
+    EXPECT_EQ(mail->controlForLayer(1, 21, 0)->action()->actionType(), 0x204);
+    EXPECT_EQ(mail->controlForLayer(2, 21, 0)->action()->actionType(), 0x606);
+    EXPECT_EQ(mail->displayForLayer(2, 0, 0)->action()->actionType(), 0x100003);
     EXPECT_EQ(mail->controlForLayer(2, 3, 1)->userName(), QStringLiteral("Pan ✓"));
     EXPECT_EQ(mail->controlForLayer(0, 0, 0)->action()->owningControl(),
               mail->controlForLayer(0, 0, 0));

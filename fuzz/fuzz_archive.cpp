@@ -1,0 +1,56 @@
+// Reads arbitrary bytes as a stored configuration (and as a keyset file) and builds the model from
+// it. Whatever the archive holds, reading takes defaults and repairs, writing the model back works,
+// and reading what was written gives the same archive again.
+
+#include "core/Log.h"
+#include "core/PlistCodec.h"
+#include "model/TVKKeyset.h"
+#include "model/TVKModelData.h"
+#include "surface/Corvane_Constant_Server.h"
+
+#include <cstdint>
+#include <cstdlib>
+
+namespace {
+
+// Every keyset holds four full layers whatever its archive says, so a few bytes per keyset would
+// otherwise ask for hundreds of megabytes; real configurations stay far below this.
+constexpr qsizetype kMaxKeysets = 16;
+
+corvane::PlistValue written(const TVKModelData& modelData)
+{
+    corvane::PlistValue dict = corvane::PlistValue::makeDict();
+    modelData.writeTo(dict);
+    return dict;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static Corvane_Constant_Server constants;
+    const corvane::PlistReadResult result =
+        corvane::PlistCodec::read(QByteArrayView(data, qsizetype(size)));
+    if (!result.ok || !result.value.isDict())
+        return 0;
+    if (result.value.value(u"TVKKeysets").size() > kMaxKeysets)
+        return 0;
+
+    corvane::LogCapture quiet;
+    TVKKeyset::resetTargetIDs();
+    CorvaneModelData modelData(result.value);
+    const corvane::PlistValue first = written(modelData);
+    const CorvaneModelData reread(first);
+    if (written(reread) != first)
+        std::abort();
+
+    const CorvaneKeyset keyset(result.value, &modelData);
+    corvane::PlistValue keysetArchive = corvane::PlistValue::makeDict(6);
+    keyset.writeTo(keysetArchive);
+    const CorvaneKeyset keysetAgain(keysetArchive, &modelData);
+    corvane::PlistValue again = corvane::PlistValue::makeDict(6);
+    keysetAgain.writeTo(again);
+    if (again != keysetArchive)
+        std::abort();
+    return 0;
+}
