@@ -290,6 +290,18 @@ TEST_F(KeysetToolTest, CheckReportsEveryKindOfRepair)
                  ->insert(QStringLiteral("TVKActnType"), PlistValue(999));
          },
          "keyset \"Clean\", layer 1, group 0, control 0: "},
+        {"display action that is never restored",
+         [&](PlistValue& k) {
+             PlistValue action = PlistValue::makeDict();
+             action.insert(QStringLiteral("TVKActnType"), PlistValue(0x100401));
+             k.find(u"TVKLayers")
+                 ->findAt(0)
+                 ->find(u"TVKDisplays")
+                 ->findAt(0)
+                 ->findAt(2)
+                 ->insert(QStringLiteral("TVKAction"), action);
+         },
+         "keyset \"Clean\", layer 1, group D0, display 2: "},
         {"unknown control type",
          [&](PlistValue& k) {
              controlIn(k, 2, 5, 3)->insert(QStringLiteral("TVKType"), PlistValue(42));
