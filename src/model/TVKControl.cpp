@@ -79,8 +79,8 @@ TVKControl::TVKControl(const PlistValue& archive, TVKModelData* owner, TVKKeyset
         adoptAction(std::move(action));
     } else if (corvane::ArchiveRepairLog::isActive()) {
         corvane::ArchiveRepairLog::record(
-            {keyset ? keyset->name() : QString(), layer ? layer->index() : -1, groupID, isDisplay(),
-             index,
+            {keyset ? keyset->name() : QString(), layer ? layer->index() : -1, groupID,
+             corvane::ControlType::isDisplayType(type()), index,
              QStringLiteral("action of type %1 cannot be restored; dropped")
                  .arg(archivedAction.value(u"TVKActnType").toInteger(0))});
     }

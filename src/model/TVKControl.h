@@ -28,6 +28,13 @@ inline constexpr int MultiColorButton = 9;
 inline constexpr int LCDButtonDisplay = 10;
 // The NV display lines: the same class as LCDDisplay, kept as a code of its own.
 inline constexpr int NVLCDDisplay = 11;
+
+// Whether a type code makes a display (its action is a display action).
+constexpr bool isDisplayType(int type)
+{
+    return type == LCDDisplay || type == TimecodeDisplay || type == LCDButtonDisplay ||
+           type == NVLCDDisplay;
+}
 } // namespace ControlType
 
 // A control's default kind of action, as chosen by "Set All Controls to %@".

@@ -180,10 +180,19 @@ int TVKModelData::appPortInUse(quint32 port) const
     return -1;
 }
 
+void TVKModelData::adopt(TVKKeyset& keyset)
+{
+    // A keyset made for another model data (a tool's, a test's) must not keep pointing at it.
+    if (keyset.owner() != this)
+        keyset.setOwner(this);
+}
+
 void TVKModelData::addKeyset(std::unique_ptr<TVKKeyset> keyset)
 {
-    if (keyset)
-        m_keysets.push_back(std::move(keyset));
+    if (!keyset)
+        return;
+    adopt(*keyset);
+    m_keysets.push_back(std::move(keyset));
 }
 
 void TVKModelData::addKeysetWithName(const QString& name, corvane::FourCharCode signature)
@@ -224,6 +233,7 @@ std::unique_ptr<TVKKeyset> TVKModelData::insertKeyset(std::unique_ptr<TVKKeyset>
     std::size_t at = unsigned(index);
     if (at > count)
         at = count;
+    adopt(*keyset);
     if (at == count) {
         m_keysets.push_back(std::move(keyset));
         return nullptr;
@@ -242,6 +252,7 @@ std::unique_ptr<TVKKeyset> TVKModelData::replaceKeysetAtIndex(int index,
         (void)keyset.release();
         return nullptr;
     }
+    adopt(*keyset);
     std::swap(m_keysets[std::size_t(index)], keyset);
     return keyset;
 }

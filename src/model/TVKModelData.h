@@ -146,6 +146,8 @@ protected:
     std::vector<std::unique_ptr<TVKKeyset>> m_keysets;
 
 private:
+    void adopt(TVKKeyset& keyset);
+
     std::optional<QString> m_ownerKeysetBundleID;
     QString m_ipAddress;
     corvane::FourCharCode m_ownerKeysetSignature = 0;

@@ -369,3 +369,25 @@ TEST_F(ArchiveTest, BooleansAreReadFromIntegersOrBooleans)
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(ArchiveTest, DroppedDisplayActionsAreReportedAsDisplays)
+{
+    CorvaneKeyset keyset(QStringLiteral("Shows"), fourCC("SHOW"), nullptr);
+    PlistValue archive = archiveOf(keyset);
+    PlistValue action = PlistValue::makeDict();
+    action.insert(QStringLiteral("TVKActnType"), PlistValue(qint64(0x100401)));
+    child(child(child(child(child(&archive, u"TVKLayers"), 2), u"TVKDisplays"), 4), 30)
+        ->insert(QStringLiteral("TVKAction"), action);
+    ArchiveRepairLog log;
+    const CorvaneKeyset reread(archive, nullptr);
+    ASSERT_EQ(log.repairs().size(), 1u);
+    EXPECT_EQ(
+        log.repairs()[0],
+        (ArchiveRepair{QStringLiteral("Shows"), 2, 4, true, 30,
+                       QStringLiteral("action of type 1049601 cannot be restored; dropped")}));
+    EXPECT_EQ(reread.displayForLayer(2, 4, 30)->action(), nullptr);
+}
+
+} // namespace

@@ -351,3 +351,21 @@ TEST_F(ModelDataTest, NVGroupOperationsMeanTheSelectedLayerOfTheSelectedKeyset)
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(ModelDataTest, KeysetsTakenInFromElsewhereBelongToTheirNewModelData)
+{
+    auto elsewhere = std::make_unique<CorvaneModelData>();
+    auto keyset = elsewhere->createKeysetWithName(QStringLiteral("Moved"), fourCC("MOVE"));
+    CorvaneModelData modelData;
+    modelData.addKeyset(std::move(keyset));
+    elsewhere.reset();
+    const TVKKeyset* moved = modelData.keysetAtIndex(1);
+    EXPECT_EQ(moved->owner(), &modelData);
+    EXPECT_EQ(moved->layerAtIndex(2)->owner(), &modelData);
+    EXPECT_EQ(moved->controlForLayer(3, 24, 100)->owner(), &modelData);
+    EXPECT_EQ(moved->displayForLayer(0, 4, 5)->owner(), &modelData);
+}
+
+} // namespace
