@@ -6,6 +6,7 @@
 #include "actions/TVKActionContainer.h"
 #include "actions/TVKBuiltInAction.h"
 #include "actions/editors/BuiltInActionEditor.h"
+#include "core/NotificationCenter.h"
 #include "core/PlistCodec.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
@@ -201,9 +202,11 @@ protected:
 
 TEST_F(BuiltInEditorTest, ListAndTitleForTheSelectedKeyset)
 {
-    BuiltInActionEditor editor(container, TVKButtonBuiltInAction::kActionType);
+    BuiltInActionEditor editor(container, TVKButtonBuiltInAction::kActionType, path);
     EXPECT_EQ(editor.usageWord(), QStringLiteral("button"));
-    editor.loadCommandList(keyset, path);
+    EXPECT_EQ(editor.title(), QStringLiteral("No Built In Commands available for Default"));
+    model->setSelectedKeysetIndex(1);
+    NotificationCenter::defaultCenter().post(QStringLiteral("TVKSelectedKeysetChange"));
     EXPECT_EQ(editor.title(), QStringLiteral("Built In Commands for Editor:"));
     ASSERT_EQ(editor.groups().size(), 2u);
     EXPECT_TRUE(editor.isGroupRowEnabled(0));
@@ -220,7 +223,7 @@ TEST_F(BuiltInEditorTest, ListAndTitleForTheSelectedKeyset)
 
 TEST_F(BuiltInEditorTest, ChoosingCommandsMakesOrUpdatesTheAction)
 {
-    BuiltInActionEditor editor(container, TVKButtonBuiltInAction::kActionType);
+    BuiltInActionEditor editor(container, TVKButtonBuiltInAction::kActionType, path);
     editor.loadCommandList(keyset, path);
     EXPECT_TRUE(editor.browserPath().isNull());
 
@@ -253,7 +256,7 @@ TEST_F(BuiltInEditorTest, ChoosingCommandsMakesOrUpdatesTheAction)
 
     // A new procedure action carries a zero keystroke.
     TVKActionContainer other;
-    BuiltInActionEditor encoderEditor(other, TVKEncoderBuiltInAction::kActionType);
+    BuiltInActionEditor encoderEditor(other, TVKEncoderBuiltInAction::kActionType, path);
     encoderEditor.loadCommandList(keyset, path);
     encoderEditor.chooseCommand(0, 0);
     auto* scrub = dynamic_cast<TVKEncoderBuiltInAction*>(other.action());

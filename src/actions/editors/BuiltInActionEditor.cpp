@@ -5,12 +5,28 @@
 #include "actions/TVKBuiltInAction.h"
 #include "actions/editors/EditorActions.h"
 #include "model/TVKKeyset.h"
+#include "model/TVKModelData.h"
 
 namespace corvane {
 
-BuiltInActionEditor::BuiltInActionEditor(TVKActionContainer& container, qint32 actionType)
-    : m_container(container), m_actionType(actionType), m_usage(usageWordForBuiltInType(actionType))
-{}
+BuiltInActionEditor::BuiltInActionEditor(TVKActionContainer& container, qint32 actionType,
+                                         const QString& cataloguePath)
+    : m_container(container), m_actionType(actionType),
+      m_usage(usageWordForBuiltInType(actionType)), m_cataloguePath(cataloguePath)
+{
+    loadForSelectedKeyset();
+    m_keysetChangeObservation = NotificationCenter::defaultCenter().addObserver(
+        QStringLiteral("TVKSelectedKeysetChange"), nullptr,
+        [this](const Notification&) { loadForSelectedKeyset(); });
+}
+
+void BuiltInActionEditor::loadForSelectedKeyset()
+{
+    const TVKModelData* model = TVKModelData::defaultModelData();
+    const TVKKeyset* keyset =
+        model && model->numberOfKeysets() > 0 ? model->selectedKeyset() : nullptr;
+    loadCommandList(keyset, m_cataloguePath);
+}
 
 void BuiltInActionEditor::loadCommandList(const TVKKeyset* keyset, const QString& cataloguePath)
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "actions/BuiltInCommandCatalogue.h"
+#include "core/NotificationCenter.h"
 
 #include <QString>
 #include <vector>
@@ -15,7 +16,11 @@ namespace corvane {
 class BuiltInActionEditor
 {
 public:
-    BuiltInActionEditor(TVKActionContainer& container, qint32 actionType);
+    // Loads the list for the model's selected keyset from the catalogue at cataloguePath, and
+    // again whenever "TVKSelectedKeysetChange" is posted.
+    BuiltInActionEditor(
+        TVKActionContainer& container, qint32 actionType,
+        const QString& cataloguePath = BuiltInCommandCatalogue::defaultCataloguePath());
 
     qint32 actionType() const { return m_actionType; }
     const QString& usageWord() const { return m_usage; }
@@ -46,9 +51,13 @@ public:
     static QString pathSeparator() { return QStringLiteral("|"); }
 
 private:
+    void loadForSelectedKeyset();
+
     TVKActionContainer& m_container;
     qint32 m_actionType;
     QString m_usage;
+    QString m_cataloguePath;
+    NotificationCenter::Observation m_keysetChangeObservation;
     std::vector<BuiltInCommandGroup> m_groups;
     QString m_title;
 };
