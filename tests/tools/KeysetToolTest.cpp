@@ -403,7 +403,13 @@ TEST_F(KeysetToolTest, CommandLine)
     }
     EXPECT_FALSE(QFile::exists(path("x")));
 
-    ToolRun run = runTool({QStringLiteral("--help")});
+    // After "--" nothing is an option.
+    ToolRun run = runTool({QStringLiteral("describe"), QStringLiteral("--"), file});
+    EXPECT_EQ(run.exitCode, 0) << run.err.constData();
+    run = runTool({QStringLiteral("check"), QStringLiteral("--"), QStringLiteral("--help")});
+    EXPECT_EQ(run.exitCode, 2);
+
+    run = runTool({QStringLiteral("--help")});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_TRUE(run.out.contains("Exit status"));
     EXPECT_TRUE(run.out.contains("64"));

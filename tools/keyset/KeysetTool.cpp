@@ -60,14 +60,29 @@ struct CommandLine
     QStringList files;
     PlistFormat format = PlistFormat::Xml;
     bool formatGiven = false;
+    bool help = false;
+    bool version = false;
     QString error;
 };
 
 CommandLine parseCommandLine(const QStringList& arguments)
 {
     CommandLine line;
+    bool optionsEnded = false;
     for (const QString& argument : arguments) {
-        if (argument == u"--xml" || argument == u"--binary") {
+        if (optionsEnded) {
+            if (line.command.isEmpty())
+                line.command = argument;
+            else
+                line.files.append(argument);
+        } else if (argument == u"--") {
+            // Everything after "--" is a command or a file, even when it starts with a dash.
+            optionsEnded = true;
+        } else if (argument == u"--help" || argument == u"-h") {
+            line.help = true;
+        } else if (argument == u"--version") {
+            line.version = true;
+        } else if (argument == u"--xml" || argument == u"--binary") {
             const PlistFormat format =
                 argument == u"--xml" ? PlistFormat::Xml : PlistFormat::Binary;
             if (line.formatGiven && format != line.format) {
@@ -76,7 +91,7 @@ CommandLine parseCommandLine(const QStringList& arguments)
             }
             line.format = format;
             line.formatGiven = true;
-        } else if (argument.startsWith(u'-') && argument.size() > 1 && argument != u"--") {
+        } else if (argument.startsWith(u'-') && argument.size() > 1) {
             line.error = QStringLiteral("unknown option \"%1\"").arg(argument);
             return line;
         } else if (line.command.isEmpty()) {
@@ -304,17 +319,6 @@ QString KeysetTool::usage()
 
 int KeysetTool::run(const QStringList& arguments, QTextStream& out, QTextStream& err)
 {
-    if (arguments.contains(QStringLiteral("--help")) || arguments.contains(QStringLiteral("-h"))) {
-        out << usage();
-        out.flush();
-        return ExitOk;
-    }
-    if (arguments.contains(QStringLiteral("--version"))) {
-        out << kProgram << ' ' << QStringLiteral(CORVANE_VERSION) << '\n';
-        out.flush();
-        return ExitOk;
-    }
-
     // Descriptors and counts come from the surface constants; a caller that made its own keeps
     // them.
     std::optional<Corvane_Constant_Server> constants;
@@ -322,6 +326,16 @@ int KeysetTool::run(const QStringList& arguments, QTextStream& out, QTextStream&
         constants.emplace();
 
     const CommandLine line = parseCommandLine(arguments);
+    if (line.help) {
+        out << usage();
+        out.flush();
+        return ExitOk;
+    }
+    if (line.version) {
+        out << kProgram << ' ' << QStringLiteral(CORVANE_VERSION) << '\n';
+        out.flush();
+        return ExitOk;
+    }
     if (!line.error.isEmpty())
         return usageError(err, line.error);
     if (line.command.isEmpty())
