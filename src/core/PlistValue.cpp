@@ -2,6 +2,7 @@
 
 #include "core/PlistNodes.h"
 
+#include <QHash>
 #include <QTimeZone>
 #include <QVariantList>
 #include <QVariantMap>
@@ -424,6 +425,20 @@ bool PlistValue::operator==(const PlistValue& other) const
         const DictNode* b = other.dictNode();
         if (a->entries.size() != b->entries.size())
             return false;
+        if (a->entries.size() > 16) {
+            // Large dictionaries (a command catalogue, hostile input) would make the
+            // pairwise search quadratic.
+            QHash<QStringView, const PlistValue*> index;
+            index.reserve(qsizetype(b->entries.size()));
+            for (const auto& [key, val] : b->entries)
+                index.insert(QStringView(key.text()), &val);
+            for (const auto& [key, val] : a->entries) {
+                const auto it = index.constFind(QStringView(key.text()));
+                if (it == index.cend() || **it != val)
+                    return false;
+            }
+            return true;
+        }
         for (const auto& [key, val] : a->entries) {
             const qsizetype j = b->indexOf(key.text());
             if (j < 0 || b->entries[std::size_t(j)].second != val)
