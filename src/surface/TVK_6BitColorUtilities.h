@@ -29,7 +29,7 @@ public:
     // Rounds each component to the nearest of four levels (halves up).
     static quint8 sixBitColorFromColor(const corvane::RgbColor& color);
     // Levels divided by 3; the palette's own screen colours use 256ths instead, and the two are
-    // deliberately not reconciled (the surface firmware and the pictures were made that way).
+    // deliberately not reconciled.
     static corvane::RgbColor colorFromSixBitColor(quint8 sixBitColor);
 
 private:
