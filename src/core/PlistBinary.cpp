@@ -18,6 +18,11 @@ constexpr std::size_t kHeaderSize = 8;
 
 std::uint64_t bigEndian(const unsigned char* p, unsigned size)
 {
+    // References and offsets are one or two bytes in all but huge documents.
+    if (size == 1)
+        return p[0];
+    if (size == 2)
+        return std::uint64_t(p[0]) << 8 | p[1];
     std::uint64_t v = 0;
     for (unsigned i = 0; i < size; ++i)
         v = (v << 8) | p[i];
