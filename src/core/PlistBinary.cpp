@@ -134,7 +134,7 @@ private:
         return fail(at, QStringLiteral("object length %1 runs past the object area").arg(count));
     }
 
-    bool string(std::uint64_t index, std::uint64_t offset, QString& text)
+    bool string(std::uint64_t offset, QString& text)
     {
         const unsigned marker = m_d[offset];
         std::uint64_t pos, count;
@@ -154,7 +154,6 @@ private:
         const unsigned char* s = m_d + pos;
         for (std::uint64_t i = 0; i < count; ++i)
             d[i] = char16_t((s[2 * i] << 8) | s[2 * i + 1]);
-        (void)index;
         return true;
     }
 
@@ -199,7 +198,7 @@ private:
         Cached& c = cached(index);
         if (!c.key.node()) {
             QString text;
-            if (!string(index, offset, text))
+            if (!string(offset, text))
                 return false;
             c.key = PlistKey(text);
         }
@@ -283,7 +282,7 @@ private:
             Cached& c = cached(index);
             if (c.value.isNull()) {
                 QString text;
-                if (!string(index, offset, text))
+                if (!string(offset, text))
                     return false;
                 c.value = PlistValue(text);
             }
