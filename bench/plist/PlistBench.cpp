@@ -70,11 +70,12 @@ PlistValue makeConfiguration()
     return root;
 }
 
-qsizetype countNodes(const PlistValue& v)
+// Values, and dictionary keys when asked.
+qsizetype countNodes(const PlistValue& v, bool keys)
 {
     qsizetype n = 1;
     for (qsizetype i = 0; i < v.size(); ++i)
-        n += countNodes(v.isArray() ? v.at(i) : v.valueAt(i));
+        n += countNodes(v.isArray() ? v.at(i) : v.valueAt(i), keys) + (keys && v.isDict() ? 1 : 0);
     return n;
 }
 
@@ -83,7 +84,8 @@ struct Fixture
     Fixture()
     {
         tree = makeConfiguration();
-        nodes = countNodes(tree);
+        nodes = countNodes(tree, false);
+        nodesWithKeys = countNodes(tree, true);
         xmlPath = dir.filePath(QStringLiteral("config.plist"));
         binaryPath = dir.filePath(QStringLiteral("config.bplist"));
         PlistCodec::writeFile(xmlPath, tree, PlistFormat::Xml);
@@ -92,6 +94,7 @@ struct Fixture
     QTemporaryDir dir;
     PlistValue tree;
     qsizetype nodes = 0;
+    qsizetype nodesWithKeys = 0;
     QString xmlPath;
     QString binaryPath;
 };
@@ -117,6 +120,7 @@ void readFile(benchmark::State& state, const QString& path)
     }
     state.SetBytesProcessed(state.iterations() * size);
     state.counters["nodes"] = double(fixture().nodes);
+    state.counters["nodes_with_keys"] = double(fixture().nodesWithKeys);
     state.counters["file_MB"] = double(size) / 1e6;
 }
 

@@ -1,6 +1,7 @@
 #include "core/PlistCodec.h"
 
 #include "FailDevice.h"
+#include "core/PlistNodes.h"
 
 #include <QDir>
 #include <QFile>
@@ -270,6 +271,23 @@ TEST(PlistCodec, ReadsXmlInOtherWritersStyles)
 
     // A document without the <plist> wrapper is one value.
     EXPECT_EQ(readText("<array><string>x</string></array>").value, array({str(u"x")}));
+}
+
+TEST(PlistCodec, RepeatedNamesShareOneCopy)
+{
+    // Control names and keys repeat thousands of times in a configuration; a read stores each
+    // once, which is what keeps a loaded configuration small.
+    const PlistValue controls = array(
+        {dict({{"TVKName", str(u"Fader Touch 12")}}), dict({{"TVKName", str(u"Fader Touch 12")}})});
+    for (const PlistFormat format : {PlistFormat::Xml, PlistFormat::Binary}) {
+        SCOPED_TRACE(formatName(format));
+        const PlistValue read = readBytes(PlistCodec::write(controls, format)).value;
+        using corvane::PlistBuilder;
+        EXPECT_EQ(PlistBuilder::identity(read.at(0).value(u"TVKName")),
+                  PlistBuilder::identity(read.at(1).value(u"TVKName")));
+        EXPECT_EQ(PlistBuilder::entries(read.at(0))[0].first.node(),
+                  PlistBuilder::entries(read.at(1))[0].first.node());
+    }
 }
 
 TEST(PlistCodec, MalformedXmlIsRefusedWithPositionAndReason)
