@@ -194,11 +194,10 @@ void KeySequenceEditor::updateForNewAction()
     m_currentStep = 0;
     TVKKeystrokeList* list = editedList();
     if (!list || list->empty()) {
-        m_entryText.clear();
-        m_modifierBoxTags = 0;
-    } else {
-        showKeystroke(&list->front());
+        clearDisplay();
+        return;
     }
+    showKeystroke(&list->front());
     m_repeatChecked = action->repeat();
     m_speedValue = int(action->delay());
     refreshNavigation();
