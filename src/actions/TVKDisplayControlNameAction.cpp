@@ -7,6 +7,8 @@
 #include "model/TVKModelData.h"
 #include "surface/TVK_Constant_Server.h"
 
+#include <limits>
+
 using corvane::PlistValue;
 
 namespace {
@@ -90,8 +92,13 @@ QString TVKDisplayControlNameAction::text()
     if (m_numSourceControls > 0) {
         const int cellWidth = m_displayWidth / m_numSourceControls;
         const qsizetype nameWidth = qMax(cellWidth - 1, 0);
-        for (int i = 0; i < m_numSourceControls; ++i) {
-            const int index = m_firstSourceControl + i;
+        // No group holds more than 240 controls; a damaged count must not spin for ages.
+        const int count = qMin(m_numSourceControls, 240);
+        for (int i = 0; i < count; ++i) {
+            const qint64 wideIndex = qint64(m_firstSourceControl) + i;
+            if (wideIndex > std::numeric_limits<int>::max())
+                break;
+            const int index = int(wideIndex);
             const QString label = labelForControl(
                 index, sourceControl(owningControl(), m_sourceLayer, m_sourceControlGroup, index));
             if (label.size() > nameWidth)
