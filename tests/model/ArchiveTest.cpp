@@ -224,7 +224,8 @@ TEST_F(ArchiveTest, ValuesOfTheWrongKindTakeTheDefaults)
 
     using Edit = std::function<void(PlistValue&)>;
     auto at = [](std::initializer_list<std::variant<const char16_t*, int>> path, PlistValue value) {
-        return Edit([path, value](PlistValue& root) {
+        // The list's backing array ends with this call: keep a copy.
+        return Edit([path = std::vector(path), value](PlistValue& root) {
             PlistValue* node = &root;
             auto it = path.begin();
             for (; node && it + 1 != path.end(); ++it) {
