@@ -5,6 +5,7 @@
 
 #include "core/PlistValue.h"
 
+#include <QHashFunctions>
 #include <QString>
 #include <atomic>
 #include <utility>
@@ -16,9 +17,11 @@ namespace corvane {
 // so readers intern them and every entry holds only a pointer to the one shared copy.
 struct PlistKeyNode
 {
-    explicit PlistKeyNode(QString s) : text(std::move(s)) {}
+    explicit PlistKeyNode(QString s) : text(std::move(s)), hash(qHash(text)) {}
     std::atomic<int> refs{1};
     QString text;
+    // Lets readers tell keys apart without comparing text when checking for repeated keys.
+    std::size_t hash;
 };
 
 // Intrusive reference to a key: eight bytes per dictionary entry instead of a whole QString.
@@ -54,6 +57,14 @@ public:
         return m_node ? m_node->text : empty;
     }
     const PlistKeyNode* node() const { return m_node; }
+    bool operator==(const PlistKey& other) const
+    {
+        if (m_node == other.m_node)
+            return true;
+        if (!m_node || !other.m_node)
+            return text() == other.text();
+        return m_node->hash == other.m_node->hash && m_node->text == other.m_node->text;
+    }
 
 private:
     void retain() const noexcept

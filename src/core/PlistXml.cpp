@@ -209,7 +209,8 @@ private:
     {
         for (;;) {
             skipSpace();
-            if (m_end - m_p < 2 || *m_p != '<')
+            // Between elements the next thing is almost always a tag: decide that cheaply.
+            if (m_end - m_p < 2 || *m_p != '<' || (m_p[1] != '?' && m_p[1] != '!'))
                 return true;
             if (m_p[1] == '?') {
                 const char* after = find(m_p + 2, "?>");
@@ -983,10 +984,7 @@ void removeDuplicateKeys(std::vector<PlistEntry>& entries, std::size_t from)
     if (n <= 16) {
         for (std::size_t i = from + 1; i < entries.size(); ++i) {
             for (std::size_t j = from; j < i; ++j) {
-                const QString& a = entries[j].first.text();
-                const QString& b = entries[i].first.text();
-                if (a.size() == b.size() &&
-                    (entries[j].first.node() == entries[i].first.node() || a == b)) {
+                if (entries[j].first == entries[i].first) {
                     entries[j].second = std::move(entries[i].second);
                     drop.push_back(i);
                     break;
