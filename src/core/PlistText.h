@@ -44,7 +44,8 @@ class Interner
 {
 public:
     static constexpr std::size_t kMaxLength = 64;
-    static constexpr std::size_t kMaxItems = 1u << 18;
+    // Bounds the table (a few MiB) when a document holds many distinct short strings.
+    static constexpr std::size_t kMaxItems = 1u << 16;
 
     // Null when the text is not interned (too long, or the table is full); the caller then
     // makes a fresh item.
