@@ -199,6 +199,8 @@ void LocalMessagePort::readConnection(Connection* connection)
     }
     connection->dispatching = false;
     if (connection->closed) {
+        // abort() reports the hang-up at once; the connection is dropped here, exactly once.
+        connection->socket->disconnect(this);
         connection->socket->abort();
         dropConnection(connection);
     }

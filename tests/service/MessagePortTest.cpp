@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -302,6 +303,17 @@ TEST_F(MessagePortTest, UnsafeOrUnusableFoldersAreRefused)
     struct stat info;
     ASSERT_EQ(::stat(QFile::encodeName(fresh).constData(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0700u);
+    // Without a folder of its own the link lives in the session's runtime folder.
+    const QString runtime = folder.path() + QStringLiteral("/runtime");
+    QDir().mkdir(runtime);
+    qunsetenv("TVK_PORT_DIR");
+    const QByteArray previousRuntime = qgetenv("XDG_RUNTIME_DIR");
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime));
+    EXPECT_TRUE(LocalMessagePort::create(QStringLiteral("TVK_App"), nullptr));
+    EXPECT_TRUE(QFileInfo(runtime + QStringLiteral("/tvk")).isDir());
+    qputenv("XDG_RUNTIME_DIR", previousRuntime);
+    qputenv("TVK_PORT_DIR", QFile::encodeName(fresh));
+
     // Names cannot climb out of the folder.
     LogCapture capture;
     EXPECT_FALSE(LocalMessagePort::create(QStringLiteral("../TVK_App"), nullptr));
