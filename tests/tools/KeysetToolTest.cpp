@@ -39,6 +39,13 @@ ToolRun runTool(const QStringList& arguments)
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
+// The bytes of a literal without its terminating NUL (literals here hold NULs of their own).
+template <size_t N>
+QByteArray bytesOf(const char (&literal)[N])
+{
+    return QByteArray(literal, qsizetype(N - 1));
+}
+
 QByteArray readAll(const QString& path)
 {
     QFile file(path);
@@ -101,7 +108,7 @@ protected:
         CorvaneModelData model;
         model.addKeysetWithName(QStringLiteral("Ardour"), corvane::kUnknownSignature,
                                 QStringLiteral("org.ardour.Ardour8"),
-                                QByteArray("\x89PNG\r\n\x1a\nnot really", 18));
+                                bytesOf("\x89PNG\r\n\x1a\nnot really"));
         model.addKeysetWithName(QStringLiteral("Kdenlive"),
                                 corvane::fourCharCodeFromString(QStringLiteral("Kdnl")),
                                 QStringLiteral("org.kde.kdenlive"));
@@ -348,8 +355,8 @@ TEST_F(KeysetToolTest, CheckReportsEveryKindOfRepair)
 
 TEST_F(KeysetToolTest, UnreadableFilesExitWithTwoAndSayWhy)
 {
-    writeBytes(path("garbage.plist"), QByteArray("\x00\x01\x02 not a property list", 25));
-    writeBytes(path("truncated.bplist"), QByteArray("bplist00\xd1\x01\x02", 11));
+    writeBytes(path("garbage.plist"), bytesOf("\x00\x01\x02 not a property list"));
+    writeBytes(path("truncated.bplist"), bytesOf("bplist00\xd1\x01\x02"));
     writeTree(path("array.plist"), PlistValue::makeArray());
     PlistValue unrelated = PlistValue::makeDict();
     unrelated.insert(QStringLiteral("CFBundleName"), PlistValue(QStringLiteral("Something")));
