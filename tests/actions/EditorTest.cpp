@@ -218,6 +218,15 @@ TEST(MIDIEditor, ComposesChannelMessagesAndSystemBytes)
     EXPECT_EQ(bytesOf(*action), (std::vector<quint8>{0xCF, 0x05}));
     EXPECT_FALSE(c.data2GroupVisible);
 
+    // Typed values outside the steppers' ranges are pulled in.
+    c.data1Field = 241;
+    editor.controlChanged(MIDIActionEditor::Data1Field);
+    EXPECT_EQ(c.data1Stepper, 127);
+    c.channelField = 0;
+    editor.controlChanged(MIDIActionEditor::ChannelField);
+    EXPECT_EQ(c.channelStepper, 1);
+    EXPECT_EQ(bytesOf(*action), (std::vector<quint8>{0xC0, 0x7F}));
+
     // A system byte above 0xF2 is the whole message; the channel group hides.
     c.commandTag = 0xF8;
     editor.controlChanged(MIDIActionEditor::CommandPopUp);

@@ -36,23 +36,25 @@ void MIDIActionEditor::controlChanged(int senderTag)
             m_container.setAction(rebuildCustomMessage());
         }
         return;
+    // The steppers hold MIDI channels 1 to 16 and 7-bit data values; a typed value outside
+    // them is pulled in, so no data byte can turn into the value placeholder.
     case ChannelField:
-        c.channelStepper = c.channelField;
+        c.channelField = c.channelStepper = qBound(1, c.channelField, 16);
         break;
     case ChannelStepper:
-        c.channelField = c.channelStepper;
+        c.channelField = c.channelStepper = qBound(1, c.channelStepper, 16);
         break;
     case Data1Field:
-        c.data1Stepper = c.data1Field;
+        c.data1Field = c.data1Stepper = qBound(0, c.data1Field, 127);
         break;
     case Data1Stepper:
-        c.data1Field = c.data1Stepper;
+        c.data1Field = c.data1Stepper = qBound(0, c.data1Stepper, 127);
         break;
     case Data2Field:
-        c.data2Stepper = c.data2Field;
+        c.data2Field = c.data2Stepper = qBound(0, c.data2Field, 127);
         break;
     case Data2Stepper:
-        c.data2Field = c.data2Stepper;
+        c.data2Field = c.data2Stepper = qBound(0, c.data2Stepper, 127);
         break;
     case CommandPopUp:
     case Data1FollowsValue:
