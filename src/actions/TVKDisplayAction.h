@@ -24,3 +24,12 @@ public:
 protected:
     TVKLCDDisplayAction(const TVKLCDDisplayAction&) = default;
 };
+
+namespace corvane {
+
+// The sample text of whatever a display carries: a display action's text, or the fixed sample of
+// a built-in display command (those are built-in commands first, so they do not derive from
+// TVKDisplayAction). Empty for no action and for actions that show no text.
+QString displaySampleText(TVKAction* action);
+
+} // namespace corvane

@@ -109,6 +109,14 @@ TEST_F(DisplayActionTest, BuiltInSamplesFillTheirDisplay)
     TVKBuiltInLCDDisplayAction narrow(display(0, 3));
     EXPECT_EQ(narrow.text(), QStringLiteral("Selected Clip: ----     "));
     EXPECT_EQ(TVKBuiltInTimecodeDisplayAction(display(1, 0)).text(), QStringLiteral("01:00:00:00"));
+
+    // The pictures ask every display the same way, built-in commands included.
+    EXPECT_EQ(corvane::displaySampleText(&narrow), narrow.text());
+    TVKLCDDisplayTextAction custom(display(0, 0), QStringLiteral("Hi"));
+    EXPECT_EQ(corvane::displaySampleText(&custom), QStringLiteral("Hi"));
+    TVKButtonBuiltInAction button;
+    EXPECT_EQ(corvane::displaySampleText(&button), QString());
+    EXPECT_EQ(corvane::displaySampleText(nullptr), QString());
 }
 
 TEST_F(DisplayActionTest, TextsFollowTheEmulationMode)
