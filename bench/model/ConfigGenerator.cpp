@@ -9,12 +9,15 @@
 #include "actions/TVKMouseAction.h"
 #include "actions/TVKSpecialAction.h"
 #include "core/FourCharCode.h"
+#include "model/SurfaceConstants.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"
 #include "model/TVKModelData.h"
+#include "surface/TVK_Constant_Server.h"
 
 #include <QtEndian>
+#include <algorithm>
 #include <array>
 
 namespace corvane {
@@ -216,10 +219,17 @@ std::unique_ptr<CorvaneModelData> ConfigGenerator::generateConfiguration(int key
 
 void ConfigGenerator::populateKeyset(TVKKeyset& keyset)
 {
+    const TVK_Constant_Server& constants = surfaceConstants();
     for (const auto& layer : keyset.layers()) {
-        for (const auto& group : layer->groups())
-            for (const auto& control : group)
-                populateControl(*control);
+        // Controls past the surface's count (the TLW2 encoders and switches) are rebuilt fresh
+        // whenever a configuration is read, so a stored one never carries settings for them.
+        for (size_t g = 0; g < layer->groups().size(); ++g) {
+            const auto& group = layer->groups()[g];
+            const size_t stored =
+                std::min(group.size(), size_t(constants.numberOfControlsInGroup(int(g))));
+            for (size_t i = 0; i < stored; ++i)
+                populateControl(*group[i]);
+        }
         for (const auto& group : layer->displayGroups())
             for (const auto& display : group)
                 populateDisplay(*display);

@@ -1,5 +1,6 @@
 #include "KeysetTool.h"
 
+#include "ConfigGenerator.h"
 #include "TestConfig.h"
 #include "actions/TVKSpecialAction.h"
 #include "core/PlistCodec.h"
@@ -192,6 +193,29 @@ TEST_F(KeysetToolTest, ConvertRoundTripsBetweenXmlAndBinaryModelForModel)
     EXPECT_TRUE(modelTree(path("back.plist")) == original);
     // What the model writes is what the file holds once it has been through the model.
     EXPECT_TRUE(PlistCodec::readFile(path("back.plist")).value == original);
+}
+
+// Every kind of action, display action, user names, icons and NV groups, as real keysets mix
+// them: all of it must read back clean and survive both forms unchanged.
+TEST_F(KeysetToolTest, RealisticConfigurationReadsCleanAndRoundTrips)
+{
+    corvane::ConfigGenerator generator(11);
+    const std::unique_ptr<CorvaneModelData> model = generator.generateConfiguration(2);
+    PlistValue tree = PlistValue::makeDict();
+    model->writeTo(tree);
+    writeTree(path("studio.plist"), tree);
+
+    ToolRun run = runTool({QStringLiteral("check"), path("studio.plist")});
+    EXPECT_EQ(run.exitCode, 0) << run.err.left(2000).constData();
+
+    run = runTool({QStringLiteral("convert"), path("studio.plist"), path("studio.bplist"),
+                   QStringLiteral("--binary")});
+    ASSERT_EQ(run.exitCode, 0) << run.err.constData();
+    run = runTool({QStringLiteral("convert"), path("studio.bplist"), path("back.plist")});
+    ASSERT_EQ(run.exitCode, 0) << run.err.constData();
+
+    EXPECT_TRUE(modelTree(path("studio.plist")) == tree);
+    EXPECT_TRUE(PlistCodec::readFile(path("back.plist")).value == tree);
 }
 
 TEST_F(KeysetToolTest, ConvertKeepsAKeysetAKeysetAndWritesTheRepairs)
