@@ -62,7 +62,8 @@ public:
         while (m_slots[i].used) {
             Slot& s = m_slots[i];
             if (s.hash == h && s.length == text.size() &&
-                std::memcmp(m_arena.data() + s.offset, text.data(), text.size()) == 0)
+                (text.empty() ||
+                 std::memcmp(m_arena.data() + s.offset, text.data(), text.size()) == 0))
                 return &s.item;
             i = (i + 1) & mask;
         }
