@@ -276,11 +276,13 @@ void TVKLayer::readGroupList(const PlistValue& list, bool display)
         for (int i = 0; i < limit && i < archivedControls; ++i) {
             auto control = createControlFromArchive(archivedGroup.at(i), g, i);
             if (!control) {
-                recordRepair(*this, g, display, i,
-                             QStringLiteral("control of unknown type %1 dropped, with the %2 "
-                                            "archived after it")
-                                 .arg(archivedGroup.at(i).value(u"TVKType").toInteger(-1))
-                                 .arg(archivedControls - i - 1));
+                const qsizetype after = archivedControls - i - 1;
+                const QString what = QStringLiteral("control of unknown type %1 dropped")
+                                         .arg(archivedGroup.at(i).value(u"TVKType").toInteger(-1));
+                recordRepair(
+                    *this, g, display, i,
+                    after > 0 ? what + QStringLiteral(", with the %1 archived after it").arg(after)
+                              : what);
                 break;
             }
             // Most controls keep their factory name: share the table's text instead of holding

@@ -392,3 +392,21 @@ TEST_F(ArchiveTest, DroppedDisplayActionsAreReportedAsDisplays)
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(ArchiveTest, ReadControlsShareTheTablesNames)
+{
+    CorvaneKeyset keyset(nullptr);
+    keyset.controlForLayer(0, 3, 0)->setName(QStringLiteral("Renamed"));
+    const CorvaneKeyset reread(archiveOf(keyset), nullptr);
+    const TVKLayer& layer = *reread.layerAtIndex(0);
+    // One copy of each factory name for the whole configuration, not one per control.
+    EXPECT_EQ(layer.controlForGroup(24, 17)->name().constData(),
+              layer.controlInitDataForGroupID(24)->at(17).name.constData());
+    EXPECT_EQ(reread.displayForLayer(3, 4, 9)->name().constData(),
+              layer.displayInitDataForGroupID(4)->at(9).name.constData());
+    EXPECT_EQ(layer.controlForGroup(3, 0)->name(), QStringLiteral("Renamed"));
+}
+
+} // namespace
