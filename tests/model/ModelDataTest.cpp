@@ -369,3 +369,18 @@ TEST_F(ModelDataTest, KeysetsTakenInFromElsewhereBelongToTheirNewModelData)
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(ModelDataTest, KeysetIndexOutsideTheListIsCaughtNotRead)
+{
+    CorvaneModelData modelData;
+    // Asserted where assertions are on; otherwise nothing is read past the list.
+    EXPECT_DEBUG_DEATH(EXPECT_EQ(modelData.keysetAtIndex(1), nullptr), "");
+    EXPECT_DEBUG_DEATH(EXPECT_EQ(modelData.deleteKeysetAtIndex(-1), nullptr), "");
+    EXPECT_EQ(modelData.numberOfKeysets(), 1);
+    EXPECT_EQ(modelData.controlForKeyset(7, 0, 0, 0), nullptr);
+    EXPECT_EQ(modelData.displayForKeyset(-1, 0, 0, 0), nullptr);
+}
+
+} // namespace
