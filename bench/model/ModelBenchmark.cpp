@@ -121,6 +121,32 @@ void BM_ModelToBinaryFile(benchmark::State& state)
     writeModel(state, PlistFormat::Binary, QStringLiteral("out.bplist"));
 }
 
+// Writing without the file: tree and encoding in memory, no disk and no sync.
+void encodeModel(benchmark::State& state, PlistFormat format)
+{
+    for (auto _ : state) {
+        PlistValue tree = PlistValue::makeDict();
+        fixture().model->writeTo(tree);
+        QByteArray bytes = PlistCodec::write(tree, format);
+        benchmark::DoNotOptimize(bytes.data());
+        state.PauseTiming();
+        tree = PlistValue();
+        bytes = QByteArray();
+        settleHeap();
+        state.ResumeTiming();
+    }
+}
+
+void BM_ModelToXmlBytes(benchmark::State& state)
+{
+    encodeModel(state, PlistFormat::Xml);
+}
+
+void BM_ModelToBinaryBytes(benchmark::State& state)
+{
+    encodeModel(state, PlistFormat::Binary);
+}
+
 // The model's half of writing: building the property-list tree, without encoding it.
 void BM_ModelToTree(benchmark::State& state)
 {
@@ -154,6 +180,8 @@ BENCHMARK(BM_XmlFileIntoModel)->Unit(benchmark::kMillisecond)->MinTime(3.0);
 BENCHMARK(BM_BinaryFileIntoModel)->Unit(benchmark::kMillisecond)->MinTime(3.0);
 BENCHMARK(BM_ModelToXmlFile)->Unit(benchmark::kMillisecond)->MinTime(3.0);
 BENCHMARK(BM_ModelToBinaryFile)->Unit(benchmark::kMillisecond)->MinTime(3.0);
+BENCHMARK(BM_ModelToXmlBytes)->Unit(benchmark::kMillisecond)->MinTime(3.0);
+BENCHMARK(BM_ModelToBinaryBytes)->Unit(benchmark::kMillisecond)->MinTime(3.0);
 BENCHMARK(BM_ModelToTree)->Unit(benchmark::kMillisecond)->MinTime(3.0);
 BENCHMARK(BM_KeysetFileIntoKeyset)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
