@@ -138,9 +138,9 @@ bool TVK_CarbonCocoaMessenger::sendConnectMessage()
 bool TVK_CarbonCocoaMessenger::sendControlStateMessage(qint64 value, qint64 group, qint64 control,
                                                        qint64 axis)
 {
-    const TVK_OutgoingControlStateSpec spec{std::uint32_t(group), std::uint32_t(control),
+    const TVK_OutgoingControlStateSpec body{std::uint32_t(group), std::uint32_t(control),
                                             std::uint32_t(axis), std::uint32_t(value)};
-    return sendMessageWithId(corvane::msg::TCtl, spec.data());
+    return sendMessageWithId(corvane::msg::TCtl, body.data());
 }
 
 bool TVK_CarbonCocoaMessenger::sendChangeFrameletBankMessage(qint64 bank)
@@ -163,10 +163,10 @@ QByteArray TVK_CarbonCocoaMessenger::MessageCallbackForPort(corvane::LocalMessag
                                                             const QByteArray& data, void*)
 {
     if (message == corvane::msg::TCtl) {
-        const TVK_IncomingControlStateSpec spec(data);
+        const TVK_IncomingControlStateSpec state(data);
         if (m_delegate)
-            m_delegate->hardwareControlChangeForGroup(spec.groupIndex(), spec.controlNumOrChannel(),
-                                                      spec.axis(), spec.value());
+            m_delegate->hardwareControlChangeForGroup(
+                state.groupIndex(), state.controlNumOrChannel(), state.axis(), state.value());
     }
     return QByteArray();
 }

@@ -251,11 +251,11 @@ QByteArray TVK_PrivateMessenger::MessageCallbackForPort(corvane::LocalMessagePor
         return QByteArray();
     }
     if (message == msg::CurC) {
-        const TVK_IncomingCurrentControlInfoSpec spec(data);
+        const TVK_IncomingCurrentControlInfoSpec info(data);
         if (delegate())
-            delegate()->handleCurrentControlInfoForKeyset(spec.keysetIndex(), spec.layerIndex(),
-                                                          spec.groupIndex(),
-                                                          spec.controlNumOrChannel());
+            delegate()->handleCurrentControlInfoForKeyset(info.keysetIndex(), info.layerIndex(),
+                                                          info.groupIndex(),
+                                                          info.controlNumOrChannel());
         return QByteArray();
     }
     return TVK_CarbonCocoaMessenger::MessageCallbackForPort(port, message, data, info);
