@@ -194,6 +194,12 @@ TEST(PlistCodec, XmlOutputIsTheStandardLayout)
                                      "</dict>\n"
                                      "</plist>\n");
     EXPECT_EQ(PlistCodec::write(root), expected);
+
+    // Characters XML text cannot carry become references the reader turns back; everything else
+    // is UTF-8.
+    EXPECT_EQ(PlistCodec::write(str(u"\u00E9\U0001D11E\x0001\r\xD800\xFFFF\t\n")),
+              header() + QByteArray("<string>\xC3\xA9\xF0\x9D\x84\x9E&#x1;&#xD;&#xD800;&#xFFFF;\t\n"
+                                    "</string>\n</plist>\n"));
 }
 
 TEST(PlistCodec, BinaryOutputHasTheStandardLayout)
