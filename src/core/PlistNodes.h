@@ -83,33 +83,24 @@ private:
 
 using PlistEntry = std::pair<PlistKey, PlistValue>;
 
-struct PlistValue::Node
-{
-    explicit Node(Type t) : type(t) {}
-    virtual ~Node() = default;
-    virtual Node* clone() const = 0;
-    std::atomic<int> refs{1};
-    Type type;
-};
-
 struct PlistValue::StringNode final : Node
 {
     explicit StringNode(QString s) : Node(Type::String), text(std::move(s)) {}
-    Node* clone() const override { return new StringNode(text); }
+    Node* clone() const { return new StringNode(text); }
     QString text;
 };
 
 struct PlistValue::DataNode final : Node
 {
     explicit DataNode(QByteArray b) : Node(Type::Data), bytes(std::move(b)) {}
-    Node* clone() const override { return new DataNode(bytes); }
+    Node* clone() const { return new DataNode(bytes); }
     QByteArray bytes;
 };
 
 struct PlistValue::ArrayNode final : Node
 {
     ArrayNode() : Node(Type::Array) {}
-    Node* clone() const override
+    Node* clone() const
     {
         auto* copy = new ArrayNode;
         copy->items = items;
@@ -121,7 +112,7 @@ struct PlistValue::ArrayNode final : Node
 struct PlistValue::DictNode final : Node
 {
     DictNode() : Node(Type::Dict) {}
-    Node* clone() const override
+    Node* clone() const
     {
         auto* copy = new DictNode;
         copy->entries = entries;

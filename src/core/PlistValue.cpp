@@ -13,13 +13,41 @@
 
 namespace corvane {
 
-namespace {
-bool isHeapType(PlistValue::Type t)
+// Nodes carry no virtual functions (the value type inlines their reference count), so copying
+// and freeing go by kind.
+PlistValue::Node* PlistValue::cloneNode(const Node* node)
 {
     using T = PlistValue::Type;
-    return t == T::String || t == T::Data || t == T::Array || t == T::Dict;
+    switch (node->type) {
+    case T::String:
+        return static_cast<const PlistValue::StringNode*>(node)->clone();
+    case T::Data:
+        return static_cast<const PlistValue::DataNode*>(node)->clone();
+    case T::Array:
+        return static_cast<const PlistValue::ArrayNode*>(node)->clone();
+    default:
+        return static_cast<const PlistValue::DictNode*>(node)->clone();
+    }
 }
-} // namespace
+
+void PlistValue::destroyNode(Node* node)
+{
+    using T = PlistValue::Type;
+    switch (node->type) {
+    case T::String:
+        delete static_cast<PlistValue::StringNode*>(node);
+        break;
+    case T::Data:
+        delete static_cast<PlistValue::DataNode*>(node);
+        break;
+    case T::Array:
+        delete static_cast<PlistValue::ArrayNode*>(node);
+        break;
+    default:
+        delete static_cast<PlistValue::DictNode*>(node);
+        break;
+    }
+}
 
 PlistValue::PlistValue(const QString& s)
     : m_node(new StringNode(s)), m_type(Type::String), m_unsigned(false)
@@ -70,19 +98,6 @@ PlistValue PlistValue::makeDate(const QDateTime& when)
     return makeDate(double(referenceDate().msecsTo(when)) / 1000.0);
 }
 
-PlistValue::PlistValue(const PlistValue& other) noexcept
-    : m_uint(other.m_uint), m_type(other.m_type), m_unsigned(other.m_unsigned)
-{
-    retain();
-}
-
-PlistValue::PlistValue(PlistValue&& other) noexcept
-    : m_uint(other.m_uint), m_type(other.m_type), m_unsigned(other.m_unsigned)
-{
-    other.m_type = Type::Null;
-    other.m_int = 0;
-}
-
 PlistValue& PlistValue::operator=(const PlistValue& other) noexcept
 {
     if (this != &other) {
@@ -108,22 +123,11 @@ PlistValue& PlistValue::operator=(PlistValue&& other) noexcept
     return *this;
 }
 
-PlistValue::~PlistValue()
-{
-    release();
-}
-
-void PlistValue::retain() const noexcept
-{
-    if (isHeapType(m_type))
-        m_node->refs.fetch_add(1, std::memory_order_relaxed);
-}
-
 void PlistValue::release() noexcept
 {
     if (isHeapType(m_type)) {
         if (m_node->refs.fetch_sub(1, std::memory_order_acq_rel) == 1)
-            delete m_node;
+            destroyNode(m_node);
         m_type = Type::Null;
         m_int = 0;
     }
@@ -235,7 +239,7 @@ PlistValue::ArrayNode* PlistValue::mutableArray()
     if (m_type != Type::Array)
         return nullptr;
     if (m_node->refs.load(std::memory_order_acquire) != 1) {
-        Node* copy = m_node->clone();
+        Node* copy = cloneNode(m_node);
         release();
         m_node = copy;
         m_type = Type::Array;
@@ -250,7 +254,7 @@ PlistValue::DictNode* PlistValue::mutableDict()
     if (m_type != Type::Dict)
         return nullptr;
     if (m_node->refs.load(std::memory_order_acquire) != 1) {
-        Node* copy = m_node->clone();
+        Node* copy = cloneNode(m_node);
         release();
         m_node = copy;
         m_type = Type::Dict;

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+#include <atomic>
 #include <cstdint>
 
 namespace corvane {
@@ -60,11 +61,25 @@ public:
     static PlistValue makeDate(double secondsSince2001);
     static PlistValue makeDate(const QDateTime& when);
 
-    PlistValue(const PlistValue& other) noexcept;
-    PlistValue(PlistValue&& other) noexcept;
+    // Copies and moves are inline: a tree read or written copies millions of values.
+    PlistValue(const PlistValue& other) noexcept
+        : m_uint(other.m_uint), m_type(other.m_type), m_unsigned(other.m_unsigned)
+    {
+        retain();
+    }
+    PlistValue(PlistValue&& other) noexcept
+        : m_uint(other.m_uint), m_type(other.m_type), m_unsigned(other.m_unsigned)
+    {
+        other.m_type = Type::Null;
+        other.m_int = 0;
+    }
     PlistValue& operator=(const PlistValue& other) noexcept;
     PlistValue& operator=(PlistValue&& other) noexcept;
-    ~PlistValue();
+    ~PlistValue()
+    {
+        if (isHeapType(m_type))
+            release();
+    }
 
     Type type() const { return m_type; }
     bool isNull() const { return m_type == Type::Null; }
@@ -129,14 +144,31 @@ public:
 
 private:
     friend class PlistBuilder;
-    struct Node;
+    // Shared storage of strings, data, arrays and dictionaries; the kinds are defined with the
+    // codec's internals.
+    struct Node
+    {
+        explicit Node(Type t) : type(t) {}
+        std::atomic<int> refs{1};
+        Type type;
+    };
     struct StringNode;
     struct DataNode;
     struct ArrayNode;
     struct DictNode;
 
+    static constexpr bool isHeapType(Type t)
+    {
+        return t == Type::String || t == Type::Data || t == Type::Array || t == Type::Dict;
+    }
+    static Node* cloneNode(const Node* node);
+    static void destroyNode(Node* node);
     void release() noexcept;
-    void retain() const noexcept;
+    void retain() const noexcept
+    {
+        if (isHeapType(m_type))
+            m_node->refs.fetch_add(1, std::memory_order_relaxed);
+    }
     ArrayNode* mutableArray();
     DictNode* mutableDict();
     const ArrayNode* arrayNode() const;
