@@ -4,6 +4,7 @@
 
 #include "core/Log.h"
 #include "core/PlistCodec.h"
+#include "model/ArchiveRepairLog.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 #include "surface/Corvane_Constant_Server.h"
@@ -37,8 +38,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
 
     corvane::LogCapture quiet;
+    // Collecting repairs runs the code that describes them, which reads the damaged values too.
+    corvane::ArchiveRepairLog repairs;
     TVKKeyset::resetTargetIDs();
     CorvaneModelData modelData(result.value);
+    // There is always a keyset to select, whatever the list held.
+    if (modelData.numberOfKeysets() < 1)
+        std::abort();
     const corvane::PlistValue first = written(modelData);
     const CorvaneModelData reread(first);
     if (written(reread) != first)

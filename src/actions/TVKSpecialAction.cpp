@@ -1,5 +1,6 @@
 #include "actions/TVKSpecialAction.h"
 
+#include "model/SurfaceConstants.h"
 #include "surface/TVK_Constant_Server.h"
 
 namespace {
@@ -34,9 +35,8 @@ void TVKSpecialAction::setMode(int mode)
 
 QString TVKSpecialAction::actionDescriptor() const
 {
-    if (const TVK_Constant_Server* constants = TVK_Constant_Server::defaultConstantServer())
-        return constants->specialModeDescriptor(m_mode);
-    return QString();
+    // A tool that reads archives without having made the surface constants still gets the texts.
+    return corvane::surfaceConstants().specialModeDescriptor(m_mode);
 }
 
 corvane::FourCharCode TVKSpecialAction::editorTabID() const

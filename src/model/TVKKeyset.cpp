@@ -220,7 +220,11 @@ void TVKKeyset::writeTo(PlistValue& dict) const
 
 void TVKKeyset::printMappings() const
 {
-    corvane::log(QStringLiteral("\n%1\n").arg(m_name));
+    // The listing prints an absent text as "(null)", as the log has always shown it.
+    auto text = [](const QString& value) {
+        return value.isNull() ? QStringLiteral("(null)") : value;
+    };
+    corvane::log(QStringLiteral("\n%1\n").arg(text(m_name)));
     const TVKLayer* layer = m_layers.empty() ? nullptr : m_layers.front().get();
     if (!layer)
         return;
@@ -230,11 +234,9 @@ void TVKKeyset::printMappings() const
             if (!control->userName().isEmpty()) {
                 mapping = control->userName();
             } else if (const TVKAction* action = control->action()) {
-                mapping = action->actionDescriptor();
-                if (mapping.isNull())
-                    mapping = QStringLiteral("(null)");
+                mapping = text(action->actionDescriptor());
             }
-            corvane::log(QStringLiteral("%1\t%2").arg(control->name(), mapping));
+            corvane::log(QStringLiteral("%1\t%2").arg(text(control->name()), mapping));
         }
     }
 }

@@ -70,17 +70,8 @@ TVKControlGroup TVKLayer::createGroupFromTable(const TVKControlInitTable* table,
                                                int minimum, int maximum)
 {
     TVKControlGroup group;
-    const std::size_t count =
-        table ? std::min(table->size(), std::size_t(std::max(maximum, 0))) : 0;
-    group.reserve(std::max(count, std::size_t(std::max(minimum, 0))));
-    for (std::size_t i = 0; i < count; ++i) {
-        const TVKControlInitRecord& record = (*table)[i];
-        if (record.name.isEmpty())
-            break;
-        if (auto control =
-                controlFromType(record.type, record.name, m_owner, m_keyset, this, groupID, int(i)))
-            group.push_back(std::move(control));
-    }
+    group.reserve(std::size_t(std::max(minimum, 0)));
+    fillGroupFromTable(group, table, groupID, maximum);
     return group;
 }
 
@@ -207,8 +198,7 @@ void TVKLayer::checkForMissingGroups()
 
 void TVKLayer::checkGroupForMissingControls(TVKControlGroup& group, int groupID)
 {
-    fillGroupFromTable(group, controlInitDataForGroupID(groupID), groupID, maxControlsPerGroup(),
-                       false);
+    fillGroupFromTable(group, controlInitDataForGroupID(groupID), groupID, maxControlsPerGroup());
 }
 
 void TVKLayer::checkForMissingDisplayGroups()
@@ -221,12 +211,11 @@ void TVKLayer::checkForMissingDisplayGroups()
 
 void TVKLayer::checkGroupForMissingDisplays(TVKControlGroup& group, int groupID)
 {
-    fillGroupFromTable(group, displayInitDataForGroupID(groupID), groupID, maxDisplaysPerGroup(),
-                       true);
+    fillGroupFromTable(group, displayInitDataForGroupID(groupID), groupID, maxDisplaysPerGroup());
 }
 
 void TVKLayer::fillGroupFromTable(TVKControlGroup& group, const TVKControlInitTable* table,
-                                  int groupID, int maximum, bool /*display*/)
+                                  int groupID, int maximum)
 {
     if (!table || group.size() >= std::size_t(std::max(maximum, 0)))
         return;
@@ -274,11 +263,19 @@ void TVKLayer::readGroupList(const PlistValue& list, bool display)
         TVKControlGroup group;
         group.reserve(std::max(table ? table->size() : std::size_t(0), std::size_t(limit)));
         for (int i = 0; i < limit && i < archivedControls; ++i) {
-            auto control = createControlFromArchive(archivedGroup.at(i), g, i);
+            const PlistValue& archivedControl = archivedGroup.at(i);
+            // An entry that is no dictionary is no control: read, it would become a nameless
+            // button wherever it stands, in an encoder's or a fader's place too.
+            auto control = archivedControl.isDict()
+                               ? createControlFromArchive(archivedControl, g, i)
+                               : std::unique_ptr<TVKControl>();
             if (!control) {
                 const qsizetype after = archivedControls - i - 1;
-                const QString what = QStringLiteral("control of unknown type %1 dropped")
-                                         .arg(archivedGroup.at(i).value(u"TVKType").toInteger(-1));
+                const QString what =
+                    archivedControl.isDict()
+                        ? QStringLiteral("control of unknown type %1 dropped")
+                              .arg(archivedControl.value(u"TVKType").toInteger(-1))
+                        : QStringLiteral("control entry that is no dictionary dropped");
                 recordRepair(
                     *this, g, display, i,
                     after > 0 ? what + QStringLiteral(", with the %1 archived after it").arg(after)

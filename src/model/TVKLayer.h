@@ -99,8 +99,9 @@ protected:
 private:
     TVKControlGroup createGroupFromTable(const TVKControlInitTable* table, int groupID, int minimum,
                                          int maximum);
+    // Appends the table's records from the group's current count on, up to the maximum.
     void fillGroupFromTable(TVKControlGroup& group, const TVKControlInitTable* table, int groupID,
-                            int maximum, bool display);
+                            int maximum);
     void readGroupList(const corvane::PlistValue& list, bool display);
 
     TVKModelData* m_owner = nullptr;

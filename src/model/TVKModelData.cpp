@@ -3,6 +3,7 @@
 #include "actions/TVKAction.h"
 #include "core/Log.h"
 #include "model/ArchiveReading.h"
+#include "model/ArchiveRepairLog.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"
@@ -395,9 +396,20 @@ void TVKModelData::readFromArchive(const PlistValue& archive)
         std::vector<std::unique_ptr<TVKKeyset>> list;
         list.reserve(std::size_t(keysets.size()));
         m_keysets.swap(list);
-        list.clear();
-        for (qsizetype i = 0; i < keysets.size(); ++i)
+        for (qsizetype i = 0; i < keysets.size(); ++i) {
+            // An entry that is no dictionary holds no keyset; read, it would become a nameless
+            // keyset of fresh layers that the user never made.
+            if (!keysets.at(i).isDict()) {
+                corvane::ArchiveRepairLog::record(
+                    {QString(), -1, -1, false, -1,
+                     QStringLiteral("keyset entry %1 is no dictionary; dropped").arg(i)});
+                continue;
+            }
             addKeyset(createKeysetFromArchive(keysets.at(i)));
+        }
+        // Nothing readable: the keyset init made stays, so that there is always one.
+        if (m_keysets.empty() && !list.empty())
+            m_keysets.swap(list);
     }
 }
 

@@ -145,6 +145,8 @@ TEST_F(ArchiveTest, EachRepairIsReportedAndTheGapsFilledFromTheTables)
     child(child(groups, 2), 2)->insert(QStringLiteral("TVKType"), PlistValue(qint64(12)));
     child(child(groups, 2), 3)
         ->insert(QStringLiteral("TVKUName"), PlistValue(QStringLiteral("lost")));
+    // Group 3: an entry that is no dictionary at index 1 ends the group's reading too.
+    child(groups, 3)->set(1, PlistValue(QStringLiteral("Left Encoder 2")));
     // Group 5: only three of eight controls archived.
     groups->set(5, truncated(groups->at(5), 3));
     // Group 29: the surface's eight archived, the table's 32 held: not a repair.
@@ -165,6 +167,10 @@ TEST_F(ArchiveTest, EachRepairIsReportedAndTheGapsFilledFromTheTables)
         {name, 0, 2, false, 2,
          QStringLiteral("control of unknown type 12 dropped, with the 4 archived after it")},
         {name, 0, 2, false, 2, QStringLiteral("controls 2 to 6 missing; made afresh")},
+        {name, 0, 3, false, 1,
+         QStringLiteral(
+             "control entry that is no dictionary dropped, with the 4 archived after it")},
+        {name, 0, 3, false, 1, QStringLiteral("controls 1 to 5 missing; made afresh")},
         {name, 0, 5, false, 3, QStringLiteral("controls 3 to 7 missing; made afresh")},
         {name, 1, 27, false, -1, QStringLiteral("group missing; made afresh")},
         {name, 1, 28, false, -1, QStringLiteral("group missing; made afresh")},
@@ -188,6 +194,9 @@ TEST_F(ArchiveTest, EachRepairIsReportedAndTheGapsFilledFromTheTables)
     EXPECT_EQ(layer0[2].size(), 7u);
     EXPECT_TRUE(layer0[2][3]->userName().isEmpty());
     EXPECT_EQ(layer0[2][3]->action(), nullptr); // fresh, with no action
+    ASSERT_EQ(layer0[3].size(), 6u);
+    EXPECT_NE(dynamic_cast<const TVKEncoderControl*>(layer0[3][1].get()), nullptr);
+    EXPECT_EQ(layer0[3][1]->name(), QStringLiteral("Left Encoder 2"));
     EXPECT_EQ(layer0[5].size(), 8u);
     EXPECT_EQ(layer0[5][7]->name(), QStringLiteral("F8"));
     EXPECT_EQ(layer0[29].size(), 32u);

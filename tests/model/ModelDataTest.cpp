@@ -219,6 +219,20 @@ TEST_F(ModelDataTest, ArchivedKeysetListReplacesTheDefaultKeysetUnlessEmpty)
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(three.keysetAtIndex(i)->name(), QStringLiteral("K%1").arg(i));
 
+    // Entries that hold no keyset are dropped; with none readable the "Default" keyset stays.
+    PlistValue damaged = archive.value(u"TVKKeysets");
+    damaged.set(1, PlistValue(QStringLiteral("K1")));
+    archive.insert(QStringLiteral("TVKKeysets"), damaged);
+    CorvaneModelData two(archive);
+    ASSERT_EQ(two.numberOfKeysets(), 2);
+    EXPECT_EQ(two.keysetAtIndex(1)->name(), QStringLiteral("K2"));
+    PlistValue unreadable = PlistValue::makeArray();
+    unreadable.append(PlistValue(qint64(3)));
+    archive.insert(QStringLiteral("TVKKeysets"), unreadable);
+    CorvaneModelData none(archive);
+    ASSERT_EQ(none.numberOfKeysets(), 1);
+    EXPECT_EQ(none.keysetAtIndex(0)->name(), QStringLiteral("Default"));
+
     archive.insert(QStringLiteral("TVKKeysets"), PlistValue::makeArray());
     CorvaneModelData empty(archive);
     ASSERT_EQ(empty.numberOfKeysets(), 1);

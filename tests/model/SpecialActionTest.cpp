@@ -61,6 +61,10 @@ TEST_F(SpecialActionTest, DescriptorsAreTheSurfaceFunctionNames)
     for (int mode = 0; mode < TVKSpecialAction::kModeCount; ++mode)
         EXPECT_EQ(TVKButtonSpecialAction(nullptr, mode).actionDescriptor(),
                   QString::fromUtf8(names[mode]));
+    // A tool that reads archives without making the surface constants names them as well.
+    m_constants.reset();
+    EXPECT_EQ(TVKSpecialJogAction(nullptr, 9).actionDescriptor(),
+              QStringLiteral("Show/Hide Button Labels"));
 }
 
 TEST_F(SpecialActionTest, ModesOutsideTheFunctionsAreNeverStored)
