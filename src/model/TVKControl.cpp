@@ -1,6 +1,7 @@
 #include "model/TVKControl.h"
 
 #include "actions/TVKAction.h"
+#include "actions/TVKEmulationAction.h"
 #include "actions/TVKSpecialAction.h"
 #include "actions/TVKStandardActionTypes.h"
 #include "core/Log.h"
@@ -40,19 +41,10 @@ int intValue(const PlistValue& dict, QStringView key, int defaultValue)
     return int(value.toInteger(defaultValue));
 }
 
-// What an action archives under a key. Keeps the controls independent of the action classes
-// they only need to glance at.
-qint64 archivedActionValue(const TVKAction& action, QStringView key, qint64 defaultValue)
-{
-    PlistValue dict = PlistValue::makeDict(4);
-    action.writeTo(dict);
-    return dict.value(key).toInteger(defaultValue);
-}
-
 bool emulatesGroup(const TVKAction* action, qint32 type, int group)
 {
-    return action && action->actionType() == type &&
-           archivedActionValue(*action, u"TVKEmuGrpIdx", -1) == group;
+    const auto* emulation = dynamic_cast<const TVKEmulationAction*>(action);
+    return emulation && emulation->actionType() == type && emulation->emulatedGroup() == group;
 }
 
 } // namespace

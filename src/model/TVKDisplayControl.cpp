@@ -1,5 +1,6 @@
 #include "model/TVKDisplayControl.h"
 
+#include "actions/CorvaneButtonDisplayMidiEmulationAction.h"
 #include "actions/TVKAction.h"
 #include "actions/TVKStandardActionTypes.h"
 #include "model/TVKLayer.h"
@@ -7,7 +8,6 @@
 namespace {
 constexpr qint32 kNativeMIDIStatusType = 0x100009;
 constexpr qint32 kDisplayEmulationKind = 3;
-constexpr qint32 kButtonDisplayMidiEmulationType = 0x10070a;
 } // namespace
 
 void TVKDisplayControl::setActionMode(int mode)
@@ -49,10 +49,9 @@ void TVKLCDButtonDisplayControl::copyDisplay(const TVKLCDButtonDisplayControl& d
 
 bool TVKLCDButtonDisplayControl::copiesActionWithoutEmulation(const TVKAction& action) const
 {
-    if (action.actionType() != kButtonDisplayMidiEmulationType)
+    if (action.actionType() != CorvaneButtonDisplayMidiEmulationAction::kActionType)
         return true;
-    // The MIDI/emulation status display is copied only in its native-MIDI mode (1).
-    corvane::PlistValue dict = corvane::PlistValue::makeDict(2);
-    action.writeTo(dict);
-    return dict.value(u"TVKMode").toInteger(0) == 1;
+    // The MIDI/emulation status display is copied only in its native-MIDI mode.
+    const auto* status = dynamic_cast<const CorvaneButtonDisplayMidiEmulationAction*>(&action);
+    return status && status->mode() == CorvaneButtonDisplayMidiEmulationAction::NativeMIDI;
 }
