@@ -92,6 +92,10 @@ PlistValue TVKKeySequenceAction::archiveKeySequence(const TVKKeystrokeList& sequ
 TVKKeystrokeList TVKKeySequenceAction::unarchiveKeySequence(const PlistValue& archive)
 {
     TVKKeystrokeList sequence;
+    // A damaged file may hold something other than a list here; it gives no keystrokes rather
+    // than blank ones the service would post.
+    if (!archive.isArray())
+        return sequence;
     sequence.reserve(size_t(archive.size()));
     for (qsizetype i = 0; i < archive.size(); ++i)
         sequence.emplace_back(archive.at(i));
@@ -181,6 +185,8 @@ void TVKMultipleKeySequenceAction::restoreSequences(const PlistValue& archive)
     // fewer slots, exactly as read.
     m_sequences.clear();
     const PlistValue& lists = archive.value(u"TVKSMultSeq");
+    if (!lists.isArray())
+        return;
     for (qsizetype i = 0; i < lists.size() && i < numberOfDirections(); ++i)
         m_sequences.push_back(unarchiveKeySequence(lists.at(i)));
 }

@@ -294,6 +294,16 @@ TEST(ActionArchive, ReadBackRulesOfTheStoredForm)
     EXPECT_EQ(archive(restoredFourWay).value(u"TVKSMultSeq").size(), 1);
     EXPECT_EQ(archive(TVK4WayKeySequenceAction(nullptr, 0, false)).value(u"TVKSMultSeq").size(), 4);
 
+    // Lists of the wrong kind in a damaged file give no keystrokes and no slots.
+    PlistValue wrongKinds = PlistValue::makeDict();
+    wrongKinds.insert(QStringLiteral("TVKKeySeq"), keystroke);
+    wrongKinds.insert(QStringLiteral("TVKSMultSeq"), keystroke);
+    EXPECT_TRUE(TVKButtonKeySequenceAction(wrongKinds, nullptr).sequence().empty());
+    EXPECT_TRUE(TVKJogKeySequenceAction(wrongKinds, nullptr).sequences().empty());
+    lists.append(keystroke);
+    fourWay.insert(QStringLiteral("TVKSMultSeq"), lists);
+    EXPECT_TRUE(TVK4WayKeySequenceAction(fourWay, nullptr).sequenceForDirection(1)->empty());
+
     // An emulated display's text follows from its stored source.
     PlistValue display = PlistValue::makeDict();
     display.insert(QStringLiteral("TVKDisplaySrc"), PlistValue(1));

@@ -613,4 +613,9 @@ TEST_F(EmulationEditorTest, JogSpeedFollowsModeC)
     c.speedSlider = 0;
     editor.updateForNewAction();
     EXPECT_EQ(c.speedSlider, 6);
+
+    // Locking or unlocking the keyset shows the action again.
+    setMode(0);
+    NotificationCenter::defaultCenter().post(QStringLiteral("TVKLockStateChange"));
+    EXPECT_FALSE(c.modeCContainerVisible);
 }

@@ -36,10 +36,16 @@ constexpr int kEncoderGroupsModeC = 3;
 EmulationActionEditor::EmulationActionEditor(TVKActionContainer& container, Kind kind)
     : m_container(container), m_kind(kind)
 {
+    // The jog editor's speed slider belongs to mode C: it shows the action again whenever the
+    // emulation mode or the keyset's lock changes.
     if (m_kind == Jog) {
-        m_emulationChangeObservation = NotificationCenter::defaultCenter().addObserver(
-            QStringLiteral("TVKEmulChg"), nullptr,
-            [this](const Notification&) { updateForNewAction(); });
+        NotificationCenter& center = NotificationCenter::defaultCenter();
+        m_emulationChangeObservation =
+            center.addObserver(QStringLiteral("TVKEmulChg"), nullptr,
+                               [this](const Notification&) { updateForNewAction(); });
+        m_lockObservation =
+            center.addObserver(QStringLiteral("TVKLockStateChange"), nullptr,
+                               [this](const Notification&) { updateForNewAction(); });
     }
 }
 

@@ -88,6 +88,7 @@ private:
     Kind m_kind;
     Controls m_controls;
     NotificationCenter::Observation m_emulationChangeObservation;
+    NotificationCenter::Observation m_lockObservation;
 };
 
 } // namespace corvane

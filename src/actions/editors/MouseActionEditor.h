@@ -69,8 +69,9 @@ public:
 
     // The Capture button: posts "TVKStartCapture" with this editor as sender.
     void startCapture();
-    // "TVKEndCapture" (the editor observes it once startCapture() has run, and for as long as
-    // it lives): reads the pointer and stores the location, or refuses.
+    // "TVKEndCapture" (the editor observes it for as long as it lives; it acts only when the
+    // container holds an action of its type): reads the pointer and stores the location, or
+    // refuses.
     void endCapture();
     void updateForNewAction();
 
