@@ -67,6 +67,16 @@ std::unique_ptr<LocalMessagePort> LocalMessagePort::create(const QString& name, 
             probe.abort();
             return nullptr;
         }
+        // A listener too busy to accept at once is still alive: its name stays its own.
+        const QLocalSocket::LocalSocketError error = probe.error();
+        const QString reason = probe.errorString();
+        probe.abort();
+        if (error != QLocalSocket::ConnectionRefusedError &&
+            error != QLocalSocket::ServerNotFoundError) {
+            log(QStringLiteral("message port %1: %2 does not answer (%3); left alone")
+                    .arg(name, path, reason));
+            return nullptr;
+        }
     }
     QLocalServer::removeServer(path);
 

@@ -23,6 +23,18 @@ QString errnoText(int error)
     return QString::fromLocal8Bit(std::strerror(error));
 }
 
+// The service's port is looked up every 0.2 s while it is missing: a folder that stays unusable
+// is reported once, not five times a second.
+QString s_lastRefusal;
+
+void refuse(const QString& reason)
+{
+    if (reason == s_lastRefusal)
+        return;
+    s_lastRefusal = reason;
+    log(reason);
+}
+
 } // namespace
 
 const PortPlatform& PortPlatform::current()
@@ -40,7 +52,7 @@ QString PortPlatform::portPath(const QString& portName)
 {
     if (portName.isEmpty() || portName.contains(QLatin1Char('/')) ||
         portName == QLatin1String(".") || portName == QLatin1String("..")) {
-        log(QStringLiteral("message port name \"%1\" is not a plain name").arg(portName));
+        refuse(QStringLiteral("message port name \"%1\" is not a plain name").arg(portName));
         return QString();
     }
     const QString folder = current().portFolder();
@@ -49,12 +61,13 @@ QString PortPlatform::portPath(const QString& portName)
     const QString path = folder + QLatin1Char('/') + portName;
     // The address holds the path and its terminating zero.
     if (QFile::encodeName(path).size() >= qsizetype(sizeof(sockaddr_un::sun_path))) {
-        log(QStringLiteral("message port path %1 is longer than a local socket address allows "
-                           "(%2 bytes)")
-                .arg(path)
-                .arg(sizeof(sockaddr_un::sun_path) - 1));
+        refuse(QStringLiteral("message port path %1 is longer than a local socket address allows "
+                              "(%2 bytes)")
+                   .arg(path)
+                   .arg(sizeof(sockaddr_un::sun_path) - 1));
         return QString();
     }
+    s_lastRefusal.clear();
     return path;
 }
 
@@ -68,32 +81,32 @@ QString SystemPortPlatform::portFolder() const
     }
     const QByteArray native = QFile::encodeName(folder);
     if (::mkdir(native.constData(), 0700) != 0 && errno != EEXIST) {
-        log(QStringLiteral("cannot create message port folder %1: %2")
-                .arg(folder, errnoText(errno)));
+        refuse(QStringLiteral("cannot create message port folder %1: %2")
+                   .arg(folder, errnoText(errno)));
         return QString();
     }
     // Another user could otherwise plant a listener under our port names, or read our traffic.
     struct stat info;
     if (::lstat(native.constData(), &info) != 0) {
-        log(QStringLiteral("cannot examine message port folder %1: %2")
-                .arg(folder, errnoText(errno)));
+        refuse(QStringLiteral("cannot examine message port folder %1: %2")
+                   .arg(folder, errnoText(errno)));
         return QString();
     }
     if (!S_ISDIR(info.st_mode)) {
-        log(QStringLiteral("message port folder %1 is not a directory").arg(folder));
+        refuse(QStringLiteral("message port folder %1 is not a directory").arg(folder));
         return QString();
     }
     if (info.st_uid != userId()) {
-        log(QStringLiteral("message port folder %1 belongs to user %2, not to user %3")
-                .arg(folder)
-                .arg(info.st_uid)
-                .arg(userId()));
+        refuse(QStringLiteral("message port folder %1 belongs to user %2, not to user %3")
+                   .arg(folder)
+                   .arg(info.st_uid)
+                   .arg(userId()));
         return QString();
     }
     if ((info.st_mode & 077) != 0) {
-        log(QStringLiteral("message port folder %1 is open to other users (mode %2)")
-                .arg(folder)
-                .arg(info.st_mode & 0777, 4, 8, QLatin1Char('0')));
+        refuse(QStringLiteral("message port folder %1 is open to other users (mode %2)")
+                   .arg(folder)
+                   .arg(info.st_mode & 0777, 4, 8, QLatin1Char('0')));
         return QString();
     }
     return folder;

@@ -87,7 +87,11 @@ TVK_ResetSocketSpec::TVK_ResetSocketSpec(const QString& ipAddress, std::uint32_t
     for (const QChar c : m_ip)
         ascii = ascii && c.unicode() < 0x80;
     if (ascii) {
+        // The service reads the text up to its first zero byte, and the port right after it.
         QByteArray text = m_ip.toLatin1();
+        const qsizetype zero = text.indexOf('\0');
+        if (zero >= 0)
+            text.truncate(zero);
         text.append('\0');
         serializeBytes(text);
     }

@@ -74,6 +74,24 @@ TEST_F(MessagePortTest, ALiveNameIsRefusedAndAStaleOneTakenOver)
     EXPECT_FALSE(RemoteMessagePort::create(QStringLiteral("TVK_Test")));
     auto second = LocalMessagePort::create(QStringLiteral("TVK_Test"), nullptr);
     EXPECT_TRUE(second);
+    second.reset();
+
+    // A live listener that is too busy to take the probe still owns its name.
+    const int busy = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    ASSERT_EQ(::bind(busy, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(busy, 0), 0);
+    std::vector<int> queued;
+    for (int i = 0; i < 16; ++i) {
+        const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0);
+        queued.push_back(fd);
+        if (::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
+            break; // the queue is full
+    }
+    EXPECT_FALSE(LocalMessagePort::create(QStringLiteral("TVK_Test"), nullptr));
+    EXPECT_TRUE(QFile::exists(QString::fromLocal8Bit(path)));
+    for (const int fd : queued)
+        ::close(fd);
+    ::close(busy);
 }
 
 TEST_F(MessagePortTest, OneWayAndRequestFramesReachTheCallback)
@@ -294,6 +312,8 @@ TEST_F(MessagePortTest, UnsafeOrUnusableFoldersAreRefused)
             << c.folder.toStdString();
         EXPECT_FALSE(RemoteMessagePort::create(QStringLiteral("TVK_App")));
         EXPECT_TRUE(logContains(capture, c.logged)) << c.logged.toStdString();
+        // Looked up again and again while the folder stays as it is: reported once.
+        EXPECT_EQ(capture.lines().size(), 1) << c.logged.toStdString();
     }
 
     // A missing folder is made, private to the user.

@@ -213,9 +213,13 @@ TEST_F(ServiceSimulatorTest, EndsCleanlyOnTerminationAndOnEndOfInput)
     {
         SimulatorProcess sim(folder);
         ASSERT_TRUE(sim.start());
+        // The last command, cut off by the end of input without its line end, still runs.
+        const QString dumped = folder.path() + QStringLiteral("/last.plist");
+        sim.process().write((QStringLiteral("dump ") + dumped).toUtf8());
         sim.process().closeWriteChannel();
         EXPECT_TRUE(sim.process().waitForFinished(5000));
         EXPECT_EQ(sim.process().exitCode(), 0);
+        EXPECT_TRUE(QFile::exists(dumped));
     }
     {
         SimulatorProcess first(folder);

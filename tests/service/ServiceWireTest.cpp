@@ -131,6 +131,9 @@ TEST(MessageSpecs, OutgoingBodiesAreFieldWordsInCatalogueOrder)
          hex("02000000")},
         {"reset socket empty address", TVK_ResetSocketSpec(QString(), 3).data(),
          hex("00 03000000")},
+        {"reset socket text ends at a zero",
+         TVK_ResetSocketSpec(QStringLiteral("10.0.0.1\u0000junk"), 4).data(),
+         QByteArray("10.0.0.1", 9) + hex("04000000")},
     };
     for (const Case& c : cases)
         EXPECT_EQ(c.body.toHex(' '), c.expected.toHex(' ')) << c.name;

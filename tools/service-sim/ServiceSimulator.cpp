@@ -303,8 +303,13 @@ void ServiceSimulator::readCommands()
     char buffer[4096];
     const ssize_t got = ::read(STDIN_FILENO, buffer, sizeof buffer);
     if (got <= 0) {
-        // End of input ends the service, as closing its terminal would.
+        // End of input ends the service, as closing its terminal would; a last command without
+        // its line end still runs.
         m_input->setEnabled(false);
+        const QString last = QString::fromUtf8(m_pendingInput).trimmed();
+        m_pendingInput.clear();
+        if (!last.isEmpty())
+            runCommand(last);
         Q_EMIT finished();
         return;
     }
