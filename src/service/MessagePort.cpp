@@ -123,12 +123,20 @@ void LocalMessagePort::invalidate()
 {
     if (!isValid())
         return;
+    // A connection whose frame is being handled (the callback invalidated its own port) is
+    // closed by its reading loop once the callback returns; it must outlive this call.
+    std::vector<std::unique_ptr<Connection>> kept;
     for (auto& connection : m_connections) {
         connection->socket->disconnect(this);
         connection->socket->abort();
-        connection->socket->deleteLater();
+        if (connection->dispatching) {
+            connection->closed = true;
+            kept.push_back(std::move(connection));
+        } else {
+            connection->socket->deleteLater();
+        }
     }
-    m_connections.clear();
+    m_connections = std::move(kept);
     m_server->close();
     Q_EMIT invalidated();
 }

@@ -94,6 +94,32 @@ TEST_F(MessagePortTest, ALiveNameIsRefusedAndAStaleOneTakenOver)
     ::close(busy);
 }
 
+TEST_F(MessagePortTest, APortInvalidatedByItsOwnCallbackClosesCleanly)
+{
+    int calls = 0;
+    auto service = LocalMessagePort::create(QStringLiteral("TVK_Service"),
+                                            [&](LocalMessagePort* port, const MessageFrame&) {
+                                                ++calls;
+                                                port->invalidate();
+                                                return QByteArray("late");
+                                            });
+    ASSERT_TRUE(service);
+    QLocalSocket client;
+    client.connectToServer(service->path());
+    ASSERT_TRUE(client.waitForConnected(1000));
+    // Two frames in one write, the first asking for a reply: the second must not be handled by
+    // a port that has gone, and no reply is written on a closed connection.
+    QByteArray stream = MessageFrame::encode(msg::Cnct, MessageFrame::WantsReply, 1, {});
+    MessageFrame::appendTo(stream, msg::ChEL, 0, 0, {});
+    client.write(stream);
+    client.flush();
+    EXPECT_TRUE(spinUntil([&] { return !service->isValid(); }));
+    EXPECT_TRUE(spinUntil([&] { return client.state() == QLocalSocket::UnconnectedState; }));
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(service->connectionCount(), 0);
+    EXPECT_EQ(client.bytesAvailable(), 0);
+}
+
 TEST_F(MessagePortTest, OneWayAndRequestFramesReachTheCallback)
 {
     std::vector<MessageFrame> received;
