@@ -259,17 +259,11 @@ QString KeysetTool::escapeField(const QString& text)
     escaped.reserve(text.size());
     for (QChar c : text) {
         switch (c.unicode()) {
-        case u'\\':
-            escaped += QStringLiteral("\\\\");
-            break;
         case u'\t':
             escaped += QStringLiteral("\\t");
             break;
         case u'\n':
             escaped += QStringLiteral("\\n");
-            break;
-        case u'\r':
-            escaped += QStringLiteral("\\r");
             break;
         default:
             escaped += c;
@@ -292,9 +286,8 @@ QString KeysetTool::usage()
         "  describe FILE             one line per control and display of every keyset:\n"
         "                            KEYSET, LAYER (1-4), GROUP (model-data group, or D and\n"
         "                            the display group), CONTROL, USERNAME and DESCRIPTION,\n"
-        "                            separated by tabs. Tabs, newlines, carriage returns and\n"
-        "                            backslashes inside a field are written as \\t, \\n, \\r\n"
-        "                            and \\\\.\n"
+        "                            separated by tabs. Tabs and newlines inside a field are\n"
+        "                            written as \\t and \\n.\n"
         "  convert IN OUT [--xml|--binary]\n"
         "                            reads IN into the model and writes the model back to\n"
         "                            OUT (XML unless --binary), replacing OUT atomically.\n"

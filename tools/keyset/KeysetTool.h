@@ -68,8 +68,8 @@ public:
     static void describe(TVKModelData& model, QTextStream& out);
     // A repair as one line naming keyset, layer, group and control.
     static QString describeRepair(const ArchiveRepair& repair);
-    // Tabs, newlines, carriage returns and backslashes as \t, \n, \r and \\, so that every
-    // description stays one line of six tab-separated fields.
+    // Tabs and newlines as \t and \n, so that every description stays one line of six
+    // tab-separated fields; every other character is written as it is.
     static QString escapeField(const QString& text);
 
     static QString usage();
