@@ -16,22 +16,9 @@ using namespace corvane::test;
 
 namespace {
 
-QByteArray hex(const char* text)
-{
-    return QByteArray::fromHex(QByteArray(text).replace(' ', ""));
-}
-
-class MessengerTest : public ::testing::Test
+class MessengerTest : public LinkTest
 {
 protected:
-    void SetUp() override
-    {
-        ensureApplication();
-        TVKKeyset::resetTargetIDs();
-        model = std::make_unique<CorvaneModelData>();
-        delegate.model = model.get();
-    }
-
     QString servicePath() const { return folder.socketPath(QStringLiteral("TVK_Corvane")); }
     QString appPath() const { return folder.socketPath(QStringLiteral("TVK_MessagePort_Crvn")); }
 
@@ -48,10 +35,6 @@ protected:
         ADD_FAILURE() << "no control of type " << type;
         return {0, 0};
     }
-
-    PortFolder folder;
-    std::unique_ptr<CorvaneModelData> model;
-    RecordingDelegate delegate;
 };
 
 PlistValue indices(int keyset, int layer, int group, int control)

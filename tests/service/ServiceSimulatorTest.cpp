@@ -17,25 +17,13 @@ using namespace corvane::test;
 
 namespace {
 
-class ServiceSimulatorTest : public ::testing::Test
+class ServiceSimulatorTest : public LinkTest
 {
 protected:
-    void SetUp() override
-    {
-        ensureApplication();
-        TVKKeyset::resetTargetIDs();
-        model = std::make_unique<CorvaneModelData>();
-        delegate.model = model.get();
-    }
-
     std::unique_ptr<CorvaneMessenger> makeMessenger()
     {
         return std::make_unique<CorvaneMessenger>(&delegate);
     }
-
-    PortFolder folder;
-    std::unique_ptr<CorvaneModelData> model;
-    RecordingDelegate delegate;
 };
 
 QJsonArray wordArray(std::initializer_list<qint64> words)

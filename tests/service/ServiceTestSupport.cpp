@@ -1,6 +1,7 @@
 #include "ServiceTestSupport.h"
 
 #include "TestConfig.h"
+#include "model/TVKKeyset.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -18,6 +19,19 @@ void ensureApplication()
     static char* argv[] = {name, nullptr};
     static QCoreApplication* app = new QCoreApplication(argc, argv);
     (void)app;
+}
+
+void LinkTest::SetUp()
+{
+    ensureApplication();
+    TVKKeyset::resetTargetIDs();
+    model = std::make_unique<CorvaneModelData>();
+    delegate.model = model.get();
+}
+
+QByteArray hex(const char* text)
+{
+    return QByteArray::fromHex(QByteArray(text).replace(' ', ""));
 }
 
 bool spinUntil(const std::function<bool()>& condition, int timeoutMs)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/TVKModelData.h"
 #include "service/MessageFrame.h"
 #include "service/TVKMessengerDelegate.h"
 
@@ -11,6 +12,7 @@
 #include <QString>
 #include <QTemporaryDir>
 #include <functional>
+#include <gtest/gtest.h>
 #include <memory>
 #include <vector>
 
@@ -114,6 +116,21 @@ private:
     QByteArray m_pending;
     std::vector<QJsonObject> m_lines;
 };
+
+// A fresh model, a delegate that records the calls it gets and a private port folder: what every
+// test of a messenger starts from.
+class LinkTest : public ::testing::Test
+{
+protected:
+    void SetUp() override;
+
+    PortFolder folder;
+    std::unique_ptr<CorvaneModelData> model;
+    RecordingDelegate delegate;
+};
+
+// Bytes written as pairs of hexadecimal digits; blanks are ignored.
+QByteArray hex(const char* text);
 
 // Matches a received frame line by its code.
 std::function<bool(const QJsonObject&)> hasCode(const QString& code);
