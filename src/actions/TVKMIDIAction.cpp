@@ -58,14 +58,20 @@ void TVKMIDIAction::storeMessage(Message& message, unsigned& size, const quint8*
         std::memcpy(message.data(), bytes, size);
 }
 
-void TVKMIDIAction::getMidiMessage(quint8* destination, unsigned& ioSize) const
+void TVKMIDIAction::copyMessage(const Message& message, unsigned size, quint8* destination,
+                                unsigned& ioSize)
 {
-    if (m_messageSize <= ioSize && destination) {
-        std::memcpy(destination, m_message.data(), m_messageSize);
-        ioSize = m_messageSize;
+    if (size <= ioSize && destination) {
+        std::memcpy(destination, message.data(), size);
+        ioSize = size;
     } else {
         ioSize = 0;
     }
+}
+
+void TVKMIDIAction::getMidiMessage(quint8* destination, unsigned& ioSize) const
+{
+    copyMessage(m_message, m_messageSize, destination, ioSize);
 }
 
 void TVKMIDIAction::setMidiMessage(const quint8* bytes, unsigned size)
@@ -173,16 +179,7 @@ const TVKMIDIAction::Message& TVK4WayMIDIAction::messageForAxis(int axis) const
 
 void TVK4WayMIDIAction::getMidiMessage(quint8* destination, unsigned& ioSize, int axis) const
 {
-    if (axis == 0) {
-        getMidiMessage(destination, ioSize);
-        return;
-    }
-    if (m_messageSize2 <= ioSize && destination) {
-        std::memcpy(destination, m_message2.data(), m_messageSize2);
-        ioSize = m_messageSize2;
-    } else {
-        ioSize = 0;
-    }
+    copyMessage(messageForAxis(axis), messageSizeForAxis(axis), destination, ioSize);
 }
 
 void TVK4WayMIDIAction::setMidiMessage(const quint8* bytes, unsigned size, int axis)

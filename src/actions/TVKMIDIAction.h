@@ -43,6 +43,9 @@ protected:
     // Reads "TVKMMsg"-style data: at most three bytes are kept.
     static unsigned readMessage(const corvane::PlistValue& data, Message& message);
     static void storeMessage(Message& message, unsigned& size, const quint8* bytes, unsigned count);
+    // The getMidiMessage rule for one stored message.
+    static void copyMessage(const Message& message, unsigned size, quint8* destination,
+                            unsigned& ioSize);
     // " value" for the placeholder, else the byte as two hex digits and a blank.
     static QString describeDataByte(quint8 byte);
 
