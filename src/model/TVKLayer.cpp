@@ -70,7 +70,10 @@ TVKControlGroup TVKLayer::createGroupFromTable(const TVKControlInitTable* table,
                                                int minimum, int maximum)
 {
     TVKControlGroup group;
-    group.reserve(std::size_t(std::max(minimum, 0)));
+    // Room for the whole table at once: filling grows the group no further.
+    const std::size_t count =
+        table ? std::min(table->size(), std::size_t(std::max(maximum, 0))) : 0;
+    group.reserve(std::max(count, std::size_t(std::max(minimum, 0))));
     fillGroupFromTable(group, table, groupID, maximum);
     return group;
 }
