@@ -15,7 +15,7 @@ namespace {
 using LayerTest = ModelTest;
 
 // Per group: the number of controls, the type of each control by range, and a few names.
-struct GroupSpec
+struct ExpectedGroup
 {
     int group;
     int count;
@@ -24,7 +24,7 @@ struct GroupSpec
     std::vector<std::pair<int, const char*>> names;
 };
 
-const GroupSpec kGroups[] = {
+const ExpectedGroup kGroups[] = {
     {0, 5, ControlType::Button, {}, {{0, "M1"}, {4, "M5"}}},
     {1,
      7,
@@ -87,7 +87,7 @@ const GroupSpec kGroups[] = {
     {30, 32, ControlType::Button, {}, {{0, "TLW2 Encoder Switch 1"}}},
 };
 
-const GroupSpec kDisplayGroups[] = {
+const ExpectedGroup kDisplayGroups[] = {
     {0,
      6,
      ControlType::LCDDisplay,
@@ -131,30 +131,30 @@ const std::type_info& classOfType(int type)
     return typeid(void);
 }
 
-void checkGroups(const std::vector<TVKControlGroup>& groups, const GroupSpec* specs,
-                 std::size_t specCount, const TVKLayer& layer)
+void checkGroups(const std::vector<TVKControlGroup>& groups, const ExpectedGroup* expectedGroups,
+                 std::size_t expectedCount, const TVKLayer& layer)
 {
-    ASSERT_EQ(groups.size(), specCount);
-    for (std::size_t s = 0; s < specCount; ++s) {
-        const GroupSpec& spec = specs[s];
-        const TVKControlGroup& group = groups[std::size_t(spec.group)];
-        ASSERT_EQ(int(group.size()), spec.count) << "group " << spec.group;
-        for (int i = 0; i < spec.count; ++i) {
-            int type = spec.type;
-            for (const auto& [index, exceptionType] : spec.exceptions) {
+    ASSERT_EQ(groups.size(), expectedCount);
+    for (std::size_t s = 0; s < expectedCount; ++s) {
+        const ExpectedGroup& expected = expectedGroups[s];
+        const TVKControlGroup& group = groups[std::size_t(expected.group)];
+        ASSERT_EQ(int(group.size()), expected.count) << "group " << expected.group;
+        for (int i = 0; i < expected.count; ++i) {
+            int type = expected.type;
+            for (const auto& [index, exceptionType] : expected.exceptions) {
                 if (index == i)
                     type = exceptionType;
             }
             const TVKControl& control = *group[std::size_t(i)];
-            EXPECT_EQ(control.type(), type) << "group " << spec.group << " control " << i;
-            EXPECT_EQ(typeid(control), classOfType(type)) << "group " << spec.group;
-            EXPECT_EQ(control.groupID(), spec.group);
+            EXPECT_EQ(control.type(), type) << "group " << expected.group << " control " << i;
+            EXPECT_EQ(typeid(control), classOfType(type)) << "group " << expected.group;
+            EXPECT_EQ(control.groupID(), expected.group);
             EXPECT_EQ(control.index(), i);
             EXPECT_EQ(control.layer(), &layer);
             EXPECT_EQ(control.action(), nullptr);
             EXPECT_TRUE(control.userName().isEmpty());
         }
-        for (const auto& [index, name] : spec.names)
+        for (const auto& [index, name] : expected.names)
             EXPECT_EQ(group[std::size_t(index)]->name(), QString::fromUtf8(name));
     }
 }
