@@ -361,4 +361,15 @@ TEST_F(ServiceSimulatorTest, ReadsABareConfigurationAndRefusesAnUnreadableOne)
     // The file it could not read is left as it was.
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_TRUE(file.readAll().endsWith("<key>TVK"));
+    file.close();
+
+    // A preference store whose configuration entry is of the wrong kind is refused too, not
+    // taken for an empty configuration.
+    PlistValue store = PlistValue::makeDict();
+    store.insert(QStringLiteral("TVKModelData"), PlistValue(QStringLiteral("damaged")));
+    const QString damaged = folder.path() + QStringLiteral("/damaged.plist");
+    ASSERT_TRUE(PlistCodec::writeFile(damaged, store));
+    SimulatorProcess refused(folder, {QStringLiteral("--config"), damaged});
+    EXPECT_FALSE(refused.start());
+    EXPECT_EQ(refused.process().exitCode(), 1);
 }

@@ -45,6 +45,11 @@ bool ConfigMirror::load(const QString& path, QString* reason)
         return false;
     }
     const PlistValue& stored = read.value.value(u"TVKModelData");
+    if (read.value.contains(u"TVKModelData") && !stored.isDict()) {
+        // A store whose configuration entry is damaged is not a configuration of its own.
+        *reason = QStringLiteral("%1: \"TVKModelData\" is not a dictionary").arg(path);
+        return false;
+    }
     m_model = std::make_unique<CorvaneModelData>(stored.isDict() ? stored : read.value);
     return true;
 }
