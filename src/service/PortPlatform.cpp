@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <sys/socket.h>
@@ -50,7 +51,10 @@ void PortPlatform::setCurrent(const PortPlatform* platform)
 
 QString PortPlatform::portPath(const QString& portName)
 {
-    if (portName.isEmpty() || portName.contains(QLatin1Char('/')) ||
+    // A zero byte would cut the socket path short and make two names one.
+    const bool control =
+        std::any_of(portName.cbegin(), portName.cend(), [](QChar c) { return c.unicode() < 0x20; });
+    if (portName.isEmpty() || control || portName.contains(QLatin1Char('/')) ||
         portName == QLatin1String(".") || portName == QLatin1String("..")) {
         refuse(QStringLiteral("message port name \"%1\" is not a plain name").arg(portName));
         return QString();

@@ -363,4 +363,8 @@ TEST_F(MessagePortTest, UnsafeOrUnusableFoldersAreRefused)
     // Names cannot climb out of the folder.
     LogCapture capture;
     EXPECT_FALSE(LocalMessagePort::create(QStringLiteral("../TVK_App"), nullptr));
+    // Nor be cut short: the local name of an ID of zero bytes.
+    EXPECT_FALSE(
+        LocalMessagePort::create(QStringLiteral("TVK_App") + QString(4, QChar(0)), nullptr));
+    EXPECT_TRUE(logContains(capture, QStringLiteral("is not a plain name")));
 }
