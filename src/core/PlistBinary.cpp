@@ -471,7 +471,7 @@ private:
     {
         switch (o.kind) {
         case Kind::String:
-            return hashBytes(std::string_view(reinterpret_cast<const char*>(o.text->utf16()),
+            return hashBytes(std::string_view(reinterpret_cast<const char*>(o.text->constData()),
                                               std::size_t(o.text->size()) * 2));
         case Kind::Data:
             return hashBytes(std::string_view(o.bytes->constData(), std::size_t(o.bytes->size()))) ^
@@ -536,12 +536,42 @@ private:
         return unique(o);
     }
 
+    // Keys and names are mostly shared texts: the same characters at the same address are the
+    // same string, found without hashing or comparing them. The tree is not changed while it is
+    // written, so an address cannot be reused for other text meanwhile.
     std::uint32_t text(const QString& s)
     {
+        if (m_seen.empty())
+            m_seen.assign(1024, Seen{});
+        const QChar* data = s.constData();
+        const auto size = std::uint32_t(s.size());
+        std::size_t mask = m_seen.size() - 1;
+        std::size_t i = std::size_t(mix(std::uint64_t(std::uintptr_t(data)) ^ size)) & mask;
+        while (m_seen[i].data) {
+            if (m_seen[i].data == data && m_seen[i].size == size)
+                return m_seen[i].index;
+            i = (i + 1) & mask;
+        }
         Object o{};
         o.kind = Kind::String;
         o.text = &s;
-        return unique(o);
+        const std::uint32_t index = unique(o);
+        m_seen[i] = Seen{data, size, index};
+        if (++m_seenUsed * 2 > m_seen.size()) {
+            std::vector<Seen> old(m_seen.size() * 2);
+            old.swap(m_seen);
+            mask = m_seen.size() - 1;
+            for (const Seen& e : old) {
+                if (!e.data)
+                    continue;
+                std::size_t j =
+                    std::size_t(mix(std::uint64_t(std::uintptr_t(e.data)) ^ e.size)) & mask;
+                while (m_seen[j].data)
+                    j = (j + 1) & mask;
+                m_seen[j] = e;
+            }
+        }
+        return index;
     }
 
     // Adds the value and everything below it; containers come before their children, so the
@@ -632,16 +662,9 @@ private:
         const auto& entries = PlistBuilder::entries(v);
         result = container(Kind::Dict, 0);
         const std::size_t mark = m_order.size();
-        for (std::size_t i = 0; i < entries.size(); ++i) {
-            if (!entries[i].second.isNull())
-                m_order.push_back(std::uint32_t(i));
-        }
-        const std::size_t count = m_order.size() - mark;
         // Sorted like the XML form, so equal trees give equal bytes.
-        std::sort(m_order.begin() + qsizetype(mark), m_order.end(),
-                  [&entries](std::uint32_t a, std::uint32_t b) {
-                      return entries[a].first.text() < entries[b].first.text();
-                  });
+        m_keyOrder.sorted(entries, m_order);
+        const std::size_t count = m_order.size() - mark;
         for (std::size_t k = 0; k < count; ++k)
             m_refs.push_back(text(entries[m_order[mark + k]].first.text()));
         for (std::size_t k = 0; k < count; ++k) {
@@ -707,7 +730,7 @@ private:
             return;
         case Kind::String: {
             const QString& s = *o.text;
-            const char16_t* u = reinterpret_cast<const char16_t*>(s.utf16());
+            const char16_t* u = reinterpret_cast<const char16_t*>(s.constData());
             const std::size_t n = std::size_t(s.size());
             const bool ascii = std::all_of(u, u + n, [](char16_t c) { return c < 0x80; });
             header(ascii ? 0x5 : 0x6, n);
@@ -748,8 +771,17 @@ private:
     std::vector<std::uint32_t> m_refs;
     std::vector<std::uint32_t> m_flat;
     std::vector<std::uint32_t> m_order;
+    KeyOrder m_keyOrder;
     std::vector<Slot> m_slots;
     std::size_t m_used = 0;
+    struct Seen
+    {
+        const QChar* data = nullptr;
+        std::uint32_t size = 0;
+        std::uint32_t index = 0;
+    };
+    std::vector<Seen> m_seen;
+    std::size_t m_seenUsed = 0;
     unsigned m_refSize = 1;
 };
 

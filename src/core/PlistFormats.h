@@ -8,6 +8,8 @@
 #include <QByteArray>
 #include <QIODevice>
 #include <QString>
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <functional>
 #include <vector>
@@ -66,6 +68,80 @@ private:
     QIODevice* m_device = nullptr;
     bool m_failed = false;
     QString m_error;
+};
+
+// The writers put a dictionary's entries in key order. Dictionaries of one kind (every control,
+// every action) hold the same shared keys in the same order, so the order is worked out once
+// per kind and reused; the keys are shared and the tree does not change while it is written,
+// so equal key addresses mean equal keys.
+class KeyOrder
+{
+public:
+    // Appends the indices of the entries that are not null, sorted by key.
+    void sorted(const std::vector<PlistEntry>& entries, std::vector<std::uint32_t>& order)
+    {
+        const std::size_t mark = order.size();
+        std::uint64_t signature = entries.size();
+        bool shared = true;
+        for (std::size_t i = 0; i < entries.size(); ++i) {
+            if (entries[i].second.isNull())
+                continue;
+            order.push_back(std::uint32_t(i));
+            const void* key = entries[i].first.node();
+            shared = shared && key;
+            signature = (signature ^ std::uint64_t(std::uintptr_t(key))) * 0xFF51AFD7ED558CCDull;
+            signature ^= signature >> 31;
+        }
+        const std::size_t count = order.size() - mark;
+        if (count < 2)
+            return;
+        std::uint32_t* first = order.data() + mark;
+        const auto byKey = [&entries](std::uint32_t a, std::uint32_t b) {
+            return entries[a].first.text() < entries[b].first.text();
+        };
+        if (!shared || count > kMaxKeys) {
+            std::sort(first, first + count, byKey);
+            return;
+        }
+        Memo& memo = m_memos[signature & (kMemos - 1)];
+        bool hit = memo.signature == signature && memo.count == count;
+        for (std::size_t k = 0; hit && k < count; ++k)
+            hit = memo.keys[k] == entries[first[k]].first.node();
+        if (hit) {
+            std::uint32_t unsorted[kMaxKeys];
+            std::copy(first, first + count, unsorted);
+            for (std::size_t k = 0; k < count; ++k)
+                first[k] = unsorted[memo.position[k]];
+            return;
+        }
+        memo.signature = signature;
+        memo.count = count;
+        std::uint8_t position[kMaxKeys];
+        for (std::size_t k = 0; k < count; ++k) {
+            memo.keys[k] = entries[first[k]].first.node();
+            position[k] = std::uint8_t(k);
+        }
+        std::sort(position, position + count,
+                  [&](std::uint8_t a, std::uint8_t b) { return byKey(first[a], first[b]); });
+        std::uint32_t unsorted[kMaxKeys];
+        std::copy(first, first + count, unsorted);
+        for (std::size_t k = 0; k < count; ++k) {
+            memo.position[k] = position[k];
+            first[k] = unsorted[position[k]];
+        }
+    }
+
+private:
+    static constexpr std::size_t kMaxKeys = 16;
+    static constexpr std::size_t kMemos = 16;
+    struct Memo
+    {
+        std::uint64_t signature = 0;
+        std::size_t count = 0;
+        const void* keys[kMaxKeys] = {};
+        std::uint8_t position[kMaxKeys] = {};
+    };
+    Memo m_memos[kMemos];
 };
 
 // Gives back pages of a mapped file once the reader has passed them.

@@ -6,12 +6,19 @@
 #include <QTimeZone>
 #include <QVariantList>
 #include <QVariantMap>
+#include <array>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <limits>
 #include <utility>
 #include <vector>
 
 namespace corvane {
+
+namespace {
+constexpr std::size_t kFirstDictCapacity = 6;
+}
 
 // Nodes carry no virtual functions (the value type inlines their reference count), so copying
 // and freeing go by kind.
@@ -330,16 +337,61 @@ bool PlistValue::contains(QStringView key) const
     return d && d->indexOf(key) >= 0;
 }
 
+namespace {
+
+// Writers of the model insert millions of entries under a few dozen literal keys. A literal's
+// characters never move, so the address and length of the text find the shared key without
+// hashing it or allocating; comparing the characters keeps a reused buffer from answering with
+// a stale key.
+class KeyCache
+{
+public:
+    PlistKey keyFor(const QString& text)
+    {
+        const QChar* data = text.constData();
+        const auto size = text.size();
+        auto bits = std::uintptr_t(data) ^ std::uintptr_t(size);
+        bits ^= bits >> 4;
+        bits ^= bits >> 10;
+        Slot& slot = m_slots[bits & (kSlots - 1)];
+        if (slot.data == data && slot.key.text().size() == size &&
+            std::memcmp(slot.key.text().constData(), data, std::size_t(size) * sizeof(QChar)) == 0)
+            return slot.key;
+        // Text that is not reference-counted (a literal, or raw data over someone's buffer) is
+        // copied, so that the key owns characters that cannot change under it.
+        slot.key = text.data_ptr().isMutable() ? PlistKey(text) : PlistKey(QString(data, size));
+        slot.data = data;
+        return slot.key;
+    }
+
+private:
+    static constexpr std::size_t kSlots = 512;
+    struct Slot
+    {
+        const QChar* data = nullptr;
+        PlistKey key;
+    };
+    std::array<Slot, kSlots> m_slots;
+};
+
+} // namespace
+
 void PlistValue::insert(const QString& key, PlistValue value)
 {
     DictNode* d = mutableDict();
     if (!d)
         return;
     const qsizetype i = d->indexOf(key);
-    if (i >= 0)
+    if (i >= 0) {
         d->entries[std::size_t(i)].second = std::move(value);
-    else
-        d->entries.emplace_back(PlistKey(key), std::move(value));
+        return;
+    }
+    // Control and action dictionaries are built one entry at a time; one allocation that
+    // holds them all beats growing through 1, 2 and 4 entries.
+    if (d->entries.capacity() == 0)
+        d->entries.reserve(kFirstDictCapacity);
+    thread_local KeyCache cache;
+    d->entries.emplace_back(cache.keyFor(key), std::move(value));
 }
 
 bool PlistValue::remove(QStringView key)

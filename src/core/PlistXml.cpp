@@ -737,7 +737,8 @@ private:
 
     void escaped(const QString& s)
     {
-        const char16_t* u = reinterpret_cast<const char16_t*>(s.utf16());
+        // constData(), not utf16(): the latter copies literal text to terminate it.
+        const char16_t* u = reinterpret_cast<const char16_t*>(s.constData());
         const std::size_t n = std::size_t(s.size());
         std::size_t i = 0;
         while (i < n) {
@@ -908,18 +909,12 @@ private:
     {
         const auto& entries = PlistBuilder::entries(v);
         const std::size_t mark = m_order.size();
-        for (std::size_t i = 0; i < entries.size(); ++i) {
-            if (!entries[i].second.isNull())
-                m_order.push_back(std::uint32_t(i));
-        }
+        // Sorted, so equal trees give equal files.
+        m_keyOrder.sorted(entries, m_order);
         if (m_order.size() == mark) {
             line(depth, "<dict/>\n");
             return true;
         }
-        std::sort(m_order.begin() + qsizetype(mark), m_order.end(),
-                  [&entries](std::uint32_t a, std::uint32_t b) {
-                      return entries[a].first.text() < entries[b].first.text();
-                  });
         line(depth, "<dict>\n");
         const std::size_t count = m_order.size() - mark;
         for (std::size_t k = 0; k < count; ++k) {
@@ -971,6 +966,7 @@ private:
     Sink& m_out;
     QString& m_error;
     std::vector<std::uint32_t> m_order;
+    KeyOrder m_keyOrder;
 };
 
 } // namespace

@@ -296,6 +296,66 @@ TEST(PlistCodec, RepeatedNamesShareOneCopy)
     }
 }
 
+TEST(PlistCodec, DictionariesOfOneKindAreWrittenInKeyOrder)
+{
+    // Thousands of dictionaries share their keys; each one must still come out sorted, whatever
+    // order its keys were inserted in and whichever of its values are null.
+    PlistValue list = PlistValue::makeArray();
+    for (int i = 0; i < 40; ++i) {
+        PlistValue d = PlistValue::makeDict();
+        switch (i % 4) {
+        case 0:
+            d.insert(QStringLiteral("b"), PlistValue(qint64(i)));
+            d.insert(QStringLiteral("a"), PlistValue(qint64(i)));
+            d.insert(QStringLiteral("c"), PlistValue(qint64(i)));
+            break;
+        case 1:
+            d.insert(QStringLiteral("c"), PlistValue(qint64(i)));
+            d.insert(QStringLiteral("b"), PlistValue(qint64(i)));
+            d.insert(QStringLiteral("a"), PlistValue(qint64(i)));
+            break;
+        case 2:
+            d.insert(QStringLiteral("b"), PlistValue(qint64(i)));
+            d.insert(QStringLiteral("a"), PlistValue());
+            d.insert(QStringLiteral("c"), PlistValue(qint64(i)));
+            break;
+        default:
+            d.insert(QStringLiteral("b"), PlistValue(qint64(i)));
+            d.insert(QStringLiteral("a"), PlistValue(qint64(i)));
+            d.insert(QStringLiteral("c"), PlistValue(qint64(i)));
+            d.insert(QStringLiteral("B"), PlistValue(qint64(i)));
+            break;
+        }
+        list.append(d);
+    }
+    const QByteArray xml = PlistCodec::write(list, PlistFormat::Xml);
+    QStringList keys;
+    QStringList seen;
+    for (const QByteArray& line : xml.split('\n')) {
+        const QByteArray t = line.trimmed();
+        if (t.startsWith("<key>")) {
+            keys.append(QString::fromUtf8(t.mid(5, t.size() - 11)));
+        } else if (t == "</dict>") {
+            seen.append(keys.join(QLatin1Char(',')));
+            keys.clear();
+        }
+    }
+    ASSERT_EQ(seen.size(), 40);
+    for (int i = 0; i < 40; ++i) {
+        const char* expected[] = {"a,b,c", "a,b,c", "b,c", "B,a,b,c"};
+        EXPECT_EQ(seen[i], QString::fromLatin1(expected[i % 4])) << i;
+    }
+    const PlistValue back = PlistCodec::read(xml).value;
+    PlistValue expected = list;
+    for (int i = 2; i < 40; i += 4)
+        expected.findAt(i)->remove(u"a");
+    EXPECT_EQ(back, expected);
+    // Both forms agree, whether the keys were inserted or read.
+    EXPECT_EQ(PlistCodec::write(list, PlistFormat::Binary),
+              PlistCodec::write(back, PlistFormat::Binary));
+    EXPECT_EQ(PlistCodec::read(PlistCodec::write(list, PlistFormat::Binary)).value, expected);
+}
+
 TEST(PlistCodec, MalformedXmlIsRefusedWithPositionAndReason)
 {
     const std::string deep = std::string("<plist>") + [] {

@@ -68,3 +68,31 @@ TEST(PlistValue, DictionariesCompareAsSetsAndConvertToVariants)
     EXPECT_EQ(map.value(QStringLiteral("when")).toDateTime().toSecsSinceEpoch(), 978307200);
     EXPECT_EQ(PlistValue::fromVariant(map), a);
 }
+
+TEST(PlistValue, KeysFollowTheirTextNotItsAddress)
+{
+    // The same buffer read as a key twice with different contents gives two different keys;
+    // literals inserted again and again give equal keys.
+    QChar buffer[] = {QChar(u'a'), QChar(u'b')};
+    PlistValue first = PlistValue::makeDict();
+    first.insert(QString::fromRawData(buffer, 2), PlistValue(qint64(1)));
+    buffer[0] = QChar(u'x');
+    PlistValue second = PlistValue::makeDict();
+    second.insert(QString::fromRawData(buffer, 2), PlistValue(qint64(2)));
+    buffer[0] = QChar(u'z');
+    EXPECT_EQ(first.keyAt(0), QStringLiteral("ab"));
+    EXPECT_EQ(second.keyAt(0), QStringLiteral("xb"));
+
+    PlistValue controls = PlistValue::makeArray();
+    for (int i = 0; i < 3; ++i) {
+        PlistValue control = PlistValue::makeDict();
+        for (int k = 0; k < 9; ++k)
+            control.insert(QStringLiteral("TVKName"), PlistValue(qint64(k)));
+        control.insert(QStringLiteral("TVKType"), PlistValue(qint64(i)));
+        EXPECT_EQ(control.size(), 2);
+        EXPECT_EQ(control.value(u"TVKName").toInteger(), 8);
+        controls.append(control);
+    }
+    EXPECT_EQ(controls.at(2).keys(),
+              (QStringList{QStringLiteral("TVKName"), QStringLiteral("TVKType")}));
+}
