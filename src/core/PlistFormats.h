@@ -133,7 +133,7 @@ public:
 
 private:
     static constexpr std::size_t kMaxKeys = 16;
-    static constexpr std::size_t kMemos = 16;
+    static constexpr std::size_t kMemos = 64;
     struct Memo
     {
         std::uint64_t signature = 0;

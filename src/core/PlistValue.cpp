@@ -381,17 +381,20 @@ void PlistValue::insert(const QString& key, PlistValue value)
     DictNode* d = mutableDict();
     if (!d)
         return;
-    const qsizetype i = d->indexOf(key);
-    if (i >= 0) {
-        d->entries[std::size_t(i)].second = std::move(value);
-        return;
+    thread_local KeyCache cache;
+    PlistKey shared = cache.keyFor(key);
+    // Shared keys compare by address and then by their kept hash, not by their text.
+    for (PlistEntry& entry : d->entries) {
+        if (entry.first == shared) {
+            entry.second = std::move(value);
+            return;
+        }
     }
     // Control and action dictionaries are built one entry at a time; one allocation that
     // holds them all beats growing through 1, 2 and 4 entries.
     if (d->entries.capacity() == 0)
         d->entries.reserve(kFirstDictCapacity);
-    thread_local KeyCache cache;
-    d->entries.emplace_back(cache.keyFor(key), std::move(value));
+    d->entries.emplace_back(std::move(shared), std::move(value));
 }
 
 bool PlistValue::remove(QStringView key)
