@@ -55,6 +55,10 @@ public:
     const QString& error() const { return m_error; }
     // Bytes written so far, including chunks already handed to the device.
     std::uint64_t total() const { return m_flushed + m_length; }
+    // Whether bytes written since the running total was `mark` have gone to the device already.
+    bool flushedSince(std::uint64_t mark) const { return mark < m_flushed; }
+    // The last `n` bytes still in the buffer.
+    const char* tail(std::size_t n) const { return m_data + m_length - n; }
 
 private:
     void grow(std::size_t n);

@@ -10,6 +10,10 @@
 #include <string>
 #include <string_view>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace corvane::plist {
 
 namespace {
@@ -735,6 +739,67 @@ private:
         m_out.commit(d + depth);
     }
 
+    // Eight UTF-16 units at a time while they are plain ASCII text: names and numbers in a
+    // configuration are almost always that. Returns where the plain run ends.
+    static std::size_t plainRun(const char16_t* u, std::size_t i, std::size_t stop, char*& d)
+    {
+#if defined(__SSE2__)
+        const __m128i space = _mm_set1_epi16(0x20);
+        const __m128i ascii = _mm_set1_epi16(0x7F);
+        const __m128i amp = _mm_set1_epi16('&');
+        const __m128i lt = _mm_set1_epi16('<');
+        const __m128i gt = _mm_set1_epi16('>');
+        while (i + 8 <= stop) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(u + i));
+            // Signed compares: units from 0x8000 up count as below the space, so they stop the
+            // run as well.
+            const __m128i special = _mm_or_si128(
+                _mm_or_si128(_mm_cmplt_epi16(v, space), _mm_cmpgt_epi16(v, ascii)),
+                _mm_or_si128(_mm_cmpeq_epi16(v, amp),
+                             _mm_or_si128(_mm_cmpeq_epi16(v, lt), _mm_cmpeq_epi16(v, gt))));
+            if (_mm_movemask_epi8(special))
+                break;
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(d), _mm_packus_epi16(v, v));
+            d += 8;
+            i += 8;
+        }
+#else
+        (void)u;
+        (void)stop;
+        (void)d;
+#endif
+        return i;
+    }
+
+    // A key's line is written once per key and then copied: the same few shared keys make up
+    // half the lines of a configuration, and the tree does not change while it is written.
+    void key(const PlistKey& key, int depth)
+    {
+        const PlistKeyNode* node = key.node();
+        auto bits = std::uintptr_t(node);
+        bits ^= bits >> 4;
+        bits ^= bits >> 12;
+        RenderedKey& slot = m_renderedKeys[bits & (kRenderedKeys - 1)];
+        if (!node || slot.node != node) {
+            line(depth, "<key>");
+            const std::uint64_t start = m_out.total();
+            escaped(key.text());
+            m_out.put("</key>\n");
+            if (node && !m_out.flushedSince(start)) {
+                slot.node = node;
+                slot.text.assign(m_out.tail(std::size_t(m_out.total() - start)),
+                                 std::size_t(m_out.total() - start));
+            }
+            return;
+        }
+        char* d = m_out.reserve(std::size_t(depth) + 5 + slot.text.size());
+        std::memset(d, '\t', std::size_t(depth));
+        d += depth;
+        std::memcpy(d, "<key>", 5);
+        std::memcpy(d + 5, slot.text.data(), slot.text.size());
+        m_out.commit(d + 5 + slot.text.size());
+    }
+
     void escaped(const QString& s)
     {
         // constData(), not utf16(): the latter copies literal text to terminate it.
@@ -746,6 +811,9 @@ private:
             // At most eight bytes per UTF-16 unit ("&#xDFFF;"), plus a pair's second half.
             char* d = m_out.reserve((stop - i) * 8 + 8);
             while (i < stop) {
+                i = plainRun(u, i, stop, d);
+                if (i == stop)
+                    break;
                 const char16_t c = u[i++];
                 if (c < 0x80) {
                     if (c >= 0x20 || c == '\t' || c == '\n') {
@@ -919,9 +987,7 @@ private:
         const std::size_t count = m_order.size() - mark;
         for (std::size_t k = 0; k < count; ++k) {
             const PlistEntry& entry = entries[m_order[mark + k]];
-            line(depth + 1, "<key>");
-            escaped(entry.first.text());
-            m_out.put("</key>\n");
+            key(entry.first, depth + 1);
             if (!element(entry.second, depth + 1))
                 return false;
         }
@@ -967,6 +1033,13 @@ private:
     QString& m_error;
     std::vector<std::uint32_t> m_order;
     KeyOrder m_keyOrder;
+    struct RenderedKey
+    {
+        const PlistKeyNode* node = nullptr;
+        std::string text; // after "<key>", up to and including the line end
+    };
+    static constexpr std::size_t kRenderedKeys = 256;
+    std::vector<RenderedKey> m_renderedKeys = std::vector<RenderedKey>(kRenderedKeys);
 };
 
 } // namespace

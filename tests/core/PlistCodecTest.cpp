@@ -688,3 +688,34 @@ TEST(PlistCodec, LargeFilesReadBackWhole)
         EXPECT_EQ(r.value, root);
     }
 }
+
+TEST(PlistCodec, CharactersNeedingCareAreWrittenWhereverTheyFall)
+{
+    // Each special character at every position of texts longer than the runs the writer copies
+    // in one step, as values and as keys used by many dictionaries.
+    const std::pair<char16_t, const char*> cases[] = {
+        {u'&', "&amp;"},         {u'<', "&lt;"},
+        {u'>', "&gt;"},          {u'\t', "\t"},
+        {u'\r', "&#xD;"},        {u'\x1', "&#x1;"},
+        {u'\xE9', "\xC3\xA9"},   {u'\x20AC', "\xE2\x82\xAC"},
+        {u'\xFFFE', "&#xFFFE;"}, {u'\xD800', "&#xD800;"},
+        {u'\x7F', "\x7F"}};
+    for (const auto& [c, written] : cases) {
+        for (int at = 0; at < 19; ++at) {
+            QString text = QStringLiteral("abcdefghijklmnopqr");
+            text.insert(at, QChar(c));
+            QByteArray expected = QStringLiteral("abcdefghijklmnopqr").toUtf8();
+            expected.insert(at, written);
+            PlistValue list = PlistValue::makeArray();
+            for (int i = 0; i < 3; ++i) {
+                PlistValue d = PlistValue::makeDict();
+                d.insert(text, PlistValue(text));
+                list.append(d);
+            }
+            const QByteArray xml = PlistCodec::write(list, PlistFormat::Xml);
+            EXPECT_EQ(xml.count("<key>" + expected + "</key>\n"), 3) << int(c) << ' ' << at;
+            EXPECT_EQ(xml.count("<string>" + expected + "</string>\n"), 3) << int(c) << ' ' << at;
+            EXPECT_EQ(PlistCodec::read(xml).value, list) << int(c) << ' ' << at;
+        }
+    }
+}
