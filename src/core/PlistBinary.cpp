@@ -18,11 +18,22 @@ constexpr std::size_t kHeaderSize = 8;
 
 std::uint64_t bigEndian(const unsigned char* p, unsigned size)
 {
-    // References and offsets are one or two bytes in all but huge documents.
+    // References and offsets are one or two bytes in small documents and four in a whole
+    // configuration; numbers, reals and dates take eight.
     if (size == 1)
         return p[0];
     if (size == 2)
         return std::uint64_t(p[0]) << 8 | p[1];
+    if (size == 4) {
+        std::uint32_t w;
+        std::memcpy(&w, p, 4);
+        return __builtin_bswap32(w);
+    }
+    if (size == 8) {
+        std::uint64_t w;
+        std::memcpy(&w, p, 8);
+        return __builtin_bswap64(w);
+    }
     std::uint64_t v = 0;
     for (unsigned i = 0; i < size; ++i)
         v = (v << 8) | p[i];

@@ -118,10 +118,26 @@ struct PlistValue::DictNode final : Node
         copy->entries = entries;
         return copy;
     }
+    // Archive readers look up every field of every control by name: compared here character
+    // by character, since keys of one dictionary mostly differ within their first few.
     qsizetype indexOf(QStringView key) const
     {
+        const qsizetype n = key.size();
+        const QChar* wanted = key.data();
         for (std::size_t i = 0; i < entries.size(); ++i) {
-            if (entries[i].first.text() == key)
+            const PlistKeyNode* node = entries[i].first.node();
+            if (!node) {
+                if (n == 0)
+                    return qsizetype(i);
+                continue;
+            }
+            if (node->text.size() != n)
+                continue;
+            const QChar* text = node->text.constData();
+            qsizetype j = 0;
+            while (j < n && text[j] == wanted[j])
+                ++j;
+            if (j == n)
                 return qsizetype(i);
         }
         return -1;
