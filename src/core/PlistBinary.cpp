@@ -400,6 +400,16 @@ unsigned bytesFor(std::uint64_t v)
 
 inline char* putBigEndian(char* d, std::uint64_t v, unsigned size)
 {
+    if (size == 4) {
+        const std::uint32_t w = __builtin_bswap32(std::uint32_t(v));
+        std::memcpy(d, &w, 4);
+        return d + 4;
+    }
+    if (size == 8) {
+        const std::uint64_t w = __builtin_bswap64(v);
+        std::memcpy(d, &w, 8);
+        return d + 8;
+    }
     for (unsigned i = size; i-- > 0;) {
         d[i] = char(v & 0xFF);
         v >>= 8;
@@ -585,6 +595,24 @@ private:
         return index;
     }
 
+    // A configuration has a few dozen shared keys, used millions of times: a small table by
+    // the key's shared storage answers before the table of all texts is consulted.
+    std::uint32_t key(const PlistKey& k)
+    {
+        const PlistKeyNode* node = k.node();
+        if (!node)
+            return text(k.text());
+        auto bits = std::uintptr_t(node);
+        bits ^= bits >> 4;
+        bits ^= bits >> 12;
+        KeySlot& slot = m_keySlots[bits & (kKeySlots - 1)];
+        if (slot.node != node) {
+            slot.node = node;
+            slot.index = text(node->text);
+        }
+        return slot.index;
+    }
+
     // Adds the value and everything below it; containers come before their children, so the
     // top object is object 0. Returns false for a tree too deep to read back.
     bool add(const PlistValue& v, int depth, std::uint32_t* index = nullptr)
@@ -677,7 +705,7 @@ private:
         m_keyOrder.sorted(entries, m_order);
         const std::size_t count = m_order.size() - mark;
         for (std::size_t k = 0; k < count; ++k)
-            m_refs.push_back(text(entries[m_order[mark + k]].first.text()));
+            m_refs.push_back(key(entries[m_order[mark + k]].first));
         for (std::size_t k = 0; k < count; ++k) {
             std::uint32_t child;
             if (!add(entries[m_order[mark + k]].second, depth + 1, &child))
@@ -792,6 +820,13 @@ private:
         std::uint32_t index = 0;
     };
     std::vector<Seen> m_seen;
+    struct KeySlot
+    {
+        const PlistKeyNode* node = nullptr;
+        std::uint32_t index = 0;
+    };
+    static constexpr std::size_t kKeySlots = 256;
+    KeySlot m_keySlots[kKeySlots] = {};
     std::size_t m_seenUsed = 0;
     unsigned m_refSize = 1;
 };
