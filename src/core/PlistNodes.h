@@ -8,6 +8,8 @@
 #include <QHashFunctions>
 #include <QString>
 #include <atomic>
+#include <cstdint>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -118,8 +120,8 @@ struct PlistValue::DictNode final : Node
         copy->entries = entries;
         return copy;
     }
-    // Archive readers look up every field of every control by name: compared here character
-    // by character, since keys of one dictionary mostly differ within their first few.
+    // Archive readers look up every field of every control by name: compared here in place,
+    // since keys of one dictionary mostly differ within their first few characters.
     qsizetype indexOf(QStringView key) const
     {
         const qsizetype n = key.size();
@@ -135,6 +137,16 @@ struct PlistValue::DictNode final : Node
                 continue;
             const QChar* text = node->text.constData();
             qsizetype j = 0;
+            if (n >= 4) {
+                // Four characters at once: names of one archive share short prefixes.
+                std::uint64_t a;
+                std::uint64_t b;
+                std::memcpy(&a, text, sizeof a);
+                std::memcpy(&b, wanted, sizeof b);
+                if (a != b)
+                    continue;
+                j = 4;
+            }
             while (j < n && text[j] == wanted[j])
                 ++j;
             if (j == n)

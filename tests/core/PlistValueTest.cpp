@@ -93,6 +93,15 @@ TEST(PlistValue, KeysFollowTheirTextNotItsAddress)
         EXPECT_EQ(control.value(u"TVKName").toInteger(), 8);
         controls.append(control);
     }
+    // Lookups tell apart keys of one length that share their first characters.
+    PlistValue action = PlistValue::makeDict();
+    const char16_t* names[] = {u"TVKAppBID", u"TVKAction", u"TVKAppTID", u"TVK", u"TV", u""};
+    for (int i = 0; i < 6; ++i)
+        action.insert(QString::fromUtf16(names[i]), PlistValue(qint64(i)));
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(action.value(QStringView(names[i])).toInteger(-1), i) << i;
+    EXPECT_FALSE(action.contains(u"TVKAppXID"));
+    EXPECT_FALSE(action.contains(u"TVKA"));
     EXPECT_EQ(controls.at(2).keys(),
               (QStringList{QStringLiteral("TVKName"), QStringLiteral("TVKType")}));
 }
