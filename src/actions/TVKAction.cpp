@@ -4,8 +4,7 @@
 
 TVKAction::TVKAction(const corvane::PlistValue& /*archive*/, TVKControl* control)
     : m_owningControl(control)
-{
-}
+{}
 
 corvane::FourCharCode TVKAction::editorTabID() const
 {

@@ -4,7 +4,6 @@
 #include "core/PlistValue.h"
 
 #include <QString>
-
 #include <memory>
 
 class TVKControl;
