@@ -6,7 +6,7 @@ packages=(
     qt6-base-dev libgl-dev
     libpugixml-dev
     libgtest-dev libgmock-dev libbenchmark-dev
-    clang libclang-rt-14-dev
+    clang clang-format libclang-rt-14-dev
     xvfb xauth
 )
 missing=()

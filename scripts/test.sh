@@ -7,6 +7,9 @@ scripts/install-deps.sh
 jobs=$(nproc)
 fuzz_seconds=${CORVANE_FUZZ_SECONDS:-30}
 
+echo "== formatting"
+git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
+
 echo "== build and test (ci preset)"
 cmake --preset ci
 cmake --build --preset ci -j "$jobs"
