@@ -125,18 +125,6 @@ TEST_F(ServiceSimulatorTest, StartsDisconnectedWhenAskedAndReportsWhatItIsSent)
     EXPECT_EQ(sim.process().state(), QProcess::Running);
 }
 
-TEST_F(ServiceSimulatorTest, AServiceStartedAfterTheApplicationHearsOneAnnouncement)
-{
-    auto messenger = makeMessenger();
-    spinFor(300);
-    SimulatorProcess sim(folder);
-    ASSERT_TRUE(sim.start());
-    ASSERT_TRUE(sim.waitForEvent(QStringLiteral("connected")));
-    spinFor(600);
-    EXPECT_EQ(sim.count(hasCode(QStringLiteral("MPCn"))), 1);
-    EXPECT_TRUE(messenger->isRemotePortValid());
-}
-
 TEST_F(ServiceSimulatorTest, AKilledServiceIsNoticedAndFoundAgainAfterARestart)
 {
     auto sim = std::make_unique<SimulatorProcess>(folder);
