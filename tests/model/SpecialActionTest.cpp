@@ -20,38 +20,6 @@ PlistValue actionArchive(const TVKAction& action)
     return dict;
 }
 
-TEST_F(SpecialActionTest, EverySpecialClassRoundTripsItsModeAndType)
-{
-    TVKButtonControl control(0, QStringLiteral("M1"), nullptr, nullptr, nullptr, 0, 0);
-    const std::vector<std::unique_ptr<TVKAction>> actions = [&] {
-        std::vector<std::unique_ptr<TVKAction>> list;
-        list.push_back(std::make_unique<TVKButtonSpecialAction>(&control, 4));
-        list.push_back(std::make_unique<TVKEncoderSpecialAction>(&control, 2));
-        list.push_back(std::make_unique<TVKSpecial4WayAction>(&control, 10));
-        list.push_back(std::make_unique<TVKShuttleSpecialAction>(&control, 8));
-        list.push_back(std::make_unique<TVKSpecialJogAction>(&control, 0));
-        return list;
-    }();
-    const qint32 types[] = {261, 517, 773, 1029, 1285};
-    for (std::size_t i = 0; i < actions.size(); ++i) {
-        const TVKAction& action = *actions[i];
-        EXPECT_EQ(action.actionType(), types[i]);
-        EXPECT_EQ(action.editorTabID(), fourCC("SPEC"));
-        const PlistValue archive = actionArchive(action);
-        EXPECT_EQ(archive.value(u"TVKActnType").toInteger(), types[i]);
-
-        auto restored = TVKStandardActionTypes::createActionFromArchive(archive, &control);
-        ASSERT_NE(restored, nullptr);
-        EXPECT_EQ(actionArchive(*restored), archive);
-        EXPECT_EQ(restored->owningControl(), &control);
-
-        auto copy = action.copyWithZone();
-        EXPECT_EQ(copy->actionType(), action.actionType());
-        EXPECT_EQ(copy->owningControl(), &control);
-        EXPECT_EQ(actionArchive(*copy), archive);
-    }
-}
-
 TEST_F(SpecialActionTest, DescriptorsAreTheSurfaceFunctionNames)
 {
     const char* names[] = {
@@ -84,21 +52,6 @@ TEST_F(SpecialActionTest, ModesOutsideTheFunctionsAreNeverStored)
     PlistValue textMode = actionArchive(action);
     textMode.insert(QStringLiteral("TVKSpMode"), PlistValue(QStringLiteral("5")));
     EXPECT_EQ(TVKSpecialJogAction(textMode, nullptr).mode(), 0);
-}
-
-TEST_F(SpecialActionTest, CodesThatCannotBeRestoredGiveNoAction)
-{
-    for (qint64 code : {7, 9, 0x100401, 774, 1030, 0, -1, 0x7FFFFFFF}) {
-        PlistValue archive = PlistValue::makeDict();
-        archive.insert(QStringLiteral("TVKActnType"), PlistValue(code));
-        EXPECT_EQ(TVKStandardActionTypes::createActionFromArchive(archive, nullptr), nullptr)
-            << code;
-    }
-    EXPECT_EQ(TVKStandardActionTypes::createActionFromArchive(PlistValue::makeDict(), nullptr),
-              nullptr);
-    EXPECT_EQ(
-        TVKStandardActionTypes::createActionFromArchive(PlistValue(QStringLiteral("x")), nullptr),
-        nullptr);
 }
 
 TEST_F(SpecialActionTest, FreshActionsByTypeCode)
