@@ -378,10 +378,6 @@ TEST_F(ArchiveTest, BooleansAreReadFromIntegersOrBooleans)
     EXPECT_FALSE(reread.hasOwnerKeysetBundleID());
 }
 
-} // namespace
-
-namespace {
-
 TEST_F(ArchiveTest, DroppedDisplayActionsAreReportedAsDisplays)
 {
     CorvaneKeyset keyset(QStringLiteral("Shows"), fourCC("SHOW"), nullptr);
@@ -399,10 +395,6 @@ TEST_F(ArchiveTest, DroppedDisplayActionsAreReportedAsDisplays)
                        QStringLiteral("action of type 1049601 cannot be restored; dropped")}));
     EXPECT_EQ(reread.displayForLayer(2, 4, 30)->action(), nullptr);
 }
-
-} // namespace
-
-namespace {
 
 TEST_F(ArchiveTest, ReadControlsShareTheTablesNames)
 {

@@ -364,10 +364,6 @@ TEST_F(ModelDataTest, NVGroupOperationsMeanTheSelectedLayerOfTheSelectedKeyset)
     EXPECT_EQ(modelData.nameOfGroupWithID(0), QStringLiteral("Unknown!"));
 }
 
-} // namespace
-
-namespace {
-
 TEST_F(ModelDataTest, KeysetsTakenInFromElsewhereBelongToTheirNewModelData)
 {
     auto elsewhere = std::make_unique<CorvaneModelData>();
@@ -381,10 +377,6 @@ TEST_F(ModelDataTest, KeysetsTakenInFromElsewhereBelongToTheirNewModelData)
     EXPECT_EQ(moved->controlForLayer(3, 24, 100)->owner(), &modelData);
     EXPECT_EQ(moved->displayForLayer(0, 4, 5)->owner(), &modelData);
 }
-
-} // namespace
-
-namespace {
 
 TEST_F(ModelDataTest, KeysetIndexOutsideTheListIsCaughtNotRead)
 {
