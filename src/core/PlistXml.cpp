@@ -6,6 +6,7 @@
 
 #include <QSet>
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <string>
 #include <string_view>
@@ -204,6 +205,24 @@ private:
 
     void skipSpace()
     {
+#if defined(__SSE2__)
+        // Indentation between elements is a line end and a tab per level: sixteen bytes at a
+        // time.
+        while (m_end - m_p >= 16) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(m_p));
+            const __m128i space =
+                _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8(' ')),
+                                          _mm_cmpeq_epi8(v, _mm_set1_epi8('\t'))),
+                             _mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8('\n')),
+                                          _mm_cmpeq_epi8(v, _mm_set1_epi8('\r'))));
+            const unsigned other = ~unsigned(_mm_movemask_epi8(space)) & 0xFFFFu;
+            if (other) {
+                m_p += std::countr_zero(other);
+                return;
+            }
+            m_p += 16;
+        }
+#endif
         while (m_p < m_end && isSpace(*m_p))
             ++m_p;
     }
