@@ -49,12 +49,10 @@ public:
 
     std::function<std::optional<QByteArray>(const MessageFrame&)> answer;
 
-    bool isListening() const { return m_server.isListening(); }
     void stop();
     const std::vector<MessageFrame>& frames() const { return m_frames; }
     std::vector<MessageFrame> framesWithCode(MessageID code) const;
     void clearFrames() { m_frames.clear(); }
-    int connectionCount() const { return int(m_sockets.size()); }
 
 private:
     void read(QLocalSocket* socket, MessageFrameReader* reader);
@@ -103,7 +101,6 @@ public:
                                        int timeoutMs = 5000, qsizetype from = 0);
     std::optional<QJsonObject> waitForEvent(const QString& event, qsizetype from = 0);
     int count(const std::function<bool(const QJsonObject&)>& match) const;
-    const std::vector<QJsonObject>& lines() const { return m_lines; }
     qsizetype lineCount() const { return qsizetype(m_lines.size()); }
     void terminate();
     void kill();
