@@ -43,3 +43,22 @@ protected:
 private:
     TVKControl* m_owningControl = nullptr;
 };
+
+// A family whose classes differ only in the kind of control they serve (built-in, mouse and
+// special actions): each such class is its family's base with its own type code and a copy of
+// its own class.
+#define CORVANE_ACTION_FOR_CONTROL_KIND(Class, Base, Type)                                         \
+    class Class final : public Base                                                                \
+    {                                                                                              \
+    public:                                                                                        \
+        static constexpr qint32 kActionType = Type;                                                \
+        using Base::Base;                                                                          \
+        std::unique_ptr<TVKAction> copyWithZone() const override                                   \
+        {                                                                                          \
+            return std::unique_ptr<TVKAction>(new Class(*this));                                   \
+        }                                                                                          \
+        qint32 actionType() const override { return kActionType; }                                 \
+                                                                                                   \
+    private:                                                                                       \
+        Class(const Class&) = default;                                                             \
+    };

@@ -47,29 +47,11 @@ private:
     int m_procedure = 0;
 };
 
-#define CORVANE_BUILT_IN_ACTION_CLASS(Class, Type)                                                 \
-    class Class : public TVKBuiltInAction                                                          \
-    {                                                                                              \
-    public:                                                                                        \
-        static constexpr qint32 kActionType = Type;                                                \
-        using TVKBuiltInAction::TVKBuiltInAction;                                                  \
-        std::unique_ptr<TVKAction> copyWithZone() const override                                   \
-        {                                                                                          \
-            return std::unique_ptr<TVKAction>(new Class(*this));                                   \
-        }                                                                                          \
-        qint32 actionType() const override { return kActionType; }                                 \
-                                                                                                   \
-    private:                                                                                       \
-        Class(const Class&) = default;                                                             \
-    };
-
-CORVANE_BUILT_IN_ACTION_CLASS(TVKButtonBuiltInAction, 257)
-CORVANE_BUILT_IN_ACTION_CLASS(TVKEncoderBuiltInAction, 513)
-CORVANE_BUILT_IN_ACTION_CLASS(TVK4WayBuiltInAction, 769)
-CORVANE_BUILT_IN_ACTION_CLASS(TVKShuttleBuiltInAction, 1025)
-CORVANE_BUILT_IN_ACTION_CLASS(TVKJogBuiltInAction, 1281)
-
-#undef CORVANE_BUILT_IN_ACTION_CLASS
+CORVANE_ACTION_FOR_CONTROL_KIND(TVKButtonBuiltInAction, TVKBuiltInAction, 257)
+CORVANE_ACTION_FOR_CONTROL_KIND(TVKEncoderBuiltInAction, TVKBuiltInAction, 513)
+CORVANE_ACTION_FOR_CONTROL_KIND(TVK4WayBuiltInAction, TVKBuiltInAction, 769)
+CORVANE_ACTION_FOR_CONTROL_KIND(TVKShuttleBuiltInAction, TVKBuiltInAction, 1025)
+CORVANE_ACTION_FOR_CONTROL_KIND(TVKJogBuiltInAction, TVKBuiltInAction, 1281)
 
 // The LCD strip's built-in function; its sample fills the display's width.
 class TVKBuiltInLCDDisplayAction : public TVKBuiltInAction

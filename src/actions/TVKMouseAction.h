@@ -53,26 +53,8 @@ private:
     QString m_windowName;
 };
 
-#define CORVANE_MOUSE_ACTION_CLASS(Class, Type)                                                    \
-    class Class : public TVKMouseAction                                                            \
-    {                                                                                              \
-    public:                                                                                        \
-        static constexpr qint32 kActionType = Type;                                                \
-        using TVKMouseAction::TVKMouseAction;                                                      \
-        std::unique_ptr<TVKAction> copyWithZone() const override                                   \
-        {                                                                                          \
-            return std::unique_ptr<TVKAction>(new Class(*this));                                   \
-        }                                                                                          \
-        qint32 actionType() const override { return kActionType; }                                 \
-                                                                                                   \
-    private:                                                                                       \
-        Class(const Class&) = default;                                                             \
-    };
-
-CORVANE_MOUSE_ACTION_CLASS(TVKButtonMouseAction, 259)
-CORVANE_MOUSE_ACTION_CLASS(TVKEncoderMouseAction, 515)
-CORVANE_MOUSE_ACTION_CLASS(TVK4WayMouseAction, 771)
-CORVANE_MOUSE_ACTION_CLASS(TVKShuttleMouseAction, 1027)
-CORVANE_MOUSE_ACTION_CLASS(TVKJogMouseAction, 1283)
-
-#undef CORVANE_MOUSE_ACTION_CLASS
+CORVANE_ACTION_FOR_CONTROL_KIND(TVKButtonMouseAction, TVKMouseAction, 259)
+CORVANE_ACTION_FOR_CONTROL_KIND(TVKEncoderMouseAction, TVKMouseAction, 515)
+CORVANE_ACTION_FOR_CONTROL_KIND(TVK4WayMouseAction, TVKMouseAction, 771)
+CORVANE_ACTION_FOR_CONTROL_KIND(TVKShuttleMouseAction, TVKMouseAction, 1027)
+CORVANE_ACTION_FOR_CONTROL_KIND(TVKJogMouseAction, TVKMouseAction, 1283)

@@ -49,28 +49,3 @@ void TVKSpecialAction::writeTo(corvane::PlistValue& dict) const
     TVKAction::writeTo(dict);
     dict.insert(kModeKey, corvane::PlistValue(qint64(m_mode)));
 }
-
-std::unique_ptr<TVKAction> TVKButtonSpecialAction::copyWithZone() const
-{
-    return std::unique_ptr<TVKAction>(new TVKButtonSpecialAction(*this));
-}
-
-std::unique_ptr<TVKAction> TVKEncoderSpecialAction::copyWithZone() const
-{
-    return std::unique_ptr<TVKAction>(new TVKEncoderSpecialAction(*this));
-}
-
-std::unique_ptr<TVKAction> TVKSpecial4WayAction::copyWithZone() const
-{
-    return std::unique_ptr<TVKAction>(new TVKSpecial4WayAction(*this));
-}
-
-std::unique_ptr<TVKAction> TVKShuttleSpecialAction::copyWithZone() const
-{
-    return std::unique_ptr<TVKAction>(new TVKShuttleSpecialAction(*this));
-}
-
-std::unique_ptr<TVKAction> TVKSpecialJogAction::copyWithZone() const
-{
-    return std::unique_ptr<TVKAction>(new TVKSpecialJogAction(*this));
-}

@@ -33,62 +33,8 @@ private:
     int m_mode = 0;
 };
 
-class TVKButtonSpecialAction final : public TVKSpecialAction
-{
-public:
-    static constexpr qint32 kActionType = 261;
-    using TVKSpecialAction::TVKSpecialAction;
-    std::unique_ptr<TVKAction> copyWithZone() const override;
-    qint32 actionType() const override { return kActionType; }
-
-private:
-    TVKButtonSpecialAction(const TVKButtonSpecialAction&) = default;
-};
-
-class TVKEncoderSpecialAction final : public TVKSpecialAction
-{
-public:
-    static constexpr qint32 kActionType = 517;
-    using TVKSpecialAction::TVKSpecialAction;
-    std::unique_ptr<TVKAction> copyWithZone() const override;
-    qint32 actionType() const override { return kActionType; }
-
-private:
-    TVKEncoderSpecialAction(const TVKEncoderSpecialAction&) = default;
-};
-
-class TVKSpecial4WayAction final : public TVKSpecialAction
-{
-public:
-    static constexpr qint32 kActionType = 773;
-    using TVKSpecialAction::TVKSpecialAction;
-    std::unique_ptr<TVKAction> copyWithZone() const override;
-    qint32 actionType() const override { return kActionType; }
-
-private:
-    TVKSpecial4WayAction(const TVKSpecial4WayAction&) = default;
-};
-
-class TVKShuttleSpecialAction final : public TVKSpecialAction
-{
-public:
-    static constexpr qint32 kActionType = 1029;
-    using TVKSpecialAction::TVKSpecialAction;
-    std::unique_ptr<TVKAction> copyWithZone() const override;
-    qint32 actionType() const override { return kActionType; }
-
-private:
-    TVKShuttleSpecialAction(const TVKShuttleSpecialAction&) = default;
-};
-
-class TVKSpecialJogAction final : public TVKSpecialAction
-{
-public:
-    static constexpr qint32 kActionType = 1285;
-    using TVKSpecialAction::TVKSpecialAction;
-    std::unique_ptr<TVKAction> copyWithZone() const override;
-    qint32 actionType() const override { return kActionType; }
-
-private:
-    TVKSpecialJogAction(const TVKSpecialJogAction&) = default;
-};
+CORVANE_ACTION_FOR_CONTROL_KIND(TVKButtonSpecialAction, TVKSpecialAction, 261)
+CORVANE_ACTION_FOR_CONTROL_KIND(TVKEncoderSpecialAction, TVKSpecialAction, 517)
+CORVANE_ACTION_FOR_CONTROL_KIND(TVKSpecial4WayAction, TVKSpecialAction, 773)
+CORVANE_ACTION_FOR_CONTROL_KIND(TVKShuttleSpecialAction, TVKSpecialAction, 1029)
+CORVANE_ACTION_FOR_CONTROL_KIND(TVKSpecialJogAction, TVKSpecialAction, 1285)
