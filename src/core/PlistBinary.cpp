@@ -15,6 +15,8 @@ namespace {
 
 constexpr std::size_t kTrailerSize = 32;
 constexpr std::size_t kHeaderSize = 8;
+constexpr std::uint64_t kObjectsPerByte = 256;
+constexpr std::uint64_t kBaseBudget = std::uint64_t(1) << 20;
 
 std::uint64_t bigEndian(const unsigned char* p, unsigned size)
 {
@@ -98,10 +100,11 @@ private:
                         QStringLiteral("bad trailer: top object %1 of %2").arg(top).arg(m_count));
         m_active.assign(std::size_t(m_count), 0);
         m_slot.assign(std::size_t(m_count), 0);
-        // Every object a well-formed document describes is reached through a reference of at
-        // least one byte, so more objects than bytes means shared containers multiplying the
-        // tree: refused before it can grow without bound.
-        m_budget = m_n;
+        // Shared containers let a few bytes stand for an enormous tree, which whoever walks it
+        // would pay for. Our own writer shares every repeated action and control, which for a
+        // configuration of mostly unassigned controls is a few hundred objects per byte at most;
+        // anything past that is refused before it can grow without bound.
+        m_budget = m_n * kObjectsPerByte + kBaseBudget;
         return object(top, trailerAt, 1, out);
     }
 
@@ -174,11 +177,14 @@ private:
         return type == 0x5 || type == 0x6;
     }
 
-    // Strings are usually shared (the writers store each once): one tree node per object.
+    // Strings and containers are usually shared (writers store each once): one tree node per
+    // object, whatever refers to it. A container remembers how many objects it stands for, so
+    // that every further reference still counts in full against the budget.
     struct Cached
     {
         PlistValue value;
         PlistKey key;
+        std::uint64_t weight = 0;
     };
     Cached& cached(std::uint64_t index)
     {
@@ -190,11 +196,11 @@ private:
         return m_cache[slot - 1];
     }
 
-    bool spend(std::uint64_t at)
+    bool spend(std::uint64_t at, std::uint64_t objects = 1)
     {
-        if (m_budget == 0)
+        if (m_budget < objects)
             return fail(at, QStringLiteral("object references expand beyond the document size"));
-        --m_budget;
+        m_budget -= objects;
         return true;
     }
 
@@ -211,7 +217,7 @@ private:
             QString text;
             if (!string(offset, text))
                 return false;
-            c.key = PlistKey(text);
+            c.key = PlistKey::shared(text);
         }
         out = c.key;
         return true;
@@ -301,9 +307,24 @@ private:
             return true;
         }
         case 0xA:
-            return array(index, offset, low, depth, out);
-        case 0xD:
-            return dict(index, offset, low, depth, out);
+        case 0xD: {
+            Cached* c = m_slot[std::size_t(index)] ? &cached(index) : nullptr;
+            if (c && c->weight) {
+                // Already read: its whole weight but the reference paid above.
+                if (!spend(refAt, c->weight - 1))
+                    return false;
+                out = c->value;
+                return true;
+            }
+            const std::uint64_t before = m_budget + 1;
+            if (!((marker >> 4) == 0xA ? array(index, offset, low, depth, out)
+                                       : dict(index, offset, low, depth, out)))
+                return false;
+            Cached& fresh = cached(index);
+            fresh.value = out;
+            fresh.weight = before - m_budget;
+            return true;
+        }
         default:
             break;
         }
@@ -428,7 +449,8 @@ public:
             m_error = QStringLiteral("nothing to write: the value is null");
             return false;
         }
-        if (!add(value, 1))
+        std::uint32_t top = 0;
+        if (!add(value, 1, &top))
             return false;
         m_refSize = bytesFor(m_objects.size() - 1);
         m_out.put("bplist00", 8);
@@ -448,7 +470,7 @@ public:
         d[6] = char(offsetSize);
         d[7] = char(m_refSize);
         d = putBigEndian(d + 8, m_objects.size(), 8);
-        d = putBigEndian(d, 0, 8);
+        d = putBigEndian(d, top, 8);
         d = putBigEndian(d, position, 8);
         m_out.commit(d);
         return true;
@@ -497,12 +519,25 @@ private:
         case Kind::Data:
             return hashBytes(std::string_view(o.bytes->constData(), std::size_t(o.bytes->size()))) ^
                    0x5555;
+        case Kind::Array:
+        case Kind::Dict: {
+            std::uint64_t h = mix(std::uint64_t(o.kind) << 32 | o.count);
+            const std::uint32_t* r = m_flat.data() + o.refs;
+            for (std::uint32_t i = 0, n = refCount(o); i < n; ++i)
+                h = mix(h ^ (r[i] + 0x9E3779B97F4A7C15ull));
+            return h;
+        }
         default:
             return mix(o.bits + 0x9E3779B97F4A7C15ull * (unsigned(o.kind) + 1));
         }
     }
 
-    static bool same(const Object& a, const Object& b)
+    static std::uint32_t refCount(const Object& o)
+    {
+        return o.kind == Kind::Dict ? o.count * 2 : o.count;
+    }
+
+    bool same(const Object& a, const Object& b) const
     {
         if (a.kind != b.kind)
             return false;
@@ -511,13 +546,20 @@ private:
             return a.text == b.text || *a.text == *b.text;
         case Kind::Data:
             return a.bytes == b.bytes || *a.bytes == *b.bytes;
+        case Kind::Array:
+        case Kind::Dict:
+            return a.count == b.count &&
+                   std::equal(m_flat.begin() + a.refs, m_flat.begin() + a.refs + refCount(a),
+                              m_flat.begin() + b.refs);
         default:
             return a.bits == b.bits;
         }
     }
 
-    // Leaves are stored once however often they occur, found through an open-addressing
-    // table so that the whole write stays linear.
+    // Every object is stored once however often it occurs, found through an open-addressing
+    // table so that the whole write stays linear. Containers are compared by their children's
+    // object numbers, which are final before the container itself is added: keysets repeat
+    // the same unassigned controls and the same actions layer after layer.
     std::uint32_t unique(const Object& o)
     {
         if (m_slots.empty())
@@ -613,8 +655,8 @@ private:
         return slot.index;
     }
 
-    // Adds the value and everything below it; containers come before their children, so the
-    // top object is object 0. Returns false for a tree too deep to read back.
+    // Adds the value and everything below it; containers come after their children, so the
+    // top object is the last. Returns false for a tree too deep to read back.
     bool add(const PlistValue& v, int depth, std::uint32_t* index = nullptr)
     {
         if (depth > kMaxDepth) {
@@ -650,7 +692,6 @@ private:
         }
         case PlistValue::Type::Array: {
             const auto& items = PlistBuilder::items(v);
-            result = container(Kind::Array, 0);
             std::uint32_t count = 0;
             for (const PlistValue& item : items) {
                 std::uint32_t child;
@@ -661,9 +702,7 @@ private:
                 m_refs.push_back(child);
                 ++count;
             }
-            // Children were appended after the container's own slot was reserved, so the
-            // references of nested containers sit before this one's: remember where ours are.
-            finishContainer(result, count);
+            result = container(Kind::Array, count);
             break;
         }
         case PlistValue::Type::Dict:
@@ -676,30 +715,27 @@ private:
         return true;
     }
 
+    // The container's references are the last ones on the scratch stack (those of nested
+    // containers were taken off as each was finished).
     std::uint32_t container(Kind kind, std::uint32_t count)
     {
         Object o{};
         o.kind = kind;
         o.count = count;
-        m_objects.push_back(o);
-        return std::uint32_t(m_objects.size() - 1);
-    }
-
-    void finishContainer(std::uint32_t index, std::uint32_t count)
-    {
-        // The references were pushed interleaved with those of nested containers; gather ours
-        // from the scratch stack into the flat list in order.
-        Object& o = m_objects[index];
-        o.count = count;
+        const std::uint32_t refs = refCount(o);
         o.refs = std::uint32_t(m_flat.size());
-        m_flat.insert(m_flat.end(), m_refs.end() - count, m_refs.end());
-        m_refs.resize(m_refs.size() - count);
+        m_flat.insert(m_flat.end(), m_refs.end() - refs, m_refs.end());
+        m_refs.resize(m_refs.size() - refs);
+        const std::size_t before = m_objects.size();
+        const std::uint32_t index = unique(o);
+        if (m_objects.size() == before)
+            m_flat.resize(o.refs); // already stored: the copy of its references goes
+        return index;
     }
 
     bool dict(const PlistValue& v, int depth, std::uint32_t& result)
     {
         const auto& entries = PlistBuilder::entries(v);
-        result = container(Kind::Dict, 0);
         const std::size_t mark = m_order.size();
         // Sorted like the XML form, so equal trees give equal bytes.
         m_keyOrder.sorted(entries, m_order);
@@ -713,8 +749,7 @@ private:
             m_refs.push_back(child);
         }
         m_order.resize(mark);
-        finishContainer(result, std::uint32_t(count * 2));
-        m_objects[result].count = std::uint32_t(count);
+        result = container(Kind::Dict, std::uint32_t(count));
         return true;
     }
 

@@ -16,14 +16,19 @@
 namespace corvane {
 
 // A dictionary key. Keys repeat across a whole configuration (every control has the same few),
-// so readers intern them and every entry holds only a pointer to the one shared copy.
+// so every entry holds only a pointer to one copy. The archive's names are registered once for
+// the whole process (see PlistKey::shared): such a key lives as long as the program, is never
+// counted, and is equal to another registered key only when it is the same one.
 struct PlistKeyNode
 {
-    explicit PlistKeyNode(QString s) : text(std::move(s)), hash(qHash(text)) {}
+    explicit PlistKeyNode(QString s, bool forever = false)
+        : text(std::move(s)), hash(qHash(text)), registered(forever)
+    {}
     std::atomic<int> refs{1};
     QString text;
     // Lets readers tell keys apart without comparing text when checking for repeated keys.
     std::size_t hash;
+    const bool registered;
 };
 
 // Intrusive reference to a key: eight bytes per dictionary entry instead of a whole QString.
@@ -32,6 +37,14 @@ class PlistKey
 public:
     PlistKey() = default;
     explicit PlistKey(const QString& text) : m_node(new PlistKeyNode(text)) {}
+    // The process-wide key for this text, registered on first use; a private key only when the
+    // text is too long or the registry is full.
+    static PlistKey shared(QStringView text);
+    // The registered key for this text, or a null key when the text was never registered.
+    static PlistKey registered(QStringView text);
+    bool isRegistered() const { return m_node && m_node->registered; }
+    // Refers to a key of the registry, which is never counted.
+    explicit PlistKey(PlistKeyNode* registeredNode) : m_node(registeredNode) {}
     PlistKey(const PlistKey& other) noexcept : m_node(other.m_node) { retain(); }
     PlistKey(PlistKey&& other) noexcept : m_node(std::exchange(other.m_node, nullptr)) {}
     PlistKey& operator=(const PlistKey& other) noexcept
@@ -71,12 +84,13 @@ public:
 private:
     void retain() const noexcept
     {
-        if (m_node)
+        if (m_node && !m_node->registered)
             m_node->refs.fetch_add(1, std::memory_order_relaxed);
     }
     void release() noexcept
     {
-        if (m_node && m_node->refs.fetch_sub(1, std::memory_order_acq_rel) == 1)
+        if (m_node && !m_node->registered &&
+            m_node->refs.fetch_sub(1, std::memory_order_acq_rel) == 1)
             delete m_node;
         m_node = nullptr;
     }
@@ -118,8 +132,20 @@ struct PlistValue::DictNode final : Node
     {
         auto* copy = new DictNode;
         copy->entries = entries;
+        copy->registeredKeys = registeredKeys;
         return copy;
     }
+    // Looks a key up by the registered key for its text, comparing addresses only; valid when
+    // every key of this dictionary is registered, since one text has one registered key.
+    const PlistValue* findRegistered(const PlistKeyNode* key) const
+    {
+        for (const PlistEntry& entry : entries) {
+            if (entry.first.node() == key)
+                return &entry.second;
+        }
+        return nullptr;
+    }
+    void noteKey(const PlistKey& key) { registeredKeys = registeredKeys && key.isRegistered(); }
     // Archive readers look up every field of every control by name: compared here in place,
     // since keys of one dictionary mostly differ within their first few characters.
     qsizetype indexOf(QStringView key) const
@@ -155,6 +181,7 @@ struct PlistValue::DictNode final : Node
         return -1;
     }
     std::vector<PlistEntry> entries;
+    bool registeredKeys = true;
 };
 
 // The codec's door into the tree: builds containers from already collected children in one
@@ -177,6 +204,8 @@ public:
         PlistValue v;
         auto* node = new PlistValue::DictNode;
         node->entries = std::move(entries);
+        for (const PlistEntry& entry : node->entries)
+            node->noteKey(entry.first);
         v.m_node = node;
         v.m_type = PlistValue::Type::Dict;
         return v;

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -322,45 +323,90 @@ void PlistValue::set(qsizetype index, PlistValue value)
         a->items[std::size_t(index)] = std::move(value);
 }
 
-const PlistValue& PlistValue::value(QStringView key) const
-{
-    const DictNode* d = dictNode();
-    if (!d)
-        return null();
-    const qsizetype i = d->indexOf(key);
-    return i < 0 ? null() : d->entries[std::size_t(i)].second;
-}
-
-bool PlistValue::contains(QStringView key) const
-{
-    const DictNode* d = dictNode();
-    return d && d->indexOf(key) >= 0;
-}
-
 namespace {
 
-// Writers of the model insert millions of entries under a few dozen literal keys. A literal's
-// characters never move, so the address and length of the text find the shared key without
-// hashing it or allocating; comparing the characters keeps a reused buffer from answering with
-// a stale key.
+// The names of an archive, registered once for the whole process: readers and writers share
+// one key per name, so that looking a field up compares addresses, not characters. Bounded,
+// since documents may carry any number of names of their own.
+class KeyRegistry
+{
+public:
+    static constexpr qsizetype kMaxLength = 64;
+    static constexpr qsizetype kMaxKeys = 4096;
+
+    static KeyRegistry& instance()
+    {
+        // Never destroyed: registered keys may be released by other static destructors.
+        static KeyRegistry* registry = new KeyRegistry;
+        return *registry;
+    }
+
+    PlistKeyNode* find(QStringView text)
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_keys.value(text, nullptr);
+    }
+
+    PlistKeyNode* add(QStringView text)
+    {
+        if (text.size() > kMaxLength)
+            return nullptr;
+        const std::lock_guard lock(m_mutex);
+        if (PlistKeyNode* node = m_keys.value(text, nullptr))
+            return node;
+        if (m_keys.size() >= kMaxKeys)
+            return nullptr;
+        auto* node = new PlistKeyNode(text.toString(), true);
+        m_keys.insert(QStringView(node->text), node);
+        m_generation.fetch_add(1, std::memory_order_release);
+        return node;
+    }
+
+    // Changes whenever a key is registered, so that "not registered" can be remembered.
+    unsigned generation() const { return m_generation.load(std::memory_order_acquire); }
+
+private:
+    std::mutex m_mutex;
+    QHash<QStringView, PlistKeyNode*> m_keys;
+    std::atomic<unsigned> m_generation{0};
+};
+
+// Model readers and writers name millions of fields with a few dozen literals. A literal's
+// characters never move, so the address and length of the text find its key without hashing
+// or locking; comparing the characters keeps a reused buffer from answering with a stale key.
 class KeyCache
 {
 public:
-    PlistKey keyFor(const QString& text)
+    static KeyCache& local()
     {
-        const QChar* data = text.constData();
-        const auto size = text.size();
-        auto bits = std::uintptr_t(data) ^ std::uintptr_t(size);
-        bits ^= bits >> 4;
-        bits ^= bits >> 10;
-        Slot& slot = m_slots[bits & (kSlots - 1)];
-        if (slot.data == data && slot.key.text().size() == size &&
-            std::memcmp(slot.key.text().constData(), data, std::size_t(size) * sizeof(QChar)) == 0)
+        thread_local KeyCache cache;
+        return cache;
+    }
+
+    // The registered key of the text, or null when it was never registered.
+    const PlistKeyNode* lookup(QStringView text)
+    {
+        Slot& slot = slotFor(text);
+        if (matches(slot, text)) {
+            if (slot.key.isRegistered())
+                return slot.key.node();
+            if (slot.generation == KeyRegistry::instance().generation())
+                return nullptr;
+        }
+        const unsigned generation = KeyRegistry::instance().generation();
+        PlistKeyNode* node = KeyRegistry::instance().find(text);
+        remember(slot, text, node, generation);
+        return node;
+    }
+
+    // The key an entry under this text is stored with: the registered one whenever possible.
+    const PlistKey& keyFor(QStringView text)
+    {
+        Slot& slot = slotFor(text);
+        if (matches(slot, text) && slot.key.isRegistered())
             return slot.key;
-        // Text that is not reference-counted (a literal, or raw data over someone's buffer) is
-        // copied, so that the key owns characters that cannot change under it.
-        slot.key = text.data_ptr().isMutable() ? PlistKey(text) : PlistKey(QString(data, size));
-        slot.data = data;
+        const unsigned generation = KeyRegistry::instance().generation();
+        remember(slot, text, KeyRegistry::instance().add(text), generation);
         return slot.key;
     }
 
@@ -370,20 +416,83 @@ private:
     {
         const QChar* data = nullptr;
         PlistKey key;
+        unsigned generation = 0;
     };
+
+    Slot& slotFor(QStringView text)
+    {
+        auto bits = std::uintptr_t(text.data()) ^ std::uintptr_t(text.size());
+        bits ^= bits >> 4;
+        bits ^= bits >> 10;
+        return m_slots[bits & (kSlots - 1)];
+    }
+
+    static bool matches(const Slot& slot, QStringView text)
+    {
+        const QString& known = slot.key.text();
+        return slot.data == text.data() && slot.key.node() && known.size() == text.size() &&
+               std::memcmp(known.constData(), text.data(),
+                           std::size_t(text.size()) * sizeof(QChar)) == 0;
+    }
+
+    static void remember(Slot& slot, QStringView text, PlistKeyNode* node, unsigned generation)
+    {
+        slot.data = text.data();
+        slot.generation = generation;
+        // A key of its own copies the text, so that it owns characters that cannot change.
+        slot.key = node ? PlistKey(node) : PlistKey(text.toString());
+    }
+
     std::array<Slot, kSlots> m_slots;
 };
 
 } // namespace
+
+PlistKey PlistKey::shared(QStringView text)
+{
+    PlistKeyNode* node = KeyRegistry::instance().add(text);
+    return node ? PlistKey(node) : PlistKey(text.toString());
+}
+
+PlistKey PlistKey::registered(QStringView text)
+{
+    PlistKeyNode* node = KeyRegistry::instance().find(text);
+    return node ? PlistKey(node) : PlistKey();
+}
+
+const PlistValue& PlistValue::value(QStringView key) const
+{
+    const DictNode* d = dictNode();
+    if (!d)
+        return null();
+    if (d->registeredKeys) {
+        // Every key here is registered, so an unregistered text cannot be among them.
+        const PlistKeyNode* k = KeyCache::local().lookup(key);
+        const PlistValue* found = k ? d->findRegistered(k) : nullptr;
+        return found ? *found : null();
+    }
+    const qsizetype i = d->indexOf(key);
+    return i < 0 ? null() : d->entries[std::size_t(i)].second;
+}
+
+bool PlistValue::contains(QStringView key) const
+{
+    const DictNode* d = dictNode();
+    if (!d)
+        return false;
+    if (d->registeredKeys) {
+        const PlistKeyNode* k = KeyCache::local().lookup(key);
+        return k && d->findRegistered(k);
+    }
+    return d->indexOf(key) >= 0;
+}
 
 void PlistValue::insert(const QString& key, PlistValue value)
 {
     DictNode* d = mutableDict();
     if (!d)
         return;
-    thread_local KeyCache cache;
-    PlistKey shared = cache.keyFor(key);
-    // Shared keys compare by address and then by their kept hash, not by their text.
+    const PlistKey& shared = KeyCache::local().keyFor(key);
     for (PlistEntry& entry : d->entries) {
         if (entry.first == shared) {
             entry.second = std::move(value);
@@ -394,7 +503,8 @@ void PlistValue::insert(const QString& key, PlistValue value)
     // holds them all beats growing through 1, 2 and 4 entries.
     if (d->entries.capacity() == 0)
         d->entries.reserve(kFirstDictCapacity);
-    d->entries.emplace_back(std::move(shared), std::move(value));
+    d->entries.emplace_back(shared, std::move(value));
+    d->noteKey(shared);
 }
 
 bool PlistValue::remove(QStringView key)

@@ -464,7 +464,7 @@ private:
         const PlistKey* shared = m_keys.get(text, [&] {
             QString s;
             bad = decodeUtf8(text, s) >= 0;
-            return PlistKey(s);
+            return PlistKey::shared(s);
         });
         if (bad)
             return fail(at, QStringLiteral("invalid UTF-8"));
@@ -475,7 +475,7 @@ private:
         QString s;
         if (!decode(text, at, s))
             return false;
-        key = PlistKey(s);
+        key = PlistKey::shared(s);
         return true;
     }
 

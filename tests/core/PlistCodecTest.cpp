@@ -204,26 +204,57 @@ TEST(PlistCodec, XmlOutputIsTheStandardLayout)
 
 TEST(PlistCodec, BinaryOutputHasTheStandardLayout)
 {
-    // {"a": 1}: the dictionary, its key, its value; one-byte offsets and references.
+    // {"a": 1}: the key, the value, then the dictionary referring to both, which is the top
+    // object; one-byte offsets and references.
     const QByteArray expected = QByteArray("bplist00"
-                                           "\xD1\x01\x02"
                                            "\x51\x61"
                                            "\x10\x01"
-                                           "\x08\x0B\x0D"
+                                           "\xD1\x00\x01"
+                                           "\x08\x0A\x0C"
                                            "\x00\x00\x00\x00\x00\x00\x01\x01"
                                            "\x00\x00\x00\x00\x00\x00\x00\x03"
-                                           "\x00\x00\x00\x00\x00\x00\x00\x00"
+                                           "\x00\x00\x00\x00\x00\x00\x00\x02"
                                            "\x00\x00\x00\x00\x00\x00\x00\x0F",
                                            50);
     EXPECT_EQ(PlistCodec::write(dict({{"a", PlistValue(1)}}), PlistFormat::Binary), expected);
 
-    // Repeated strings and keys are stored once; non-ASCII text goes out as UTF-16.
+    // Repeated strings, keys and containers are stored once; non-ASCII text goes out as UTF-16.
     const PlistValue repeated = array(
         {dict({{"k", str(u"v")}}), dict({{"k", str(u"v")}}), str(u"k"), str(u"\u00E9\U0001D11E")});
     const QByteArray bytes = PlistCodec::write(repeated, PlistFormat::Binary);
-    EXPECT_EQ(quint8(bytes.at(bytes.size() - 32 + 15)), 6); // array, dict, "k", "v", dict, "é𝄞"
+    EXPECT_EQ(quint8(bytes.at(bytes.size() - 32 + 15)), 5); // "k", "v", dict, "é𝄞", array
     EXPECT_TRUE(bytes.contains(QByteArray("\x63\x00\xE9\xD8\x34\xDD\x1E", 7)));
     EXPECT_EQ(readBytes(bytes).value, repeated);
+}
+
+TEST(PlistCodec, RepeatedContainersAreStoredOnceAndReadBackShared)
+{
+    // Layers repeat the same unassigned controls: each distinct one is stored once.
+    PlistValue controls = PlistValue::makeArray();
+    for (int i = 0; i < 1000; ++i)
+        controls.append(dict({{"TVKName", str(u"Fader")}, {"TVKType", PlistValue(i % 2)}}));
+    const PlistValue layers = array({controls, controls, array({}), array({})});
+    const QByteArray bytes = PlistCodec::write(layers, PlistFormat::Binary);
+    // "TVKName", "Fader", "TVKType", 0, 1, two controls, the control list, the empty list and
+    // the list of layers. The thousand references of the control list are stored once.
+    EXPECT_EQ(quint8(bytes.at(bytes.size() - 32 + 15)), 10);
+    EXPECT_LT(bytes.size(), 1200);
+
+    const PlistReadResult read = readBytes(bytes);
+    ASSERT_TRUE(read.ok) << read.error.reason.toStdString();
+    EXPECT_EQ(read.value, layers);
+    using corvane::PlistBuilder;
+    const PlistValue& list = read.value.at(0);
+    EXPECT_EQ(PlistBuilder::identity(list), PlistBuilder::identity(read.value.at(1)));
+    EXPECT_EQ(PlistBuilder::identity(list.at(0)), PlistBuilder::identity(list.at(998)));
+    EXPECT_NE(PlistBuilder::identity(list.at(0)), PlistBuilder::identity(list.at(1)));
+
+    // Changing one shared control changes that one only.
+    PlistValue changed = read.value;
+    changed.findAt(0)->findAt(4)->insert(QStringLiteral("TVKUName"), str(u"Lead"));
+    EXPECT_EQ(changed.at(0).at(4).value(u"TVKUName").toString(), QStringLiteral("Lead"));
+    EXPECT_TRUE(changed.at(0).at(2).value(u"TVKUName").isNull());
+    EXPECT_TRUE(read.value.at(0).at(4).value(u"TVKUName").isNull());
 }
 
 TEST(PlistCodec, ReadsXmlInOtherWritersStyles)

@@ -82,6 +82,28 @@ TEST(PlistValue, KeysFollowTheirTextNotItsAddress)
     buffer[0] = QChar(u'z');
     EXPECT_EQ(first.keyAt(0), QStringLiteral("ab"));
     EXPECT_EQ(second.keyAt(0), QStringLiteral("xb"));
+    // Lookups through one buffer follow its text as well.
+    buffer[0] = QChar(u'a');
+    EXPECT_EQ(first.value(QStringView(buffer, 2)).toInteger(), 1);
+    buffer[0] = QChar(u'x');
+    EXPECT_EQ(second.value(QStringView(buffer, 2)).toInteger(), 2);
+    EXPECT_FALSE(first.contains(QStringView(buffer, 2)));
+
+    // A name never used before is not found, and is found once a dictionary holds it.
+    const QString late = QStringLiteral("NameFirstUsedHere");
+    EXPECT_FALSE(first.contains(late));
+    first.insert(late, PlistValue(qint64(3)));
+    EXPECT_EQ(first.value(late).toInteger(), 3);
+    // Names too long to be shared are still keys like any other, next to shared ones.
+    const QString longName(200, QChar(u'n'));
+    first.insert(longName, PlistValue(qint64(4)));
+    EXPECT_EQ(first.value(longName).toInteger(), 4);
+    EXPECT_EQ(first.value(u"ab").toInteger(), 1);
+    EXPECT_FALSE(first.contains(QString(199, QChar(u'n'))));
+    PlistValue copy = first;
+    copy.remove(longName);
+    EXPECT_EQ(copy.value(late).toInteger(), 3);
+    EXPECT_EQ(first.value(longName).toInteger(), 4);
 
     PlistValue controls = PlistValue::makeArray();
     for (int i = 0; i < 3; ++i) {
