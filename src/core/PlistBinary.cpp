@@ -353,17 +353,18 @@ private:
             return tooLong(offset, count);
         if (!enter(index, offset))
             return false;
-        std::vector<PlistValue> items;
-        items.reserve(std::size_t(count));
+        // Children gather on one stack shared by all levels, then move into the node in one go.
+        const std::size_t mark = m_items.size();
         for (std::uint64_t i = 0; i < count; ++i) {
             const std::uint64_t at = pos + i * m_refSize;
             PlistValue item;
             if (!object(ref(at), at, depth + 1, item))
                 return false;
-            items.push_back(std::move(item));
+            m_items.push_back(std::move(item));
         }
         m_active[std::size_t(index)] = 0;
-        out = PlistBuilder::array(std::move(items));
+        out = PlistBuilder::array(m_items.data() + mark, m_items.size() - mark);
+        m_items.resize(mark);
         return true;
     }
 
@@ -376,8 +377,7 @@ private:
             return tooLong(offset, count);
         if (!enter(index, offset))
             return false;
-        std::vector<PlistEntry> entries;
-        entries.reserve(std::size_t(count));
+        const std::size_t mark = m_entries.size();
         const std::uint64_t values = pos + count * m_refSize;
         for (std::uint64_t i = 0; i < count; ++i) {
             const std::uint64_t keyAt = pos + i * m_refSize;
@@ -386,11 +386,12 @@ private:
             PlistValue v;
             if (!key(ref(keyAt), keyAt, k) || !object(ref(valueAt), valueAt, depth + 1, v))
                 return false;
-            entries.emplace_back(std::move(k), std::move(v));
+            m_entries.emplace_back(std::move(k), std::move(v));
         }
         m_active[std::size_t(index)] = 0;
-        removeDuplicateKeys(entries, 0);
-        out = PlistBuilder::dict(std::move(entries));
+        removeDuplicateKeys(m_entries, mark);
+        out = PlistBuilder::dict(m_entries.data() + mark, m_entries.size() - mark);
+        m_entries.resize(mark);
         return true;
     }
 
@@ -404,6 +405,8 @@ private:
     std::vector<std::uint8_t> m_active;
     std::vector<std::uint32_t> m_slot;
     std::vector<Cached> m_cache;
+    std::vector<PlistValue> m_items;
+    std::vector<PlistEntry> m_entries;
     std::uint64_t m_errorAt = 0;
     QString m_reason;
 };
@@ -519,25 +522,12 @@ private:
         case Kind::Data:
             return hashBytes(std::string_view(o.bytes->constData(), std::size_t(o.bytes->size()))) ^
                    0x5555;
-        case Kind::Array:
-        case Kind::Dict: {
-            std::uint64_t h = mix(std::uint64_t(o.kind) << 32 | o.count);
-            const std::uint32_t* r = m_flat.data() + o.refs;
-            for (std::uint32_t i = 0, n = refCount(o); i < n; ++i)
-                h = mix(h ^ (r[i] + 0x9E3779B97F4A7C15ull));
-            return h;
-        }
         default:
             return mix(o.bits + 0x9E3779B97F4A7C15ull * (unsigned(o.kind) + 1));
         }
     }
 
-    static std::uint32_t refCount(const Object& o)
-    {
-        return o.kind == Kind::Dict ? o.count * 2 : o.count;
-    }
-
-    bool same(const Object& a, const Object& b) const
+    static bool same(const Object& a, const Object& b)
     {
         if (a.kind != b.kind)
             return false;
@@ -546,20 +536,13 @@ private:
             return a.text == b.text || *a.text == *b.text;
         case Kind::Data:
             return a.bytes == b.bytes || *a.bytes == *b.bytes;
-        case Kind::Array:
-        case Kind::Dict:
-            return a.count == b.count &&
-                   std::equal(m_flat.begin() + a.refs, m_flat.begin() + a.refs + refCount(a),
-                              m_flat.begin() + b.refs);
         default:
             return a.bits == b.bits;
         }
     }
 
     // Every object is stored once however often it occurs, found through an open-addressing
-    // table so that the whole write stays linear. Containers are compared by their children's
-    // object numbers, which are final before the container itself is added: keysets repeat
-    // the same unassigned controls and the same actions layer after layer.
+    // table so that the whole write stays linear.
     std::uint32_t unique(const Object& o)
     {
         if (m_slots.empty())
@@ -593,10 +576,22 @@ private:
 
     std::uint32_t leaf(Kind kind, std::uint64_t bits)
     {
+        // Types, channels, notes and flags: most numbers of a configuration are small, and
+        // answering them from a small table spares a probe of the large one each time.
+        std::uint32_t* known = nullptr;
+        if (kind == Kind::Integer && bits < kSmallNumbers)
+            known = &m_smallNumbers[bits];
+        else if (kind == Kind::True || kind == Kind::False)
+            known = &m_booleans[kind == Kind::True];
+        if (known && *known)
+            return *known - 1;
         Object o{};
         o.kind = kind;
         o.bits = bits;
-        return unique(o);
+        const std::uint32_t index = unique(o);
+        if (known)
+            *known = index + 1;
+        return index;
     }
 
     // Keys and names are mostly shared texts: the same characters at the same address are the
@@ -715,21 +710,64 @@ private:
         return true;
     }
 
-    // The container's references are the last ones on the scratch stack (those of nested
-    // containers were taken off as each was finished).
+    static std::uint64_t containerHash(std::uint32_t shape, const std::uint32_t* refs,
+                                       std::size_t n)
+    {
+        std::uint64_t h = mix(shape + 0x9E3779B97F4A7C15ull);
+        for (std::size_t i = 0; i < n; ++i)
+            h = mix(h ^ (refs[i] + 0x9E3779B97F4A7C15ull));
+        return h;
+    }
+
+    // Containers are stored once too, compared by their children's object numbers, which are
+    // final before the container itself is added: keysets repeat the same unassigned controls
+    // and the same actions layer after layer. Their references are the last ones on the scratch
+    // stack (those of nested containers were taken off as each was finished). The table holds
+    // what the comparison needs, so that a repeat is found without visiting the object list.
     std::uint32_t container(Kind kind, std::uint32_t count)
     {
+        const std::uint32_t shape = count << 1 | (kind == Kind::Dict ? 1u : 0u);
+        const std::size_t n = kind == Kind::Dict ? std::size_t(count) * 2 : count;
+        const std::uint32_t* refs = m_refs.data() + (m_refs.size() - n);
+        const std::uint64_t h = containerHash(shape, refs, n);
+        if (m_containers.empty())
+            m_containers.assign(4096, ContainerSlot{});
+        std::size_t mask = m_containers.size() - 1;
+        std::size_t i = std::size_t(h) & mask;
+        const auto check = std::uint32_t(h >> 32);
+        for (; m_containers[i].index; i = (i + 1) & mask) {
+            const ContainerSlot& slot = m_containers[i];
+            if (slot.check == check && slot.shape == shape &&
+                std::equal(refs, refs + n, m_flat.data() + slot.refs)) {
+                m_refs.resize(m_refs.size() - n);
+                return slot.index - 1;
+            }
+        }
         Object o{};
         o.kind = kind;
         o.count = count;
-        const std::uint32_t refs = refCount(o);
         o.refs = std::uint32_t(m_flat.size());
-        m_flat.insert(m_flat.end(), m_refs.end() - refs, m_refs.end());
-        m_refs.resize(m_refs.size() - refs);
-        const std::size_t before = m_objects.size();
-        const std::uint32_t index = unique(o);
-        if (m_objects.size() == before)
-            m_flat.resize(o.refs); // already stored: the copy of its references goes
+        m_flat.insert(m_flat.end(), refs, refs + n);
+        m_refs.resize(m_refs.size() - n);
+        m_objects.push_back(o);
+        const auto index = std::uint32_t(m_objects.size() - 1);
+        m_containers[i] = ContainerSlot{check, index + 1, o.refs, shape};
+        if (++m_containerCount * 2 > m_containers.size()) {
+            std::vector<ContainerSlot> old(m_containers.size() * 2);
+            old.swap(m_containers);
+            mask = m_containers.size() - 1;
+            for (const ContainerSlot& slot : old) {
+                if (!slot.index)
+                    continue;
+                // The low half of the hash is not kept: worked out again from the references.
+                const std::size_t k = std::size_t(slot.shape >> 1) << (slot.shape & 1);
+                const std::uint64_t g = containerHash(slot.shape, m_flat.data() + slot.refs, k);
+                std::size_t j = std::size_t(g) & mask;
+                while (m_containers[j].index)
+                    j = (j + 1) & mask;
+                m_containers[j] = slot;
+            }
+        }
         return index;
     }
 
@@ -848,6 +886,15 @@ private:
     KeyOrder m_keyOrder;
     std::vector<Slot> m_slots;
     std::size_t m_used = 0;
+    struct ContainerSlot
+    {
+        std::uint32_t check = 0; // high half of the hash
+        std::uint32_t index = 0; // object index + 1; 0 for an empty slot
+        std::uint32_t refs = 0;  // first reference in m_flat
+        std::uint32_t shape = 0; // count << 1, low bit set for a dictionary
+    };
+    std::vector<ContainerSlot> m_containers;
+    std::size_t m_containerCount = 0;
     struct Seen
     {
         const QChar* data = nullptr;
@@ -862,6 +909,9 @@ private:
     };
     static constexpr std::size_t kKeySlots = 256;
     KeySlot m_keySlots[kKeySlots] = {};
+    static constexpr std::uint64_t kSmallNumbers = 1024;
+    std::uint32_t m_smallNumbers[kSmallNumbers] = {}; // object index + 1; 0 until stored
+    std::uint32_t m_booleans[2] = {};
     std::size_t m_seenUsed = 0;
     unsigned m_refSize = 1;
 };

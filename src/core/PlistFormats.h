@@ -82,7 +82,7 @@ class KeyOrder
 {
 public:
     // Appends the indices of the entries that are not null, sorted by key.
-    void sorted(const std::vector<PlistEntry>& entries, std::vector<std::uint32_t>& order)
+    void sorted(const PlistSlots<PlistEntry>& entries, std::vector<std::uint32_t>& order)
     {
         const std::size_t mark = order.size();
         std::uint64_t signature = entries.size();

@@ -7,9 +7,12 @@
 
 #include <QHashFunctions>
 #include <QString>
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <cstring>
+#include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -113,28 +116,149 @@ struct PlistValue::DataNode final : Node
     QByteArray bytes;
 };
 
+// Elements of a container node. Readers know a container's size before they build it, so the
+// elements then live in the node's own allocation, one block per container; a container that
+// grows later moves them to a buffer of their own.
+template <typename T>
+class PlistSlots
+{
+public:
+    using value_type = T;
+    using iterator = T*;
+    using const_iterator = const T*;
+
+    PlistSlots() = default;
+    PlistSlots(const PlistSlots&) = delete;
+    PlistSlots& operator=(const PlistSlots&) = delete;
+    ~PlistSlots()
+    {
+        std::destroy_n(m_data, m_size);
+        if (m_heap)
+            ::operator delete(m_data);
+    }
+
+    // Storage inside the owning node, handed over once before anything is stored.
+    void adopt(T* storage, std::size_t capacity)
+    {
+        m_data = storage;
+        m_capacity = capacity;
+    }
+
+    std::size_t size() const { return m_size; }
+    std::size_t capacity() const { return m_capacity; }
+    bool empty() const { return m_size == 0; }
+    T* begin() { return m_data; }
+    T* end() { return m_data + m_size; }
+    const T* begin() const { return m_data; }
+    const T* end() const { return m_data + m_size; }
+    T& operator[](std::size_t i) { return m_data[i]; }
+    const T& operator[](std::size_t i) const { return m_data[i]; }
+
+    void reserve(std::size_t capacity)
+    {
+        if (capacity > m_capacity)
+            moveTo(capacity, nullptr);
+    }
+
+    template <typename... Args>
+    T& emplace_back(Args&&... args)
+    {
+        if (m_size < m_capacity)
+            return *std::construct_at(m_data + m_size++, std::forward<Args>(args)...);
+        // Built in the new buffer before the old one goes: the argument may be one of ours.
+        const std::size_t capacity = m_capacity ? m_capacity * 2 : 1;
+        T* buffer = static_cast<T*>(::operator new(capacity * sizeof(T)));
+        std::construct_at(buffer + m_size, std::forward<Args>(args)...);
+        moveTo(capacity, buffer);
+        return m_data[m_size++];
+    }
+    void push_back(const T& value) { emplace_back(value); }
+    void push_back(T&& value) { emplace_back(std::move(value)); }
+
+    T* erase(T* at)
+    {
+        std::move(at + 1, end(), at);
+        std::destroy_at(m_data + --m_size);
+        return at;
+    }
+
+    bool operator==(const PlistSlots& other) const
+    {
+        return m_size == other.m_size && std::equal(begin(), end(), other.begin());
+    }
+
+private:
+    void moveTo(std::size_t capacity, T* buffer)
+    {
+        if (!buffer)
+            buffer = static_cast<T*>(::operator new(capacity * sizeof(T)));
+        std::uninitialized_move_n(m_data, m_size, buffer);
+        std::destroy_n(m_data, m_size);
+        if (m_heap)
+            ::operator delete(m_data);
+        m_data = buffer;
+        m_capacity = capacity;
+        m_heap = true;
+    }
+
+    T* m_data = nullptr;
+    std::size_t m_size = 0;
+    std::size_t m_capacity = 0;
+    bool m_heap = false;
+};
+
+// A container node together with room for `capacity` elements after it.
+template <typename N, typename T>
+N* createWithSlots(std::size_t capacity)
+{
+    static_assert(sizeof(N) % alignof(T) == 0);
+    void* block = ::operator new(sizeof(N) + capacity * sizeof(T));
+    N* node = new (block) N;
+    if (capacity)
+        node->slots().adopt(reinterpret_cast<T*>(static_cast<char*>(block) + sizeof(N)), capacity);
+    return node;
+}
+
 struct PlistValue::ArrayNode final : Node
 {
-    ArrayNode() : Node(Type::Array) {}
-    Node* clone() const
+    static ArrayNode* create(std::size_t capacity)
     {
-        auto* copy = new ArrayNode;
-        copy->items = items;
+        return createWithSlots<ArrayNode, PlistValue>(capacity);
+    }
+    // Unsized: the block is longer than the node.
+    static void operator delete(void* block) { ::operator delete(block); }
+    ArrayNode* clone() const
+    {
+        auto* copy = create(items.size());
+        for (const PlistValue& item : items)
+            copy->items.emplace_back(item);
         return copy;
     }
-    std::vector<PlistValue> items;
+    PlistSlots<PlistValue>& slots() { return items; }
+    PlistSlots<PlistValue> items;
+
+private:
+    friend ArrayNode* createWithSlots<ArrayNode, PlistValue>(std::size_t);
+    ArrayNode() : Node(Type::Array) {}
 };
 
 struct PlistValue::DictNode final : Node
 {
-    DictNode() : Node(Type::Dict) {}
-    Node* clone() const
+    static DictNode* create(std::size_t capacity)
     {
-        auto* copy = new DictNode;
-        copy->entries = entries;
+        return createWithSlots<DictNode, PlistEntry>(capacity);
+    }
+    // Unsized: the block is longer than the node.
+    static void operator delete(void* block) { ::operator delete(block); }
+    DictNode* clone() const
+    {
+        auto* copy = create(entries.size());
+        for (const PlistEntry& entry : entries)
+            copy->entries.emplace_back(entry);
         copy->registeredKeys = registeredKeys;
         return copy;
     }
+    PlistSlots<PlistEntry>& slots() { return entries; }
     // Looks a key up by the registered key for its text, comparing addresses only; valid when
     // every key of this dictionary is registered, since one text has one registered key.
     const PlistValue* findRegistered(const PlistKeyNode* key) const
@@ -180,8 +304,12 @@ struct PlistValue::DictNode final : Node
         }
         return -1;
     }
-    std::vector<PlistEntry> entries;
+    PlistSlots<PlistEntry> entries;
     bool registeredKeys = true;
+
+private:
+    friend DictNode* createWithSlots<DictNode, PlistEntry>(std::size_t);
+    DictNode() : Node(Type::Dict) {}
 };
 
 // The codec's door into the tree: builds containers from already collected children in one
@@ -189,33 +317,37 @@ struct PlistValue::DictNode final : Node
 class PlistBuilder
 {
 public:
-    static PlistValue array(std::vector<PlistValue>&& items)
+    // Moves the `count` items from `first` on into the new array.
+    static PlistValue array(PlistValue* first, std::size_t count)
     {
         PlistValue v;
-        auto* node = new PlistValue::ArrayNode;
-        node->items = std::move(items);
+        auto* node = PlistValue::ArrayNode::create(count);
+        for (std::size_t i = 0; i < count; ++i)
+            node->items.emplace_back(std::move(first[i]));
         v.m_node = node;
         v.m_type = PlistValue::Type::Array;
         return v;
     }
-    // The caller guarantees that the keys are distinct.
-    static PlistValue dict(std::vector<PlistEntry>&& entries)
+    // Moves the `count` entries from `first` on; the caller guarantees that the keys are
+    // distinct.
+    static PlistValue dict(PlistEntry* first, std::size_t count)
     {
         PlistValue v;
-        auto* node = new PlistValue::DictNode;
-        node->entries = std::move(entries);
-        for (const PlistEntry& entry : node->entries)
-            node->noteKey(entry.first);
+        auto* node = PlistValue::DictNode::create(count);
+        for (std::size_t i = 0; i < count; ++i) {
+            node->noteKey(first[i].first);
+            node->entries.emplace_back(std::move(first[i]));
+        }
         v.m_node = node;
         v.m_type = PlistValue::Type::Dict;
         return v;
     }
 
-    static const std::vector<PlistValue>& items(const PlistValue& array)
+    static const PlistSlots<PlistValue>& items(const PlistValue& array)
     {
         return static_cast<const PlistValue::ArrayNode*>(array.m_node)->items;
     }
-    static const std::vector<PlistEntry>& entries(const PlistValue& dict)
+    static const PlistSlots<PlistEntry>& entries(const PlistValue& dict)
     {
         return static_cast<const PlistValue::DictNode*>(dict.m_node)->entries;
     }

@@ -68,9 +68,7 @@ PlistValue::PlistValue(const QByteArray& data)
 PlistValue PlistValue::makeArray(qsizetype reserve)
 {
     PlistValue v;
-    auto* node = new ArrayNode;
-    if (reserve > 0)
-        node->items.reserve(std::size_t(reserve));
+    auto* node = ArrayNode::create(reserve > 0 ? std::size_t(reserve) : 0);
     v.m_node = node;
     v.m_type = Type::Array;
     return v;
@@ -79,9 +77,7 @@ PlistValue PlistValue::makeArray(qsizetype reserve)
 PlistValue PlistValue::makeDict(qsizetype reserve)
 {
     PlistValue v;
-    auto* node = new DictNode;
-    if (reserve > 0)
-        node->entries.reserve(std::size_t(reserve));
+    auto* node = DictNode::create(reserve > 0 ? std::size_t(reserve) : 0);
     v.m_node = node;
     v.m_type = Type::Dict;
     return v;

@@ -570,12 +570,9 @@ private:
             m_entries.emplace_back(std::move(key), std::move(value));
             releasePassedPages();
         }
-        std::vector<PlistEntry> entries(
-            std::make_move_iterator(m_entries.begin() + qsizetype(mark)),
-            std::make_move_iterator(m_entries.end()));
+        removeDuplicateKeys(m_entries, mark);
+        out = PlistBuilder::dict(m_entries.data() + mark, m_entries.size() - mark);
         m_entries.resize(mark);
-        removeDuplicateKeys(entries, 0);
-        out = PlistBuilder::dict(std::move(entries));
         return true;
     }
 
@@ -599,10 +596,8 @@ private:
             m_values.push_back(std::move(value));
             releasePassedPages();
         }
-        std::vector<PlistValue> items(std::make_move_iterator(m_values.begin() + qsizetype(mark)),
-                                      std::make_move_iterator(m_values.end()));
+        out = PlistBuilder::array(m_values.data() + mark, m_values.size() - mark);
         m_values.resize(mark);
-        out = PlistBuilder::array(std::move(items));
         return true;
     }
 

@@ -750,3 +750,46 @@ TEST(PlistCodec, CharactersNeedingCareAreWrittenWhereverTheyFall)
         }
     }
 }
+
+// Containers come out of the readers sized exactly to their contents: editing them afterwards
+// (growing past that size, appending one of their own elements, removing, copying) must behave
+// as on containers built by hand.
+TEST(PlistCodec, ReadContainersEditLikeBuiltOnes)
+{
+    const PlistValue original =
+        dict({{"TVKName", str(u"Default")}, {"TVKLayers", array({PlistValue(1), PlistValue(2)})}});
+    for (PlistFormat format : {PlistFormat::Xml, PlistFormat::Binary}) {
+        SCOPED_TRACE(formatName(format));
+        const PlistReadResult r = readBytes(PlistCodec::write(original, format));
+        ASSERT_TRUE(r.ok);
+        const PlistValue untouched = r.value;
+        PlistValue edited = r.value;
+
+        PlistValue* layers = edited.find(u"TVKLayers");
+        ASSERT_NE(layers, nullptr);
+        layers->append(layers->at(0));
+        layers->append(layers->at(2));
+        for (int i = 0; i < 6; ++i)
+            edited.insert(QStringLiteral("TVKExtra%1").arg(i), PlistValue(i));
+        EXPECT_TRUE(edited.remove(u"TVKName"));
+        EXPECT_TRUE(edited.remove(u"TVKExtra5"));
+        edited.insert(QStringLiteral("TVKName"), str(u"Other"));
+
+        PlistValue expected = dict(
+            {{"TVKLayers", array({PlistValue(1), PlistValue(2), PlistValue(1), PlistValue(1)})}});
+        for (int i = 0; i < 5; ++i)
+            expected.insert(QStringLiteral("TVKExtra%1").arg(i), PlistValue(i));
+        expected.insert(QStringLiteral("TVKName"), str(u"Other"));
+        EXPECT_EQ(edited, expected);
+        EXPECT_EQ(edited.keyAt(0), QStringLiteral("TVKLayers"));
+        EXPECT_EQ(edited.keyAt(6), QStringLiteral("TVKName"));
+        EXPECT_EQ(untouched, original);
+        EXPECT_EQ(readBytes(PlistCodec::write(edited, format)).value, expected);
+    }
+
+    PlistValue reserved = PlistValue::makeArray(2);
+    for (int i = 0; i < 5; ++i)
+        reserved.append(PlistValue(i));
+    EXPECT_EQ(reserved,
+              array({PlistValue(0), PlistValue(1), PlistValue(2), PlistValue(3), PlistValue(4)}));
+}
