@@ -15,8 +15,8 @@ namespace {
 
 constexpr std::size_t kTrailerSize = 32;
 constexpr std::size_t kHeaderSize = 8;
-constexpr std::uint64_t kObjectsPerByte = 256;
-constexpr std::uint64_t kBaseBudget = std::uint64_t(1) << 20;
+constexpr std::uint64_t kObjectsPerByte = 1024;
+constexpr std::uint64_t kBaseBudget = std::uint64_t(1) << 22;
 
 std::uint64_t bigEndian(const unsigned char* p, unsigned size)
 {
@@ -101,9 +101,10 @@ private:
         m_active.assign(std::size_t(m_count), 0);
         m_slot.assign(std::size_t(m_count), 0);
         // Shared containers let a few bytes stand for an enormous tree, which whoever walks it
-        // would pay for. Our own writer shares every repeated action and control, which for a
-        // configuration of mostly unassigned controls is a few hundred objects per byte at most;
-        // anything past that is refused before it can grow without bound.
+        // would pay for. Our own writer shares every repeated action, control and layer; every
+        // keyset still stores its own name and numbers, which keeps even a configuration of
+        // nothing but unassigned controls at a few hundred objects per byte. Anything past the
+        // limit is refused before it can grow without bound.
         m_budget = m_n * kObjectsPerByte + kBaseBudget;
         return object(top, trailerAt, 1, out);
     }

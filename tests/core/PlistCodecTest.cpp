@@ -528,9 +528,9 @@ TEST(PlistCodec, MalformedBinaryIsRefusedWithPositionAndReason)
     QByteArray badOffset = binary({bytesOf({0x09})});
     badOffset[9] = char(100);
 
-    // a[0] = a[1] = b, b[0] = b[1] = c, ...: a tree of 2^20 leaves from a few bytes.
+    // a[0] = a[1] = b, b[0] = b[1] = c, ...: a tree of 2^30 leaves from a few bytes.
     std::vector<QByteArray> doubling;
-    for (int i = 0; i < 20; ++i)
+    for (int i = 0; i < 30; ++i)
         doubling.push_back(bytesOf({0xA2, i + 1, i + 1}));
     doubling.push_back(bytesOf({0x09}));
 

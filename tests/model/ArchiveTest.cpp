@@ -6,6 +6,7 @@
 #include "model/TVKDisplayControl.h"
 #include "model/TVKLayer.h"
 
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <functional>
 #include <variant>
@@ -111,6 +112,24 @@ TEST_F(ArchiveTest, WholeConfigurationRoundTripsThroughTheTreeAndAFile)
     ASSERT_TRUE(read.ok) << read.error.toString().toStdString();
     const CorvaneModelData fromFile(read.value);
     EXPECT_EQ(firstDifference(archiveOf(fromFile), archive).toStdString(), "");
+}
+
+// Unassigned controls are the same in every layer of every keyset, so the binary form stores a
+// configuration of them in well under a kilobyte per keyset; it must read back however many
+// there are.
+TEST_F(ArchiveTest, ConfigurationsOfUnassignedKeysetsReadBackFromTheBinaryForm)
+{
+    CorvaneModelData original;
+    for (int i = 1; i < 120; ++i)
+        original.addKeysetWithName(QStringLiteral("Keyset %1").arg(i), fourCC("AP00") + quint32(i));
+    const PlistValue archive = archiveOf(original);
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("config.bplist"));
+    ASSERT_TRUE(corvane::PlistCodec::writeFile(path, archive, corvane::PlistFormat::Binary));
+    EXPECT_LT(QFileInfo(path).size(), 120 * 1024);
+    const corvane::PlistReadResult read = corvane::PlistCodec::readFile(path);
+    ASSERT_TRUE(read.ok) << read.error.reason.toStdString();
+    EXPECT_EQ(read.value, archive);
 }
 
 TEST_F(ArchiveTest, ExportedKeysetImportsAsAnEqualKeyset)
