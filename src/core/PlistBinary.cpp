@@ -720,6 +720,16 @@ private:
         return h;
     }
 
+    // A handful of references as a rule: compared in place rather than through a library call.
+    static bool sameReferences(const std::uint32_t* a, const std::uint32_t* b, std::size_t n)
+    {
+        for (std::size_t i = 0; i < n; ++i) {
+            if (a[i] != b[i])
+                return false;
+        }
+        return true;
+    }
+
     // Containers are stored once too, compared by their children's object numbers, which are
     // final before the container itself is added: keysets repeat the same unassigned controls
     // and the same actions layer after layer. Their references are the last ones on the scratch
@@ -739,7 +749,7 @@ private:
         for (; m_containers[i].index; i = (i + 1) & mask) {
             const ContainerSlot& slot = m_containers[i];
             if (slot.check == check && slot.shape == shape &&
-                std::equal(refs, refs + n, m_flat.data() + slot.refs)) {
+                sameReferences(refs, m_flat.data() + slot.refs, n)) {
                 m_refs.resize(m_refs.size() - n);
                 return slot.index - 1;
             }
