@@ -542,6 +542,24 @@ private:
         }
     }
 
+    // The writer's tables are open-addressing and kept at most half full: doubled, and every
+    // used slot placed again by its hash.
+    template <typename Slot, typename Used, typename Hash>
+    static void grow(std::vector<Slot>& table, Used used, Hash hash)
+    {
+        std::vector<Slot> old(table.size() * 2);
+        old.swap(table);
+        const std::size_t mask = table.size() - 1;
+        for (const Slot& slot : old) {
+            if (!used(slot))
+                continue;
+            std::size_t j = std::size_t(hash(slot)) & mask;
+            while (used(table[j]))
+                j = (j + 1) & mask;
+            table[j] = slot;
+        }
+    }
+
     // Every object is stored once however often it occurs, found through an open-addressing
     // table so that the whole write stays linear.
     std::uint32_t unique(const Object& o)
@@ -549,7 +567,7 @@ private:
         if (m_slots.empty())
             m_slots.assign(4096, Slot{});
         const std::uint64_t h = hashOf(o);
-        std::size_t mask = m_slots.size() - 1;
+        const std::size_t mask = m_slots.size() - 1;
         std::size_t i = std::size_t(h) & mask;
         while (m_slots[i].index) {
             if (m_slots[i].hash == h && same(m_objects[m_slots[i].index - 1], o))
@@ -559,19 +577,10 @@ private:
         m_objects.push_back(o);
         const auto index = std::uint32_t(m_objects.size() - 1);
         m_slots[i] = Slot{h, index + 1};
-        if (++m_used * 2 > m_slots.size()) {
-            std::vector<Slot> old(m_slots.size() * 2);
-            old.swap(m_slots);
-            mask = m_slots.size() - 1;
-            for (const Slot& s : old) {
-                if (!s.index)
-                    continue;
-                std::size_t j = std::size_t(s.hash) & mask;
-                while (m_slots[j].index)
-                    j = (j + 1) & mask;
-                m_slots[j] = s;
-            }
-        }
+        if (++m_used * 2 > m_slots.size())
+            grow(
+                m_slots, [](const Slot& slot) { return slot.index != 0; },
+                [](const Slot& slot) { return slot.hash; });
         return index;
     }
 
@@ -604,7 +613,7 @@ private:
             m_seen.assign(1024, Seen{});
         const QChar* data = s.constData();
         const auto size = std::uint32_t(s.size());
-        std::size_t mask = m_seen.size() - 1;
+        const std::size_t mask = m_seen.size() - 1;
         std::size_t i = std::size_t(mix(std::uint64_t(std::uintptr_t(data)) ^ size)) & mask;
         while (m_seen[i].data) {
             if (m_seen[i].data == data && m_seen[i].size == size)
@@ -616,20 +625,10 @@ private:
         o.text = &s;
         const std::uint32_t index = unique(o);
         m_seen[i] = Seen{data, size, index};
-        if (++m_seenUsed * 2 > m_seen.size()) {
-            std::vector<Seen> old(m_seen.size() * 2);
-            old.swap(m_seen);
-            mask = m_seen.size() - 1;
-            for (const Seen& e : old) {
-                if (!e.data)
-                    continue;
-                std::size_t j =
-                    std::size_t(mix(std::uint64_t(std::uintptr_t(e.data)) ^ e.size)) & mask;
-                while (m_seen[j].data)
-                    j = (j + 1) & mask;
-                m_seen[j] = e;
-            }
-        }
+        if (++m_seenUsed * 2 > m_seen.size())
+            grow(
+                m_seen, [](const Seen& e) { return e.data != nullptr; },
+                [](const Seen& e) { return mix(std::uint64_t(std::uintptr_t(e.data)) ^ e.size); });
         return index;
     }
 
@@ -720,6 +719,12 @@ private:
         return h;
     }
 
+    // A dictionary refers to a key and a value per entry.
+    static std::size_t referencesOf(std::uint32_t shape)
+    {
+        return std::size_t(shape >> 1) << (shape & 1);
+    }
+
     // A handful of references as a rule: compared in place rather than through a library call.
     static bool sameReferences(const std::uint32_t* a, const std::uint32_t* b, std::size_t n)
     {
@@ -738,12 +743,12 @@ private:
     std::uint32_t container(Kind kind, std::uint32_t count)
     {
         const std::uint32_t shape = count << 1 | (kind == Kind::Dict ? 1u : 0u);
-        const std::size_t n = kind == Kind::Dict ? std::size_t(count) * 2 : count;
+        const std::size_t n = referencesOf(shape);
         const std::uint32_t* refs = m_refs.data() + (m_refs.size() - n);
         const std::uint64_t h = containerHash(shape, refs, n);
         if (m_containers.empty())
             m_containers.assign(4096, ContainerSlot{});
-        std::size_t mask = m_containers.size() - 1;
+        const std::size_t mask = m_containers.size() - 1;
         std::size_t i = std::size_t(h) & mask;
         const auto check = std::uint32_t(h >> 32);
         for (; m_containers[i].index; i = (i + 1) & mask) {
@@ -763,22 +768,14 @@ private:
         m_objects.push_back(o);
         const auto index = std::uint32_t(m_objects.size() - 1);
         m_containers[i] = ContainerSlot{check, index + 1, o.refs, shape};
-        if (++m_containerCount * 2 > m_containers.size()) {
-            std::vector<ContainerSlot> old(m_containers.size() * 2);
-            old.swap(m_containers);
-            mask = m_containers.size() - 1;
-            for (const ContainerSlot& slot : old) {
-                if (!slot.index)
-                    continue;
-                // The low half of the hash is not kept: worked out again from the references.
-                const std::size_t k = std::size_t(slot.shape >> 1) << (slot.shape & 1);
-                const std::uint64_t g = containerHash(slot.shape, m_flat.data() + slot.refs, k);
-                std::size_t j = std::size_t(g) & mask;
-                while (m_containers[j].index)
-                    j = (j + 1) & mask;
-                m_containers[j] = slot;
-            }
-        }
+        if (++m_containerCount * 2 > m_containers.size())
+            // The low half of the hash is not kept: worked out again from the references.
+            grow(
+                m_containers, [](const ContainerSlot& slot) { return slot.index != 0; },
+                [this](const ContainerSlot& slot) {
+                    return containerHash(slot.shape, m_flat.data() + slot.refs,
+                                         referencesOf(slot.shape));
+                });
         return index;
     }
 

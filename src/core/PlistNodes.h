@@ -43,8 +43,6 @@ public:
     // The process-wide key for this text, registered on first use; a private key only when the
     // text is too long or the registry is full.
     static PlistKey shared(QStringView text);
-    // The registered key for this text, or a null key when the text was never registered.
-    static PlistKey registered(QStringView text);
     bool isRegistered() const { return m_node && m_node->registered; }
     // Refers to a key of the registry, which is never counted.
     explicit PlistKey(PlistKeyNode* registeredNode) : m_node(registeredNode) {}

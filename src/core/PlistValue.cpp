@@ -450,37 +450,29 @@ PlistKey PlistKey::shared(QStringView text)
     return node ? PlistKey(node) : PlistKey(text.toString());
 }
 
-PlistKey PlistKey::registered(QStringView text)
+const PlistValue* PlistValue::entryValue(QStringView key) const
 {
-    PlistKeyNode* node = KeyRegistry::instance().find(text);
-    return node ? PlistKey(node) : PlistKey();
+    const DictNode* d = dictNode();
+    if (!d)
+        return nullptr;
+    if (d->registeredKeys) {
+        // Every key here is registered, so an unregistered text cannot be among them.
+        const PlistKeyNode* k = KeyCache::local().lookup(key);
+        return k ? d->findRegistered(k) : nullptr;
+    }
+    const qsizetype i = d->indexOf(key);
+    return i < 0 ? nullptr : &d->entries[std::size_t(i)].second;
 }
 
 const PlistValue& PlistValue::value(QStringView key) const
 {
-    const DictNode* d = dictNode();
-    if (!d)
-        return null();
-    if (d->registeredKeys) {
-        // Every key here is registered, so an unregistered text cannot be among them.
-        const PlistKeyNode* k = KeyCache::local().lookup(key);
-        const PlistValue* found = k ? d->findRegistered(k) : nullptr;
-        return found ? *found : null();
-    }
-    const qsizetype i = d->indexOf(key);
-    return i < 0 ? null() : d->entries[std::size_t(i)].second;
+    const PlistValue* found = entryValue(key);
+    return found ? *found : null();
 }
 
 bool PlistValue::contains(QStringView key) const
 {
-    const DictNode* d = dictNode();
-    if (!d)
-        return false;
-    if (d->registeredKeys) {
-        const PlistKeyNode* k = KeyCache::local().lookup(key);
-        return k && d->findRegistered(k);
-    }
-    return d->indexOf(key) >= 0;
+    return entryValue(key) != nullptr;
 }
 
 void PlistValue::insert(const QString& key, PlistValue value)

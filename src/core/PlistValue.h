@@ -169,6 +169,8 @@ private:
         if (isHeapType(m_type))
             m_node->refs.fetch_add(1, std::memory_order_relaxed);
     }
+    // The value stored under the key, or null when this is no dictionary or has no such key.
+    const PlistValue* entryValue(QStringView key) const;
     ArrayNode* mutableArray();
     DictNode* mutableDict();
     const ArrayNode* arrayNode() const;
