@@ -8,6 +8,8 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <system_error>
+#include <thread>
 
 namespace corvane::plist {
 
@@ -442,70 +444,130 @@ inline char* putBigEndian(char* d, std::uint64_t v, unsigned size)
     return d + size;
 }
 
-class BinaryWriter
+enum class Kind : std::uint8_t
+{
+    False,
+    True,
+    Integer,
+    Unsigned,
+    Real,
+    Date,
+    Data,
+    String,
+    Array,
+    Dict
+};
+
+struct Object
+{
+    Kind kind;
+    union {
+        std::uint64_t bits;
+        const QString* text;
+        const QByteArray* bytes;
+    };
+    std::uint32_t refs = 0; // first of this container's references in the table's list
+    std::uint32_t count = 0;
+};
+
+// Every distinct object of a tree, numbered in the order the file lists them: each stored once
+// however often it occurs, a container after its children.
+class ObjectTable
 {
 public:
-    BinaryWriter(Sink& out, QString& error) : m_out(out), m_error(error) {}
+    explicit ObjectTable(QString& error) : m_error(error) {}
 
-    bool document(const PlistValue& value)
+    // A list whose items from `mid` on another table collects meanwhile; `finish` waits for
+    // it and says whether it succeeded.
+    struct Split
     {
-        if (value.isNull()) {
-            m_error = QStringLiteral("nothing to write: the value is null");
+        const PlistSlots<PlistValue>* items = nullptr;
+        std::size_t mid = 0;
+        int depth = 0; // the list's own
+        const ObjectTable* other = nullptr;
+        std::function<bool()> finish;
+    };
+    void setSplit(Split* split) { m_split = split; }
+
+    const std::vector<Object>& objects() const { return m_objects; }
+    const std::uint32_t* references(const Object& o) const { return m_flat.data() + o.refs; }
+
+    // Adds the value and everything below it; containers come after their children, so the
+    // top object is the last. Returns false for a tree too deep to read back.
+    bool add(const PlistValue& v, int depth, std::uint32_t* index = nullptr)
+    {
+        if (depth > kMaxDepth) {
+            m_error = QStringLiteral("nesting deeper than %1 levels").arg(kMaxDepth);
             return false;
         }
-        std::uint32_t top = 0;
-        if (!add(value, 1, &top))
-            return false;
-        m_refSize = bytesFor(m_objects.size() - 1);
-        m_out.put("bplist00", 8);
-        std::vector<std::uint64_t> offsets(m_objects.size());
-        for (std::size_t i = 0; i < m_objects.size(); ++i) {
-            offsets[i] = m_out.total();
-            write(m_objects[i]);
+        std::uint32_t result = 0;
+        switch (v.type()) {
+        case PlistValue::Type::Null:
+            break;
+        case PlistValue::Type::Boolean:
+            result = leaf(v.toBool() ? Kind::True : Kind::False, 0);
+            break;
+        case PlistValue::Type::Integer:
+            result = leaf(v.isUnsignedInteger() ? Kind::Unsigned : Kind::Integer,
+                          PlistBuilder::integerBits(v));
+            break;
+        case PlistValue::Type::Real:
+            result = leaf(Kind::Real, std::bit_cast<std::uint64_t>(PlistBuilder::realBits(v)));
+            break;
+        case PlistValue::Type::Date:
+            result = leaf(Kind::Date, std::bit_cast<std::uint64_t>(PlistBuilder::realBits(v)));
+            break;
+        case PlistValue::Type::String:
+            result = text(PlistBuilder::text(v));
+            break;
+        case PlistValue::Type::Data: {
+            Object o{};
+            o.kind = Kind::Data;
+            o.bytes = &PlistBuilder::bytes(v);
+            result = unique(o);
+            break;
         }
-        const std::uint64_t position = m_out.total();
-        const unsigned offsetSize = bytesFor(position);
-        for (const std::uint64_t offset : offsets) {
-            char* d = m_out.reserve(offsetSize);
-            m_out.commit(putBigEndian(d, offset, offsetSize));
+        case PlistValue::Type::Array: {
+            const auto& items = PlistBuilder::items(v);
+            std::uint32_t count = 0;
+            if (m_split && &items == m_split->items) {
+                if (!addItems(items, 0, m_split->mid, depth, count) || !m_split->finish())
+                    return false;
+                count += merge(*m_split->other);
+            } else if (!addItems(items, 0, items.size(), depth, count)) {
+                return false;
+            }
+            result = container(Kind::Array, count);
+            break;
         }
-        char* d = m_out.reserve(kTrailerSize);
-        std::memset(d, 0, 6);
-        d[6] = char(offsetSize);
-        d[7] = char(m_refSize);
-        d = putBigEndian(d + 8, m_objects.size(), 8);
-        d = putBigEndian(d, top, 8);
-        d = putBigEndian(d, position, 8);
-        m_out.commit(d);
+        case PlistValue::Type::Dict:
+            if (!dict(v, depth, result))
+                return false;
+            break;
+        }
+        if (index)
+            *index = result;
+        return true;
+    }
+
+    // The items [from, to) of a list at `depth`, nulls left out; their object numbers go on
+    // the scratch stack.
+    bool addItems(const PlistSlots<PlistValue>& items, std::size_t from, std::size_t to, int depth,
+                  std::uint32_t& count)
+    {
+        for (std::size_t i = from; i < to; ++i) {
+            if (items[i].isNull())
+                continue;
+            std::uint32_t child;
+            if (!add(items[i], depth + 1, &child))
+                return false;
+            m_refs.push_back(child);
+            ++count;
+        }
         return true;
     }
 
 private:
-    enum class Kind : std::uint8_t
-    {
-        False,
-        True,
-        Integer,
-        Unsigned,
-        Real,
-        Date,
-        Data,
-        String,
-        Array,
-        Dict
-    };
-    struct Object
-    {
-        Kind kind;
-        union {
-            std::uint64_t bits;
-            const QString* text;
-            const QByteArray* bytes;
-        };
-        std::uint32_t refs = 0; // first of this container's references in m_refs
-        std::uint32_t count = 0;
-    };
-
     static std::uint64_t mix(std::uint64_t h)
     {
         h ^= h >> 33;
@@ -650,64 +712,40 @@ private:
         return slot.index;
     }
 
-    // Adds the value and everything below it; containers come after their children, so the
-    // top object is the last. Returns false for a tree too deep to read back.
-    bool add(const PlistValue& v, int depth, std::uint32_t* index = nullptr)
+    // Takes in what another table collected for the rest of a split list, in its order: each
+    // object is looked up or added here as it would have been had this table met it itself, so
+    // the file comes out the same whichever way it was collected. The other table's list items
+    // (the only references left on its scratch stack) follow on this one's; returns their
+    // number.
+    std::uint32_t merge(const ObjectTable& other)
     {
-        if (depth > kMaxDepth) {
-            m_error = QStringLiteral("nesting deeper than %1 levels").arg(kMaxDepth);
-            return false;
-        }
-        std::uint32_t result = 0;
-        switch (v.type()) {
-        case PlistValue::Type::Null:
-            break;
-        case PlistValue::Type::Boolean:
-            result = leaf(v.toBool() ? Kind::True : Kind::False, 0);
-            break;
-        case PlistValue::Type::Integer:
-            result = leaf(v.isUnsignedInteger() ? Kind::Unsigned : Kind::Integer,
-                          PlistBuilder::integerBits(v));
-            break;
-        case PlistValue::Type::Real:
-            result = leaf(Kind::Real, std::bit_cast<std::uint64_t>(PlistBuilder::realBits(v)));
-            break;
-        case PlistValue::Type::Date:
-            result = leaf(Kind::Date, std::bit_cast<std::uint64_t>(PlistBuilder::realBits(v)));
-            break;
-        case PlistValue::Type::String:
-            result = text(PlistBuilder::text(v));
-            break;
-        case PlistValue::Type::Data: {
-            Object o{};
-            o.kind = Kind::Data;
-            o.bytes = &PlistBuilder::bytes(v);
-            result = unique(o);
-            break;
-        }
-        case PlistValue::Type::Array: {
-            const auto& items = PlistBuilder::items(v);
-            std::uint32_t count = 0;
-            for (const PlistValue& item : items) {
-                std::uint32_t child;
-                if (item.isNull())
-                    continue;
-                if (!add(item, depth + 1, &child))
-                    return false;
-                m_refs.push_back(child);
-                ++count;
+        std::vector<std::uint32_t> number(other.m_objects.size());
+        for (std::size_t j = 0; j < other.m_objects.size(); ++j) {
+            const Object& o = other.m_objects[j];
+            switch (o.kind) {
+            case Kind::Array:
+            case Kind::Dict: {
+                const std::uint32_t* refs = other.references(o);
+                const std::size_t n = o.kind == Kind::Dict ? std::size_t(o.count) * 2 : o.count;
+                for (std::size_t k = 0; k < n; ++k)
+                    m_refs.push_back(number[refs[k]]);
+                number[j] = container(o.kind, o.count);
+                break;
             }
-            result = container(Kind::Array, count);
-            break;
+            case Kind::String:
+                number[j] = text(*o.text);
+                break;
+            case Kind::Data:
+                number[j] = unique(o);
+                break;
+            default:
+                number[j] = leaf(o.kind, o.bits);
+                break;
+            }
         }
-        case PlistValue::Type::Dict:
-            if (!dict(v, depth, result))
-                return false;
-            break;
-        }
-        if (index)
-            *index = result;
-        return true;
+        for (const std::uint32_t item : other.m_refs)
+            m_refs.push_back(number[item]);
+        return std::uint32_t(other.m_refs.size());
     }
 
     static std::uint64_t containerHash(std::uint32_t shape, const std::uint32_t* refs,
@@ -799,6 +837,182 @@ private:
         return true;
     }
 
+    struct Slot
+    {
+        std::uint64_t hash = 0;
+        std::uint32_t index = 0; // object index + 1; 0 for an empty slot
+    };
+
+    QString& m_error;
+    Split* m_split = nullptr;
+    std::vector<Object> m_objects;
+    std::vector<std::uint32_t> m_refs;
+    std::vector<std::uint32_t> m_flat;
+    std::vector<std::uint32_t> m_order;
+    KeyOrder m_keyOrder;
+    std::vector<Slot> m_slots;
+    std::size_t m_used = 0;
+    struct ContainerSlot
+    {
+        std::uint32_t check = 0; // high half of the hash
+        std::uint32_t index = 0; // object index + 1; 0 for an empty slot
+        std::uint32_t refs = 0;  // first reference in m_flat
+        std::uint32_t shape = 0; // count << 1, low bit set for a dictionary
+    };
+    std::vector<ContainerSlot> m_containers;
+    std::size_t m_containerCount = 0;
+    struct Seen
+    {
+        const QChar* data = nullptr;
+        std::uint32_t size = 0;
+        std::uint32_t index = 0;
+    };
+    std::vector<Seen> m_seen;
+    struct KeySlot
+    {
+        const PlistKeyNode* node = nullptr;
+        std::uint32_t index = 0;
+    };
+    static constexpr std::size_t kKeySlots = 256;
+    KeySlot m_keySlots[kKeySlots] = {};
+    static constexpr std::uint64_t kSmallNumbers = 1024;
+    std::uint32_t m_smallNumbers[kSmallNumbers] = {}; // object index + 1; 0 until stored
+    std::uint32_t m_booleans[2] = {};
+    std::size_t m_seenUsed = 0;
+};
+
+// A document of at least this many values is collected on two cores.
+constexpr std::size_t kSplitValues = 100000;
+
+// Counts the values of a tree until `left` is used up.
+void countValues(const PlistValue& v, std::size_t& left, int depth)
+{
+    if (left == 0 || depth > kMaxDepth)
+        return;
+    --left;
+    if (v.isArray()) {
+        for (const PlistValue& item : PlistBuilder::items(v))
+            countValues(item, left, depth + 1);
+    } else if (v.isDict()) {
+        for (const PlistEntry& entry : PlistBuilder::entries(v))
+            countValues(entry.second, left, depth + 1);
+    }
+}
+
+class BinaryWriter
+{
+public:
+    BinaryWriter(Sink& out, QString& error, BinaryCollection collection)
+        : m_out(out), m_error(error), m_collection(collection)
+    {}
+
+    bool document(const PlistValue& value)
+    {
+        if (value.isNull()) {
+            m_error = QStringLiteral("nothing to write: the value is null");
+            return false;
+        }
+        ObjectTable table(m_error);
+        std::uint32_t top = 0;
+        if (!collect(value, table, top))
+            return false;
+        m_table = &table;
+        const std::vector<Object>& objects = table.objects();
+        m_refSize = bytesFor(objects.size() - 1);
+        m_out.put("bplist00", 8);
+        std::vector<std::uint64_t> offsets(objects.size());
+        for (std::size_t i = 0; i < objects.size(); ++i) {
+            offsets[i] = m_out.total();
+            write(objects[i]);
+        }
+        const std::uint64_t position = m_out.total();
+        const unsigned offsetSize = bytesFor(position);
+        for (const std::uint64_t offset : offsets) {
+            char* d = m_out.reserve(offsetSize);
+            m_out.commit(putBigEndian(d, offset, offsetSize));
+        }
+        char* d = m_out.reserve(kTrailerSize);
+        std::memset(d, 0, 6);
+        d[6] = char(offsetSize);
+        d[7] = char(m_refSize);
+        d = putBigEndian(d + 8, objects.size(), 8);
+        d = putBigEndian(d, top, 8);
+        d = putBigEndian(d, position, 8);
+        m_out.commit(d);
+        return true;
+    }
+
+private:
+    // The widest list at the top of a large document (a configuration's keysets), to be cut
+    // in two; none when the document is small or has no such list.
+    static ObjectTable::Split findSplit(const PlistValue& root)
+    {
+        ObjectTable::Split split;
+        std::size_t widest = 1;
+        const auto consider = [&](const PlistValue& v, int depth) {
+            if (!v.isArray())
+                return;
+            const auto& items = PlistBuilder::items(v);
+            const auto width =
+                std::size_t(std::count_if(items.begin(), items.end(), [](const PlistValue& item) {
+                    return item.isArray() || item.isDict();
+                }));
+            if (width > widest) {
+                widest = width;
+                split.items = &items;
+                split.depth = depth;
+            }
+        };
+        consider(root, 1);
+        if (root.isDict()) {
+            for (const PlistEntry& entry : PlistBuilder::entries(root))
+                consider(entry.second, 2);
+        }
+        if (!split.items)
+            return {};
+        std::size_t left = kSplitValues;
+        for (const PlistValue& item : *split.items)
+            countValues(item, left, split.depth + 1);
+        if (left > 0)
+            return {};
+        split.mid = split.items->size() / 2;
+        return split;
+    }
+
+    // A large document is collected by two tables at once, the second taking the second half
+    // of its widest list; the first takes in the second's objects when it gets there.
+    bool collect(const PlistValue& value, ObjectTable& table, std::uint32_t& top)
+    {
+        ObjectTable::Split split;
+        if (m_collection == BinaryCollection::TwoThreads && std::thread::hardware_concurrency() > 1)
+            split = findSplit(value);
+        if (!split.items)
+            return table.add(value, 1, &top);
+        QString otherError;
+        ObjectTable other(otherError);
+        bool otherDone = false;
+        std::jthread helper;
+        try {
+            helper = std::jthread([&] {
+                std::uint32_t count = 0;
+                otherDone = other.addItems(*split.items, split.mid, split.items->size(),
+                                           split.depth, count);
+            });
+        } catch (const std::system_error&) {
+            // No thread to be had: this one collects it all.
+            return table.add(value, 1, &top);
+        }
+        split.other = &other;
+        split.finish = [&] {
+            helper.join();
+            if (!otherDone)
+                m_error = otherError;
+            return otherDone;
+        };
+        table.setSplit(&split);
+        return table.add(value, 1, &top);
+    }
+
     void header(unsigned type, std::uint64_t count)
     {
         if (count < 15) {
@@ -870,57 +1084,20 @@ private:
         case Kind::Dict: {
             header(o.kind == Kind::Array ? 0xA : 0xD, o.count);
             const std::uint32_t refs = o.kind == Kind::Array ? o.count : o.count * 2;
+            const std::uint32_t* numbers = m_table->references(o);
             char* d = m_out.reserve(std::size_t(refs) * m_refSize);
             for (std::uint32_t i = 0; i < refs; ++i)
-                d = putBigEndian(d, m_flat[o.refs + i], m_refSize);
+                d = putBigEndian(d, numbers[i], m_refSize);
             m_out.commit(d);
             return;
         }
         }
     }
 
-    struct Slot
-    {
-        std::uint64_t hash = 0;
-        std::uint32_t index = 0; // object index + 1; 0 for an empty slot
-    };
-
     Sink& m_out;
     QString& m_error;
-    std::vector<Object> m_objects;
-    std::vector<std::uint32_t> m_refs;
-    std::vector<std::uint32_t> m_flat;
-    std::vector<std::uint32_t> m_order;
-    KeyOrder m_keyOrder;
-    std::vector<Slot> m_slots;
-    std::size_t m_used = 0;
-    struct ContainerSlot
-    {
-        std::uint32_t check = 0; // high half of the hash
-        std::uint32_t index = 0; // object index + 1; 0 for an empty slot
-        std::uint32_t refs = 0;  // first reference in m_flat
-        std::uint32_t shape = 0; // count << 1, low bit set for a dictionary
-    };
-    std::vector<ContainerSlot> m_containers;
-    std::size_t m_containerCount = 0;
-    struct Seen
-    {
-        const QChar* data = nullptr;
-        std::uint32_t size = 0;
-        std::uint32_t index = 0;
-    };
-    std::vector<Seen> m_seen;
-    struct KeySlot
-    {
-        const PlistKeyNode* node = nullptr;
-        std::uint32_t index = 0;
-    };
-    static constexpr std::size_t kKeySlots = 256;
-    KeySlot m_keySlots[kKeySlots] = {};
-    static constexpr std::uint64_t kSmallNumbers = 1024;
-    std::uint32_t m_smallNumbers[kSmallNumbers] = {}; // object index + 1; 0 until stored
-    std::uint32_t m_booleans[2] = {};
-    std::size_t m_seenUsed = 0;
+    BinaryCollection m_collection;
+    const ObjectTable* m_table = nullptr;
     unsigned m_refSize = 1;
 };
 
@@ -932,9 +1109,9 @@ bool readBinary(const char* begin, std::size_t size, PlistValue& out, PlistError
     return reader.run(out, error);
 }
 
-bool writeBinary(const PlistValue& value, Sink& sink, QString& error)
+bool writeBinary(const PlistValue& value, Sink& sink, QString& error, BinaryCollection collection)
 {
-    BinaryWriter writer(sink, error);
+    BinaryWriter writer(sink, error, collection);
     return writer.document(value);
 }
 

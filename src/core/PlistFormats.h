@@ -158,7 +158,15 @@ bool readBinary(const char* begin, std::size_t size, PlistValue& out, PlistError
 // False, with the reason, for trees no property list can hold (a null value, deeper than
 // kMaxDepth).
 bool writeXml(const PlistValue& value, Sink& sink, QString& error);
-bool writeBinary(const PlistValue& value, Sink& sink, QString& error);
+// Large documents are collected on two threads unless told otherwise; the bytes are the same
+// either way.
+enum class BinaryCollection
+{
+    TwoThreads,
+    OneThread
+};
+bool writeBinary(const PlistValue& value, Sink& sink, QString& error,
+                 BinaryCollection collection = BinaryCollection::TwoThreads);
 
 // Readers collect a dictionary's entries first; a key given twice keeps its last value.
 void removeDuplicateKeys(std::vector<PlistEntry>& entries, std::size_t from);

@@ -1,6 +1,7 @@
 #include "core/PlistCodec.h"
 
 #include "FailDevice.h"
+#include "core/PlistFormats.h"
 #include "core/PlistNodes.h"
 
 #include <QDir>
@@ -792,4 +793,97 @@ TEST(PlistCodec, ReadContainersEditLikeBuiltOnes)
         reserved.append(PlistValue(i));
     EXPECT_EQ(reserved,
               array({PlistValue(0), PlistValue(1), PlistValue(2), PlistValue(3), PlistValue(4)}));
+}
+
+namespace {
+
+// Shaped like a stored configuration and large enough to be collected on two threads: keysets
+// of layers of controls, names and actions repeating across keysets, some values only once.
+PlistValue configurationLike(int keysets, bool gaps = false)
+{
+    PlistValue list = PlistValue::makeArray();
+    for (int k = 0; k < keysets; ++k) {
+        PlistValue layers = PlistValue::makeArray();
+        for (int l = 0; l < 4; ++l) {
+            PlistValue controls = PlistValue::makeArray();
+            for (int c = 0; c < 1500; ++c) {
+                PlistValue control =
+                    dict({{"TVKName", PlistValue(QStringLiteral("Encoder %1").arg(c % 300))},
+                          {"TVKAction", dict({{"TVKType", PlistValue(c % 7)},
+                                              {"TVKValue", PlistValue(0.5 * (c % 5))}})}});
+                if (c % 20 == k)
+                    control.insert(QStringLiteral("TVKUsrName"),
+                                   PlistValue(QStringLiteral("Gain \u00e9 %1").arg(k * c)));
+                if (c % 333 == 0)
+                    control.insert(QStringLiteral("TVKIcon"),
+                                   PlistValue(QByteArray(40, char(k + c % 3))));
+                if (c % 250 == 1)
+                    control.insert(QStringLiteral("TVKBig"),
+                                   PlistValue(quint64(0xF000000000000000ull) + quint64(k)));
+                controls.append(control);
+            }
+            layers.append(controls);
+        }
+        list.append(dict({{"TVKName", PlistValue(QStringLiteral("Keyset %1").arg(k % 3))},
+                          {"TVKLayers", layers},
+                          {"TVKOffset", PlistValue(-k)},
+                          {"TVKDate", PlistValue::makeDate(1000.0 * k)},
+                          {"TVKLocked", PlistValue(k % 2 == 0)}}));
+        // Null items, which the writers leave out, move where the list is cut.
+        if (gaps && k % 2)
+            list.append(PlistValue());
+    }
+    return dict({{"TVKKeysets", list}, {"TVKHardwareStyle", PlistValue(2)}});
+}
+
+QByteArray collected(const PlistValue& tree, corvane::plist::BinaryCollection collection,
+                     QString* error = nullptr)
+{
+    corvane::plist::Sink sink;
+    QString reason;
+    if (!corvane::plist::writeBinary(tree, sink, reason, collection)) {
+        if (error)
+            *error = reason;
+        return {};
+    }
+    return sink.take();
+}
+
+} // namespace
+
+TEST(PlistCodec, LargeDocumentsComeOutTheSameOnOneOrTwoThreads)
+{
+    using corvane::plist::BinaryCollection;
+    for (const int keysets : {4, 7}) {
+        SCOPED_TRACE(keysets);
+        const PlistValue tree = configurationLike(keysets);
+        const QByteArray two = collected(tree, BinaryCollection::TwoThreads);
+        EXPECT_EQ(two, collected(tree, BinaryCollection::OneThread));
+        EXPECT_EQ(two, collected(configurationLike(keysets, true), BinaryCollection::TwoThreads));
+        const PlistReadResult r = readBytes(two);
+        ASSERT_TRUE(r.ok) << r.error.toString().toStdString();
+        EXPECT_EQ(r.value, tree);
+    }
+}
+
+TEST(PlistCodec, TooDeepAnywhereInALargeDocumentIsRefused)
+{
+    using corvane::plist::BinaryCollection;
+    // Too deep in the first keyset, collected by the calling thread, or in the last, collected
+    // by the second one.
+    for (const bool first : {true, false}) {
+        SCOPED_TRACE(first);
+        PlistValue tree = configurationLike(4);
+        PlistValue keysets = tree.value(u"TVKKeysets");
+        const qsizetype at = first ? 0 : keysets.size() - 1;
+        PlistValue keyset = keysets.at(at);
+        keyset.insert(QStringLiteral("TVKDeep"), nestedArrays(600));
+        keysets.set(at, keyset);
+        tree.insert(QStringLiteral("TVKKeysets"), keysets);
+        for (const auto collection : {BinaryCollection::TwoThreads, BinaryCollection::OneThread}) {
+            QString error;
+            EXPECT_TRUE(collected(tree, collection, &error).isEmpty());
+            EXPECT_EQ(error, QStringLiteral("nesting deeper than 512 levels"));
+        }
+    }
 }
