@@ -6,7 +6,7 @@
 namespace corvane {
 
 namespace {
-LogCapture* g_capture = nullptr;
+thread_local LogCapture* g_capture = nullptr;
 }
 
 void log(const QString& line)

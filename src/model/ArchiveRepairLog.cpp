@@ -3,7 +3,7 @@
 namespace corvane {
 
 namespace {
-ArchiveRepairLog* g_currentLog = nullptr;
+thread_local ArchiveRepairLog* g_currentLog = nullptr;
 }
 
 ArchiveRepairLog::ArchiveRepairLog() : m_previous(g_currentLog)

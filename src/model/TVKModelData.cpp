@@ -10,6 +10,8 @@
 
 #include <atomic>
 #include <cassert>
+#include <exception>
+#include <optional>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -417,24 +419,94 @@ void TVKModelData::readFromArchive(const PlistValue& archive)
     // empty one keeps it.
     const PlistValue& keysets = archive.value(u"TVKKeysets");
     if (keysets.isArray() && !keysets.isEmpty()) {
-        std::vector<std::unique_ptr<TVKKeyset>> list;
-        list.reserve(std::size_t(keysets.size()));
-        m_keysets.swap(list);
-        for (qsizetype i = 0; i < keysets.size(); ++i) {
+        std::vector<std::unique_ptr<TVKKeyset>> list = readKeysets(keysets);
+        // Nothing readable: the keyset init made stays, so that there is always one.
+        if (!list.empty())
+            m_keysets.clear();
+        for (auto& keyset : list)
+            addKeyset(std::move(keyset));
+    }
+}
+
+std::vector<std::unique_ptr<TVKKeyset>> TVKModelData::readKeysets(const PlistValue& keysets)
+{
+    // Keysets are read independently of one another, so a second core reads every other one.
+    // What reading does beyond the keyset itself is kept per keyset and handed on afterwards
+    // in the configuration's order: the log lines, the repairs and the run's target IDs come
+    // out exactly as if the keysets had been read one after another.
+    struct Read
+    {
+        std::unique_ptr<TVKKeyset> keyset;
+        QStringList lines;
+        std::vector<corvane::ArchiveRepair> repairs;
+    };
+    const auto count = std::size_t(keysets.size());
+    std::vector<Read> read(count);
+    const bool repairing = corvane::ArchiveRepairLog::isActive();
+    std::atomic<std::size_t> next{0};
+    const auto readSome = [&] {
+        const TVKKeyset::TargetIDDeferral deferral;
+        for (std::size_t i; (i = next.fetch_add(1, std::memory_order_relaxed)) < count;) {
+            corvane::LogCapture capture;
+            std::optional<corvane::ArchiveRepairLog> repairs;
+            if (repairing)
+                repairs.emplace();
+            const PlistValue& entry = keysets.at(qsizetype(i));
             // An entry that is no dictionary holds no keyset; read, it would become a nameless
             // keyset of fresh layers that the user never made.
-            if (!keysets.at(i).isDict()) {
+            if (entry.isDict())
+                read[i].keyset = createKeysetFromArchive(entry);
+            else
                 corvane::ArchiveRepairLog::record(
                     {QString(), -1, -1, false, -1,
                      QStringLiteral("keyset entry %1 is no dictionary; dropped").arg(i)});
-                continue;
-            }
-            addKeyset(createKeysetFromArchive(keysets.at(i)));
+            read[i].lines = capture.lines();
+            if (repairs)
+                read[i].repairs = repairs->repairs();
         }
-        // Nothing readable: the keyset init made stays, so that there is always one.
-        if (m_keysets.empty() && !list.empty())
-            m_keysets.swap(list);
+    };
+    std::exception_ptr failure;
+    std::thread helper;
+    if (count > 1 && std::thread::hardware_concurrency() > 1) {
+        try {
+            helper = std::thread([&] {
+                try {
+                    readSome();
+                } catch (...) {
+                    failure = std::current_exception();
+                    next = count;
+                }
+            });
+        } catch (const std::system_error&) {
+            // No thread to be had: this one reads them all.
+        }
     }
+    try {
+        readSome();
+    } catch (...) {
+        next = count;
+        if (helper.joinable())
+            helper.join();
+        throw;
+    }
+    if (helper.joinable())
+        helper.join();
+    if (failure)
+        std::rethrow_exception(failure);
+
+    std::vector<std::unique_ptr<TVKKeyset>> list;
+    list.reserve(count);
+    for (Read& r : read) {
+        for (const QString& line : r.lines)
+            corvane::log(line);
+        for (corvane::ArchiveRepair& repair : r.repairs)
+            corvane::ArchiveRepairLog::record(std::move(repair));
+        if (r.keyset) {
+            r.keyset->settleTargetID();
+            list.push_back(std::move(r.keyset));
+        }
+    }
+    return list;
 }
 
 // ---------------------------------------------------------------------------------------------

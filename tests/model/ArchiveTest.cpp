@@ -430,3 +430,72 @@ TEST_F(ArchiveTest, ReadControlsShareTheTablesNames)
 }
 
 } // namespace
+
+TEST_F(ArchiveTest, KeysetsReadAsIfOneAfterAnother)
+{
+    // Target IDs made while reading depend on those made before; repairs and log lines come in
+    // the configuration's order. Keysets without a stored target ID share bundle-identifier
+    // components, others keep a stored one or their signature; two entries are no keysets and
+    // several keysets need repairs.
+    CorvaneModelData source;
+    const QStringList bundles = {QStringLiteral("com.one.Logic"), QStringLiteral("com.two.Logic"),
+                                 QStringLiteral("org.x.Pro"), QStringLiteral("net.y.Lo"),
+                                 QStringLiteral("com.three.Logic")};
+    for (int i = 0; i < 10; ++i) {
+        const QString name = QStringLiteral("Keyset %1").arg(i);
+        if (i % 3 == 2)
+            source.addKeysetWithName(name, fourCC("APPL") + quint32(i));
+        else
+            source.addKeysetWithName(name, fourCC("????"), bundles[i % bundles.size()]);
+        source.keysetAtIndex(i + 1)->setAllControlsToActionMode(i % 3);
+    }
+    PlistValue archive = archiveOf(source);
+    PlistValue* keysets = child(&archive, u"TVKKeysets");
+    for (qsizetype i = 1; i < keysets->size(); ++i) {
+        PlistValue* keyset = child(keysets, i);
+        if (i % 4 != 0)
+            keyset->remove(u"TVKAppTID");
+        if (i % 3 == 1) {
+            PlistValue* groups = child(child(child(keyset, u"TVKLayers"), i % 4), u"TVKGroups");
+            child(child(child(groups, 0), i % 5), u"TVKAction")
+                ->insert(QStringLiteral("TVKActnType"), PlistValue(qint64(700 + i)));
+        }
+    }
+    keysets->set(3, PlistValue(QStringLiteral("not a keyset")));
+    keysets->append(PlistValue(qint64(7)));
+
+    // One after another, on this thread.
+    TVKKeyset::resetTargetIDs();
+    std::vector<ArchiveRepair> expectedRepairs;
+    std::vector<PlistValue> expectedKeysets;
+    QStringList expectedIDs;
+    {
+        CorvaneModelData reference;
+        for (qsizetype i = 0; i < keysets->size(); ++i) {
+            if (!keysets->at(i).isDict()) {
+                expectedRepairs.push_back(
+                    {QString(), -1, -1, false, -1,
+                     QStringLiteral("keyset entry %1 is no dictionary; dropped").arg(i)});
+                continue;
+            }
+            ArchiveRepairLog log;
+            expectedKeysets.push_back(
+                archiveOf(*reference.createKeysetFromArchive(keysets->at(i))));
+            expectedRepairs.insert(expectedRepairs.end(), log.repairs().begin(),
+                                   log.repairs().end());
+        }
+        expectedIDs = TVKKeyset::targetIDs();
+    }
+    ASSERT_EQ(expectedRepairs.size(), 6u);
+
+    TVKKeyset::resetTargetIDs();
+    ArchiveRepairLog log;
+    const CorvaneModelData read(archive);
+    EXPECT_EQ(TVKKeyset::targetIDs(), expectedIDs);
+    EXPECT_EQ(log.repairs(), expectedRepairs);
+    ASSERT_EQ(std::size_t(read.numberOfKeysets()), expectedKeysets.size());
+    for (int i = 0; i < read.numberOfKeysets(); ++i) {
+        EXPECT_EQ(archiveOf(*read.keysetAtIndex(i)), expectedKeysets[std::size_t(i)]) << i;
+        EXPECT_EQ(read.keysetAtIndex(i)->owner(), &read);
+    }
+}

@@ -323,7 +323,10 @@ TEST_F(ModelDataTest, TheBaseModelDataMakesNoKeysetsAndSaysSo)
     base.addKeysetWithName(QStringLiteral("X"), 0, QStringLiteral("a.b"));
     EXPECT_EQ(base.createKeysetWithPropertiesOfKeyset(CorvaneKeyset(nullptr)), nullptr);
 
+    // Once per keyset, whichever thread read it.
     CorvaneModelData source;
+    source.addKeysetWithName(QStringLiteral("A"), fourCC("AAAA"));
+    source.addKeysetWithName(QStringLiteral("B"), fourCC("BBBB"));
     TVKModelData fromArchive(archiveOf(source));
     EXPECT_EQ(fromArchive.numberOfKeysets(), 0);
     EXPECT_EQ(capture.lines(),
@@ -334,6 +337,8 @@ TEST_F(ModelDataTest, TheBaseModelDataMakesNoKeysetsAndSaysSo)
                                  "createKeysetWithName:signature:andBundleID:"),
                   QStringLiteral(
                       "TVKModelData subclasses must override createKeysetWithPropertiesOfKeyset:"),
+                  QStringLiteral("TVKModelData subclasses must override createKeysetFromArchive"),
+                  QStringLiteral("TVKModelData subclasses must override createKeysetFromArchive"),
                   QStringLiteral("TVKModelData subclasses must override createKeysetFromArchive"),
               }));
 }
