@@ -881,29 +881,11 @@ private:
     std::size_t m_seenUsed = 0;
 };
 
-// A document of at least this many values is collected on two cores.
-constexpr std::size_t kSplitValues = 100000;
-
-// Counts the values of a tree until `left` is used up.
-void countValues(const PlistValue& v, std::size_t& left, int depth)
-{
-    if (left == 0 || depth > kMaxDepth)
-        return;
-    --left;
-    if (v.isArray()) {
-        for (const PlistValue& item : PlistBuilder::items(v))
-            countValues(item, left, depth + 1);
-    } else if (v.isDict()) {
-        for (const PlistEntry& entry : PlistBuilder::entries(v))
-            countValues(entry.second, left, depth + 1);
-    }
-}
-
 class BinaryWriter
 {
 public:
-    BinaryWriter(Sink& out, QString& error, BinaryCollection collection)
-        : m_out(out), m_error(error), m_collection(collection)
+    BinaryWriter(Sink& out, QString& error, WriterThreads threads)
+        : m_out(out), m_error(error), m_threads(threads)
     {}
 
     bool document(const PlistValue& value)
@@ -943,51 +925,17 @@ public:
     }
 
 private:
-    // The widest list at the top of a large document (a configuration's keysets), to be cut
-    // in two; none when the document is small or has no such list.
-    static ObjectTable::Split findSplit(const PlistValue& root)
-    {
-        ObjectTable::Split split;
-        std::size_t widest = 1;
-        const auto consider = [&](const PlistValue& v, int depth) {
-            if (!v.isArray())
-                return;
-            const auto& items = PlistBuilder::items(v);
-            const auto width =
-                std::size_t(std::count_if(items.begin(), items.end(), [](const PlistValue& item) {
-                    return item.isArray() || item.isDict();
-                }));
-            if (width > widest) {
-                widest = width;
-                split.items = &items;
-                split.depth = depth;
-            }
-        };
-        consider(root, 1);
-        if (root.isDict()) {
-            for (const PlistEntry& entry : PlistBuilder::entries(root))
-                consider(entry.second, 2);
-        }
-        if (!split.items)
-            return {};
-        std::size_t left = kSplitValues;
-        for (const PlistValue& item : *split.items)
-            countValues(item, left, split.depth + 1);
-        if (left > 0)
-            return {};
-        split.mid = split.items->size() / 2;
-        return split;
-    }
-
     // A large document is collected by two tables at once, the second taking the second half
     // of its widest list; the first takes in the second's objects when it gets there.
     bool collect(const PlistValue& value, ObjectTable& table, std::uint32_t& top)
     {
-        ObjectTable::Split split;
-        if (m_collection == BinaryCollection::TwoThreads && std::thread::hardware_concurrency() > 1)
-            split = findSplit(value);
-        if (!split.items)
+        const ListSplit cut = findListSplit(value, m_threads);
+        if (!cut.items)
             return table.add(value, 1, &top);
+        ObjectTable::Split split;
+        split.items = cut.items;
+        split.mid = cut.mid;
+        split.depth = cut.level + 1;
         QString otherError;
         ObjectTable other(otherError);
         bool otherDone = false;
@@ -1096,7 +1044,7 @@ private:
 
     Sink& m_out;
     QString& m_error;
-    BinaryCollection m_collection;
+    WriterThreads m_threads;
     const ObjectTable* m_table = nullptr;
     unsigned m_refSize = 1;
 };
@@ -1109,9 +1057,9 @@ bool readBinary(const char* begin, std::size_t size, PlistValue& out, PlistError
     return reader.run(out, error);
 }
 
-bool writeBinary(const PlistValue& value, Sink& sink, QString& error, BinaryCollection collection)
+bool writeBinary(const PlistValue& value, Sink& sink, QString& error, WriterThreads threads)
 {
-    BinaryWriter writer(sink, error, collection);
+    BinaryWriter writer(sink, error, threads);
     return writer.document(value);
 }
 

@@ -3,11 +3,14 @@
 #include "core/PlistFormats.h"
 
 #include <QFile>
+#include <QFileDevice>
 #include <QSaveFile>
 #include <algorithm>
 #include <cstring>
+#include <thread>
 
 #ifdef Q_OS_UNIX
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 #endif
@@ -19,6 +22,7 @@ using plist::Sink;
 namespace {
 
 constexpr std::size_t kDeviceChunk = 1 << 20;
+constexpr std::uint64_t kWriteBackStep = 8 << 20;
 
 bool isBinary(const char* data, std::size_t size)
 {
@@ -73,11 +77,38 @@ void Sink::grow(std::size_t n)
     m_capacity = std::size_t(m_buffer.size());
 }
 
+Sink::Sink(QIODevice* device) : m_device(device)
+{
+    if (auto* file = qobject_cast<QFileDevice*>(device))
+        m_file = file->handle();
+}
+
 void Sink::flush()
 {
+    writeOut(m_data, m_length);
+    m_flushed += m_length;
+    m_length = 0;
+    startWriteBack();
+}
+
+void Sink::startWriteBack()
+{
+    // A large file's pages are handed to the disk while the rest is still being made, so that
+    // the sync that ends a save has little left to wait for. Only a hint: it never fails a write.
+    if (m_file < 0 || m_failed || m_flushed - m_writtenBack < kWriteBackStep)
+        return;
+#ifdef Q_OS_LINUX
+    static_cast<QFileDevice*>(m_device)->flush();
+    ::sync_file_range(m_file, off64_t(m_writtenBack), off64_t(m_flushed - m_writtenBack),
+                      SYNC_FILE_RANGE_WRITE);
+#endif
+    m_writtenBack = m_flushed;
+}
+
+void Sink::writeOut(const char* p, std::size_t n)
+{
     // A device may take part of a chunk; only a write that takes nothing is a failure.
-    const char* p = m_data;
-    qint64 left = qint64(m_length);
+    auto left = qint64(n);
     while (left > 0 && !m_failed) {
         const qint64 written = m_device->write(p, left);
         if (written <= 0) {
@@ -90,8 +121,19 @@ void Sink::flush()
             left -= written;
         }
     }
-    m_flushed += m_length;
-    m_length = 0;
+}
+
+void Sink::putBlock(const char* s, std::size_t n)
+{
+    if (!m_device || n < kDeviceChunk) {
+        put(s, n);
+        return;
+    }
+    // Straight to the device: a block this large is not copied into the buffer first.
+    flush();
+    writeOut(s, n);
+    m_flushed += n;
+    startWriteBack();
 }
 
 bool Sink::finish()
@@ -108,6 +150,64 @@ QByteArray Sink::take()
     m_capacity = 0;
     m_length = 0;
     return std::move(m_buffer);
+}
+
+namespace {
+
+// A document of at least this many values is worth a second core.
+constexpr std::size_t kSplitValues = 100000;
+
+// Counts the values of a tree until `left` is used up.
+void countValues(const PlistValue& v, std::size_t& left, int depth)
+{
+    if (left == 0 || depth > kMaxDepth)
+        return;
+    --left;
+    if (v.isArray()) {
+        for (const PlistValue& item : PlistBuilder::items(v))
+            countValues(item, left, depth + 1);
+    } else if (v.isDict()) {
+        for (const PlistEntry& entry : PlistBuilder::entries(v))
+            countValues(entry.second, left, depth + 1);
+    }
+}
+
+} // namespace
+
+ListSplit findListSplit(const PlistValue& root, WriterThreads threads)
+{
+    if (threads != WriterThreads::Two || std::thread::hardware_concurrency() < 2)
+        return {};
+    ListSplit split;
+    std::size_t widest = 1;
+    const auto consider = [&](const PlistValue& v, int level) {
+        if (!v.isArray())
+            return;
+        const auto& items = PlistBuilder::items(v);
+        const auto width =
+            std::size_t(std::count_if(items.begin(), items.end(), [](const PlistValue& item) {
+                return item.isArray() || item.isDict();
+            }));
+        if (width > widest) {
+            widest = width;
+            split.items = &items;
+            split.level = level;
+        }
+    };
+    consider(root, 0);
+    if (root.isDict()) {
+        for (const PlistEntry& entry : PlistBuilder::entries(root))
+            consider(entry.second, 1);
+    }
+    if (!split.items)
+        return {};
+    std::size_t left = kSplitValues;
+    for (const PlistValue& item : *split.items)
+        countValues(item, left, split.level + 2);
+    if (left > 0)
+        return {};
+    split.mid = split.items->size() / 2;
+    return split;
 }
 
 } // namespace plist

@@ -26,7 +26,7 @@ class Sink
 {
 public:
     Sink() = default;
-    explicit Sink(QIODevice* device) : m_device(device) {}
+    explicit Sink(QIODevice* device);
 
     char* reserve(std::size_t n)
     {
@@ -47,6 +47,8 @@ public:
         put(s, N - 1);
     }
     void put(char c) { *reserve(1) = c, ++m_length; }
+    // Bytes made elsewhere, possibly many.
+    void putBlock(const char* s, std::size_t n);
 
     // Device mode: writes what is left; false when the device failed at any point.
     bool finish();
@@ -63,6 +65,8 @@ public:
 private:
     void grow(std::size_t n);
     void flush();
+    void writeOut(const char* p, std::size_t n);
+    void startWriteBack();
 
     QByteArray m_buffer;
     char* m_data = nullptr;
@@ -70,6 +74,9 @@ private:
     std::size_t m_capacity = 0;
     std::uint64_t m_flushed = 0;
     QIODevice* m_device = nullptr;
+    // A file's descriptor, so that the disk starts on what is written while the rest is made.
+    int m_file = -1;
+    std::uint64_t m_writtenBack = 0;
     bool m_failed = false;
     QString m_error;
 };
@@ -148,6 +155,26 @@ private:
     Memo m_memos[kMemos];
 };
 
+// The writers use both cores for large documents unless told otherwise; the output is the same
+// either way.
+enum class WriterThreads
+{
+    Two,
+    One
+};
+
+// Where a writer cuts a large document in two: the widest list at the top of the tree (the top
+// itself at level 0, or one of the top dictionary's values at level 1: a configuration's
+// keysets). A helper thread writes its items from `mid` on while the caller writes the rest.
+// None (no items) for one thread, a small document, or no list of at least two containers.
+struct ListSplit
+{
+    const PlistSlots<PlistValue>* items = nullptr;
+    std::size_t mid = 0;
+    int level = 0;
+};
+ListSplit findListSplit(const PlistValue& root, WriterThreads threads);
+
 // Gives back pages of a mapped file once the reader has passed them.
 using PageRelease = std::function<void(const char* upTo)>;
 
@@ -157,16 +184,10 @@ bool readBinary(const char* begin, std::size_t size, PlistValue& out, PlistError
 
 // False, with the reason, for trees no property list can hold (a null value, deeper than
 // kMaxDepth).
-bool writeXml(const PlistValue& value, Sink& sink, QString& error);
-// Large documents are collected on two threads unless told otherwise; the bytes are the same
-// either way.
-enum class BinaryCollection
-{
-    TwoThreads,
-    OneThread
-};
+bool writeXml(const PlistValue& value, Sink& sink, QString& error,
+              WriterThreads threads = WriterThreads::Two);
 bool writeBinary(const PlistValue& value, Sink& sink, QString& error,
-                 BinaryCollection collection = BinaryCollection::TwoThreads);
+                 WriterThreads threads = WriterThreads::Two);
 
 // Readers collect a dictionary's entries first; a key given twice keeps its last value.
 void removeDuplicateKeys(std::vector<PlistEntry>& entries, std::size_t from);

@@ -10,6 +10,8 @@
 #include <charconv>
 #include <string>
 #include <string_view>
+#include <system_error>
+#include <thread>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -729,7 +731,7 @@ class XmlWriter
 public:
     XmlWriter(Sink& out, QString& error) : m_out(out), m_error(error) {}
 
-    bool document(const PlistValue& value)
+    bool document(const PlistValue& value, WriterThreads threads)
     {
         if (value.isNull()) {
             m_error = QStringLiteral("nothing to write: the value is null");
@@ -739,13 +741,61 @@ public:
                   "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
                   "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
                   "<plist version=\"1.0\">\n");
-        if (!element(value, 0))
+        if (!split(value, threads))
             return false;
         m_out.put("</plist>\n");
         return true;
     }
 
 private:
+    // A large document's widest list is written in two halves at once: a helper writes the
+    // items of the second half into memory, and this writer copies them out when it gets
+    // there. The text is independent of what came before but for the indentation, so it is
+    // the same either way.
+    bool split(const PlistValue& value, WriterThreads threads)
+    {
+        const ListSplit cut = findListSplit(value, threads);
+        if (!cut.items)
+            return element(value, 0);
+        Sink otherSink;
+        QString otherError;
+        XmlWriter other(otherSink, otherError);
+        bool otherDone = false;
+        std::jthread helper;
+        try {
+            helper = std::jthread([&] {
+                otherDone = other.items(*cut.items, cut.mid, cut.items->size(), cut.level + 1);
+            });
+        } catch (const std::system_error&) {
+            // No thread to be had: this one writes it all.
+            return element(value, 0);
+        }
+        m_cut = &cut;
+        m_finish = [&] {
+            helper.join();
+            if (!otherDone) {
+                m_error = otherError;
+                return false;
+            }
+            const QByteArray text = otherSink.take();
+            m_out.putBlock(text.constData(), std::size_t(text.size()));
+            return true;
+        };
+        const bool done = element(value, 0);
+        m_cut = nullptr;
+        m_finish = {};
+        return done;
+    }
+
+    bool items(const PlistSlots<PlistValue>& list, std::size_t from, std::size_t to, int depth)
+    {
+        for (std::size_t i = from; i < to; ++i) {
+            if (!element(list[i], depth))
+                return false;
+        }
+        return true;
+    }
+
     void indent(int depth)
     {
         char* d = m_out.reserve(std::size_t(depth));
@@ -974,9 +1024,11 @@ private:
                 return true;
             }
             line(depth, "<array>\n");
-            for (const PlistValue& item : items) {
-                if (!element(item, depth + 1))
+            if (m_cut && &items == m_cut->items && m_cut->level == depth) {
+                if (!this->items(items, 0, m_cut->mid, depth + 1) || !m_finish())
                     return false;
+            } else if (!this->items(items, 0, items.size(), depth + 1)) {
+                return false;
             }
             line(depth, "</array>\n");
             return true;
@@ -1045,6 +1097,8 @@ private:
 
     Sink& m_out;
     QString& m_error;
+    const ListSplit* m_cut = nullptr;
+    std::function<bool()> m_finish;
     std::vector<std::uint32_t> m_order;
     KeyOrder m_keyOrder;
     struct RenderedKey
@@ -1110,10 +1164,10 @@ bool readXml(const char* begin, const char* end, PlistValue& out, PlistError& er
     return reader.run(out, error);
 }
 
-bool writeXml(const PlistValue& value, Sink& sink, QString& error)
+bool writeXml(const PlistValue& value, Sink& sink, QString& error, WriterThreads threads)
 {
     XmlWriter writer(sink, error);
-    return writer.document(value);
+    return writer.document(value, threads);
 }
 
 } // namespace corvane::plist

@@ -836,12 +836,15 @@ PlistValue configurationLike(int keysets, bool gaps = false)
     return dict({{"TVKKeysets", list}, {"TVKHardwareStyle", PlistValue(2)}});
 }
 
-QByteArray collected(const PlistValue& tree, corvane::plist::BinaryCollection collection,
-                     QString* error = nullptr)
+QByteArray written(const PlistValue& tree, PlistFormat format,
+                   corvane::plist::WriterThreads threads, QString* error = nullptr)
 {
     corvane::plist::Sink sink;
     QString reason;
-    if (!corvane::plist::writeBinary(tree, sink, reason, collection)) {
+    const bool ok = format == PlistFormat::Xml
+                        ? corvane::plist::writeXml(tree, sink, reason, threads)
+                        : corvane::plist::writeBinary(tree, sink, reason, threads);
+    if (!ok) {
         if (error)
             *error = reason;
         return {};
@@ -853,24 +856,35 @@ QByteArray collected(const PlistValue& tree, corvane::plist::BinaryCollection co
 
 TEST(PlistCodec, LargeDocumentsComeOutTheSameOnOneOrTwoThreads)
 {
-    using corvane::plist::BinaryCollection;
-    for (const int keysets : {4, 7}) {
-        SCOPED_TRACE(keysets);
-        const PlistValue tree = configurationLike(keysets);
-        const QByteArray two = collected(tree, BinaryCollection::TwoThreads);
-        EXPECT_EQ(two, collected(tree, BinaryCollection::OneThread));
-        EXPECT_EQ(two, collected(configurationLike(keysets, true), BinaryCollection::TwoThreads));
-        const PlistReadResult r = readBytes(two);
-        ASSERT_TRUE(r.ok) << r.error.toString().toStdString();
-        EXPECT_EQ(r.value, tree);
+    using corvane::plist::WriterThreads;
+    for (const PlistFormat format : {PlistFormat::Xml, PlistFormat::Binary}) {
+        for (const int keysets : {4, 7}) {
+            SCOPED_TRACE(std::string(formatName(format)) + " " + std::to_string(keysets));
+            const PlistValue tree = configurationLike(keysets);
+            const QByteArray two = written(tree, format, WriterThreads::Two);
+            EXPECT_EQ(two, written(tree, format, WriterThreads::One));
+            EXPECT_EQ(two, written(configurationLike(keysets, true), format, WriterThreads::Two));
+            const PlistReadResult r = readBytes(two);
+            ASSERT_TRUE(r.ok) << r.error.toString().toStdString();
+            EXPECT_EQ(r.value, tree);
+
+            // To a device, where the second half goes out as one block, or fails to.
+            FailDevice full(two.size() - 1);
+            QString error;
+            EXPECT_FALSE(PlistCodec::write(full, tree, format, &error));
+            EXPECT_EQ(error, QStringLiteral("No space left on device"));
+            FailDevice roomy(two.size());
+            EXPECT_TRUE(PlistCodec::write(roomy, tree, format));
+            EXPECT_EQ(roomy.written(), two);
+        }
     }
 }
 
 TEST(PlistCodec, TooDeepAnywhereInALargeDocumentIsRefused)
 {
-    using corvane::plist::BinaryCollection;
-    // Too deep in the first keyset, collected by the calling thread, or in the last, collected
-    // by the second one.
+    using corvane::plist::WriterThreads;
+    // Too deep in the first keyset, written by the calling thread, or in the last, written by
+    // the second one.
     for (const bool first : {true, false}) {
         SCOPED_TRACE(first);
         PlistValue tree = configurationLike(4);
@@ -880,10 +894,12 @@ TEST(PlistCodec, TooDeepAnywhereInALargeDocumentIsRefused)
         keyset.insert(QStringLiteral("TVKDeep"), nestedArrays(600));
         keysets.set(at, keyset);
         tree.insert(QStringLiteral("TVKKeysets"), keysets);
-        for (const auto collection : {BinaryCollection::TwoThreads, BinaryCollection::OneThread}) {
-            QString error;
-            EXPECT_TRUE(collected(tree, collection, &error).isEmpty());
-            EXPECT_EQ(error, QStringLiteral("nesting deeper than 512 levels"));
+        for (const PlistFormat format : {PlistFormat::Xml, PlistFormat::Binary}) {
+            for (const auto threads : {WriterThreads::Two, WriterThreads::One}) {
+                QString error;
+                EXPECT_TRUE(written(tree, format, threads, &error).isEmpty());
+                EXPECT_EQ(error, QStringLiteral("nesting deeper than 512 levels"));
+            }
         }
     }
 }
