@@ -11,6 +11,7 @@
 #include <atomic>
 #include <cassert>
 #include <exception>
+#include <functional>
 #include <optional>
 #include <system_error>
 #include <thread>
@@ -19,7 +20,49 @@
 using corvane::PlistValue;
 
 namespace {
+
 TVKModelData* g_defaultModelData = nullptr;
+
+// Runs work(i) for every i below count on this thread and one helper, each taking the next index
+// in turn, so that a large configuration is archived or read on both cores. An exception on
+// either thread stops both and reaches the caller.
+void shareOut(std::size_t count, const std::function<void(std::size_t)>& work)
+{
+    std::atomic<std::size_t> next{0};
+    const auto run = [&] {
+        for (std::size_t i; (i = next.fetch_add(1, std::memory_order_relaxed)) < count;)
+            work(i);
+    };
+    std::exception_ptr failure;
+    std::thread helper;
+    if (count > 1 && std::thread::hardware_concurrency() > 1) {
+        try {
+            helper = std::thread([&] {
+                try {
+                    run();
+                } catch (...) {
+                    failure = std::current_exception();
+                    next = count;
+                }
+            });
+        } catch (const std::system_error&) {
+            // No thread to be had: this one does them all.
+        }
+    }
+    try {
+        run();
+    } catch (...) {
+        next = count;
+        if (helper.joinable())
+            helper.join();
+        throw;
+    }
+    if (helper.joinable())
+        helper.join();
+    if (failure)
+        std::rethrow_exception(failure);
+}
+
 } // namespace
 
 TVKModelData::TVKModelData()
@@ -368,25 +411,11 @@ void TVKModelData::writeTo(PlistValue& dict) const
     // takes every other one: saving a large configuration then takes about half as long.
     const std::size_t count = m_keysets.size();
     std::vector<PlistValue> archived(count);
-    std::atomic<std::size_t> next{0};
-    const auto archiveKeysets = [&] {
-        for (std::size_t i; (i = next.fetch_add(1, std::memory_order_relaxed)) < count;) {
-            PlistValue keysetDict = PlistValue::makeDict(6);
-            m_keysets[i]->writeTo(keysetDict);
-            archived[i] = std::move(keysetDict);
-        }
-    };
-    std::thread helper;
-    if (count > 1 && std::thread::hardware_concurrency() > 1) {
-        try {
-            helper = std::thread(archiveKeysets);
-        } catch (const std::system_error&) {
-            // No thread to be had: this one does them all.
-        }
-    }
-    archiveKeysets();
-    if (helper.joinable())
-        helper.join();
+    shareOut(count, [&](std::size_t i) {
+        PlistValue keysetDict = PlistValue::makeDict(6);
+        m_keysets[i]->writeTo(keysetDict);
+        archived[i] = std::move(keysetDict);
+    });
     PlistValue keysets = PlistValue::makeArray(qsizetype(count));
     for (PlistValue& keysetDict : archived)
         keysets.append(std::move(keysetDict));
@@ -443,56 +472,25 @@ std::vector<std::unique_ptr<TVKKeyset>> TVKModelData::readKeysets(const PlistVal
     const auto count = std::size_t(keysets.size());
     std::vector<Read> read(count);
     const bool repairing = corvane::ArchiveRepairLog::isActive();
-    std::atomic<std::size_t> next{0};
-    const auto readSome = [&] {
+    shareOut(count, [&](std::size_t i) {
         const TVKKeyset::TargetIDDeferral deferral;
-        for (std::size_t i; (i = next.fetch_add(1, std::memory_order_relaxed)) < count;) {
-            corvane::LogCapture capture;
-            std::optional<corvane::ArchiveRepairLog> repairs;
-            if (repairing)
-                repairs.emplace();
-            const PlistValue& entry = keysets.at(qsizetype(i));
-            // An entry that is no dictionary holds no keyset; read, it would become a nameless
-            // keyset of fresh layers that the user never made.
-            if (entry.isDict())
-                read[i].keyset = createKeysetFromArchive(entry);
-            else
-                corvane::ArchiveRepairLog::record(
-                    {QString(), -1, -1, false, -1,
-                     QStringLiteral("keyset entry %1 is no dictionary; dropped").arg(i)});
-            read[i].lines = capture.lines();
-            if (repairs)
-                read[i].repairs = repairs->repairs();
-        }
-    };
-    std::exception_ptr failure;
-    std::thread helper;
-    if (count > 1 && std::thread::hardware_concurrency() > 1) {
-        try {
-            helper = std::thread([&] {
-                try {
-                    readSome();
-                } catch (...) {
-                    failure = std::current_exception();
-                    next = count;
-                }
-            });
-        } catch (const std::system_error&) {
-            // No thread to be had: this one reads them all.
-        }
-    }
-    try {
-        readSome();
-    } catch (...) {
-        next = count;
-        if (helper.joinable())
-            helper.join();
-        throw;
-    }
-    if (helper.joinable())
-        helper.join();
-    if (failure)
-        std::rethrow_exception(failure);
+        corvane::LogCapture capture;
+        std::optional<corvane::ArchiveRepairLog> repairs;
+        if (repairing)
+            repairs.emplace();
+        const PlistValue& entry = keysets.at(qsizetype(i));
+        // An entry that is no dictionary holds no keyset; read, it would become a nameless
+        // keyset of fresh layers that the user never made.
+        if (entry.isDict())
+            read[i].keyset = createKeysetFromArchive(entry);
+        else
+            corvane::ArchiveRepairLog::record(
+                {QString(), -1, -1, false, -1,
+                 QStringLiteral("keyset entry %1 is no dictionary; dropped").arg(i)});
+        read[i].lines = capture.lines();
+        if (repairs)
+            read[i].repairs = repairs->repairs();
+    });
 
     std::vector<std::unique_ptr<TVKKeyset>> list;
     list.reserve(count);
