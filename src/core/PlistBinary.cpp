@@ -477,13 +477,11 @@ class ObjectTable
 public:
     explicit ObjectTable(QString& error) : m_error(error) {}
 
-    // A list whose items from `mid` on another table collects meanwhile; `finish` waits for
-    // it and says whether it succeeded.
+    // The list whose items from `cut.mid` on another table collects meanwhile; `finish` waits
+    // for it and says whether it succeeded.
     struct Split
     {
-        const PlistSlots<PlistValue>* items = nullptr;
-        std::size_t mid = 0;
-        int depth = 0; // the list's own
+        ListSplit cut;
         const ObjectTable* other = nullptr;
         std::function<bool()> finish;
     };
@@ -530,10 +528,13 @@ public:
         case PlistValue::Type::Array: {
             const auto& items = PlistBuilder::items(v);
             std::uint32_t count = 0;
-            if (m_split && &items == m_split->items) {
-                if (!addItems(items, 0, m_split->mid, depth, count) || !m_split->finish())
+            if (m_split && &items == m_split->cut.items && m_split->cut.level + 1 == depth) {
+                // Taken once: a list that stands twice is found stored the second time.
+                Split& split = *m_split;
+                m_split = nullptr;
+                if (!addItems(items, 0, split.cut.mid, depth, count) || !split.finish())
                     return false;
-                count += merge(*m_split->other);
+                count += merge(*split.other);
             } else if (!addItems(items, 0, items.size(), depth, count)) {
                 return false;
             }
@@ -932,10 +933,7 @@ private:
         const ListSplit cut = findListSplit(value, m_threads);
         if (!cut.items)
             return table.add(value, 1, &top);
-        ObjectTable::Split split;
-        split.items = cut.items;
-        split.mid = cut.mid;
-        split.depth = cut.level + 1;
+        ObjectTable::Split split{cut, nullptr, {}};
         QString otherError;
         ObjectTable other(otherError);
         bool otherDone = false;
@@ -943,8 +941,8 @@ private:
         try {
             helper = std::jthread([&] {
                 std::uint32_t count = 0;
-                otherDone = other.addItems(*split.items, split.mid, split.items->size(),
-                                           split.depth, count);
+                otherDone =
+                    other.addItems(*cut.items, cut.mid, cut.items->size(), cut.level + 1, count);
             });
         } catch (const std::system_error&) {
             // No thread to be had: this one collects it all.

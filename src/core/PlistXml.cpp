@@ -1025,7 +1025,10 @@ private:
             }
             line(depth, "<array>\n");
             if (m_cut && &items == m_cut->items && m_cut->level == depth) {
-                if (!this->items(items, 0, m_cut->mid, depth + 1) || !m_finish())
+                // Taken once: a list that stands twice is written in full the second time.
+                const std::size_t mid = m_cut->mid;
+                m_cut = nullptr;
+                if (!this->items(items, 0, mid, depth + 1) || !m_finish())
                     return false;
             } else if (!this->items(items, 0, items.size(), depth + 1)) {
                 return false;

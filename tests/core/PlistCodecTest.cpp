@@ -868,6 +868,12 @@ TEST(PlistCodec, LargeDocumentsComeOutTheSameOnOneOrTwoThreads)
             ASSERT_TRUE(r.ok) << r.error.toString().toStdString();
             EXPECT_EQ(r.value, tree);
 
+            // The list that is cut, standing twice: the helper's half is taken in once.
+            PlistValue twice = tree;
+            twice.insert(QStringLiteral("TVKBackup"), tree.value(u"TVKKeysets"));
+            EXPECT_EQ(written(twice, format, WriterThreads::Two),
+                      written(twice, format, WriterThreads::One));
+
             // To a device, where the second half goes out as one block, or fails to.
             FailDevice full(two.size() - 1);
             QString error;
