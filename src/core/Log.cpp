@@ -6,7 +6,7 @@
 namespace corvane {
 
 namespace {
-thread_local LogCapture* g_capture = nullptr;
+LogCapture* g_capture = nullptr;
 }
 
 void log(const QString& line)

@@ -9,8 +9,8 @@ namespace corvane {
 // They are written to standard error, where the desktop session's journal keeps them.
 void log(const QString& line);
 
-// Redirects the log lines of its thread while alive (tests read what was logged; tools may
-// silence it). Captures nest: the innermost one receives the lines.
+// Redirects log lines while alive (tests read what was logged; tools may silence it).
+// Captures nest: the innermost one receives the lines.
 class LogCapture
 {
 public:

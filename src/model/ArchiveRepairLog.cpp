@@ -3,7 +3,7 @@
 namespace corvane {
 
 namespace {
-thread_local ArchiveRepairLog* g_currentLog = nullptr;
+ArchiveRepairLog* g_currentLog = nullptr;
 }
 
 ArchiveRepairLog::ArchiveRepairLog() : m_previous(g_currentLog)

@@ -21,8 +21,8 @@ struct ArchiveRepair
     bool operator==(const ArchiveRepair&) const = default;
 };
 
-// Collects the repairs of the archive readers on its thread while alive (reading itself never
-// fails and never reports). Logs nest: the innermost one receives the repairs.
+// Collects the repairs of the archive readers while alive (reading itself never fails and never
+// reports). Logs nest: the innermost one receives the repairs.
 class ArchiveRepairLog
 {
 public:

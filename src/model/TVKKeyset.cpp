@@ -25,8 +25,6 @@ int numLayers()
     return corvane::surfaceConstants().numLayers();
 }
 
-thread_local bool t_deferTargetIDs = false;
-
 const QString kDefaultKeysetName = QStringLiteral("Default");
 constexpr corvane::FourCharCode kDefaultSignature = corvane::fourCC("----");
 
@@ -42,42 +40,14 @@ void TVKKeyset::resetTargetIDs()
     targetIDList().clear();
 }
 
-TVKKeyset::TargetIDDeferral::TargetIDDeferral() : m_previous(t_deferTargetIDs)
-{
-    t_deferTargetIDs = true;
-}
-
-TVKKeyset::TargetIDDeferral::~TargetIDDeferral()
-{
-    t_deferTargetIDs = m_previous;
-}
-
-void TVKKeyset::settleTargetID()
-{
-    if (m_pendingTargetID == PendingTargetID::None)
-        return;
-    const corvane::FourCharCode stored = m_targetID;
-    createTargetID();
-    targetIDList().append(corvane::stringFromFourCharCode(m_targetID));
-    if (m_pendingTargetID == PendingTargetID::MadeTwice)
-        createTargetID();
-    else if (m_pendingTargetID == PendingTargetID::Stored)
-        m_targetID = stored;
-    m_pendingTargetID = PendingTargetID::None;
-}
-
 TVKKeyset::TVKKeyset(const QString& name, corvane::FourCharCode signature,
                      std::optional<QString> bundleID, TVKModelData* owner)
     : m_name(name), m_bundleID(std::move(bundleID)), m_owner(owner), m_signature(signature)
 {
     m_ethernetPort = 49152;
     m_connectViaEthernet = false;
-    if (t_deferTargetIDs) {
-        m_pendingTargetID = PendingTargetID::Made;
-    } else {
-        createTargetID();
-        targetIDList().append(corvane::stringFromFourCharCode(m_targetID));
-    }
+    createTargetID();
+    targetIDList().append(corvane::stringFromFourCharCode(m_targetID));
     m_layers.reserve(4);
 }
 
@@ -88,16 +58,10 @@ TVKKeyset::TVKKeyset(const PlistValue& archive, TVKModelData* owner)
 {
     // A stored target ID is taken as it is: no uniqueness check, not added to the run's list.
     const PlistValue& targetID = archive.value(u"TVKAppTID");
-    const bool deferred = m_pendingTargetID != PendingTargetID::None;
-    if (targetID.isString()) {
+    if (targetID.isString())
         m_targetID = corvane::fourCharCodeFromString(targetID.toString());
-        if (deferred)
-            m_pendingTargetID = PendingTargetID::Stored;
-    } else if (deferred) {
-        m_pendingTargetID = PendingTargetID::MadeTwice;
-    } else {
+    else
         createTargetID();
-    }
     const PlistValue& icon = archive.value(u"TVKAppIcon");
     if (icon.isData())
         m_icon = icon.toData();

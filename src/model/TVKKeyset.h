@@ -36,23 +36,6 @@ public:
     // Forgets the target IDs made so far (tests start every case from an empty list).
     static void resetTargetIDs();
 
-    // While alive, keysets made on this thread leave their target ID to settleTargetID(): a
-    // configuration read on several threads settles them afterwards in its own order, so that
-    // the run's list comes out as if the keysets had been read one after another.
-    class TargetIDDeferral
-    {
-    public:
-        TargetIDDeferral();
-        ~TargetIDDeferral();
-        TargetIDDeferral(const TargetIDDeferral&) = delete;
-        TargetIDDeferral& operator=(const TargetIDDeferral&) = delete;
-
-    private:
-        bool m_previous;
-    };
-    // Makes the target ID that was deferred when this keyset was made; nothing otherwise.
-    void settleTargetID();
-
     int numberOfLayers() const { return 4; }
     virtual void createLayers();
     virtual std::unique_ptr<TVKLayer> createLayerFromArchive(const corvane::PlistValue& dict,
@@ -114,16 +97,6 @@ private:
     TVKModelData* m_owner = nullptr;
     corvane::FourCharCode m_signature = 0;
     corvane::FourCharCode m_targetID = 0;
-    // What settleTargetID() still has to do: the initialiser's making, and then the archive
-    // reader's making again or its stored ID.
-    enum class PendingTargetID : std::uint8_t
-    {
-        None,
-        Made,
-        MadeTwice,
-        Stored
-    };
-    PendingTargetID m_pendingTargetID = PendingTargetID::None;
     uint m_emulationMode = 0;
     uint m_ethernetPort = 49152;
     bool m_oneTouchRecord = false;

@@ -8,13 +8,7 @@
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"
 
-#include <atomic>
 #include <cassert>
-#include <exception>
-#include <functional>
-#include <optional>
-#include <system_error>
-#include <thread>
 #include <vector>
 
 using corvane::PlistValue;
@@ -22,46 +16,6 @@ using corvane::PlistValue;
 namespace {
 
 TVKModelData* g_defaultModelData = nullptr;
-
-// Runs work(i) for every i below count on this thread and one helper, each taking the next index
-// in turn, so that a large configuration is archived or read on both cores. An exception on
-// either thread stops both and reaches the caller.
-void shareOut(std::size_t count, const std::function<void(std::size_t)>& work)
-{
-    std::atomic<std::size_t> next{0};
-    const auto run = [&] {
-        for (std::size_t i; (i = next.fetch_add(1, std::memory_order_relaxed)) < count;)
-            work(i);
-    };
-    std::exception_ptr failure;
-    std::thread helper;
-    if (count > 1 && std::thread::hardware_concurrency() > 1) {
-        try {
-            helper = std::thread([&] {
-                try {
-                    run();
-                } catch (...) {
-                    failure = std::current_exception();
-                    next = count;
-                }
-            });
-        } catch (const std::system_error&) {
-            // No thread to be had: this one does them all.
-        }
-    }
-    try {
-        run();
-    } catch (...) {
-        next = count;
-        if (helper.joinable())
-            helper.join();
-        throw;
-    }
-    if (helper.joinable())
-        helper.join();
-    if (failure)
-        std::rethrow_exception(failure);
-}
 
 } // namespace
 
@@ -407,18 +361,12 @@ void TVKModelData::writeTo(PlistValue& dict) const
         dict.insert(QStringLiteral("TVKOwnKSSig"),
                     PlistValue(corvane::stringFromFourCharCode(m_ownerKeysetSignature)));
     }
-    // Keysets archive independently of one another and only read the model, so a second core
-    // takes every other one: saving a large configuration then takes about half as long.
-    const std::size_t count = m_keysets.size();
-    std::vector<PlistValue> archived(count);
-    shareOut(count, [&](std::size_t i) {
+    PlistValue keysets = PlistValue::makeArray(qsizetype(m_keysets.size()));
+    for (const auto& keyset : m_keysets) {
         PlistValue keysetDict = PlistValue::makeDict(6);
-        m_keysets[i]->writeTo(keysetDict);
-        archived[i] = std::move(keysetDict);
-    });
-    PlistValue keysets = PlistValue::makeArray(qsizetype(count));
-    for (PlistValue& keysetDict : archived)
+        keyset->writeTo(keysetDict);
         keysets.append(std::move(keysetDict));
+    }
     dict.insert(QStringLiteral("TVKKeysets"), std::move(keysets));
 }
 
@@ -459,50 +407,20 @@ void TVKModelData::readFromArchive(const PlistValue& archive)
 
 std::vector<std::unique_ptr<TVKKeyset>> TVKModelData::readKeysets(const PlistValue& keysets)
 {
-    // Keysets are read independently of one another, so a second core reads every other one.
-    // What reading does beyond the keyset itself is kept per keyset and handed on afterwards
-    // in the configuration's order: the log lines, the repairs and the run's target IDs come
-    // out exactly as if the keysets had been read one after another.
-    struct Read
-    {
-        std::unique_ptr<TVKKeyset> keyset;
-        QStringList lines;
-        std::vector<corvane::ArchiveRepair> repairs;
-    };
-    const auto count = std::size_t(keysets.size());
-    std::vector<Read> read(count);
-    const bool repairing = corvane::ArchiveRepairLog::isActive();
-    shareOut(count, [&](std::size_t i) {
-        const TVKKeyset::TargetIDDeferral deferral;
-        corvane::LogCapture capture;
-        std::optional<corvane::ArchiveRepairLog> repairs;
-        if (repairing)
-            repairs.emplace();
-        const PlistValue& entry = keysets.at(qsizetype(i));
+    std::vector<std::unique_ptr<TVKKeyset>> list;
+    list.reserve(std::size_t(keysets.size()));
+    for (qsizetype i = 0; i < keysets.size(); ++i) {
+        const PlistValue& entry = keysets.at(i);
         // An entry that is no dictionary holds no keyset; read, it would become a nameless
         // keyset of fresh layers that the user never made.
-        if (entry.isDict())
-            read[i].keyset = createKeysetFromArchive(entry);
-        else
+        if (!entry.isDict()) {
             corvane::ArchiveRepairLog::record(
                 {QString(), -1, -1, false, -1,
                  QStringLiteral("keyset entry %1 is no dictionary; dropped").arg(i)});
-        read[i].lines = capture.lines();
-        if (repairs)
-            read[i].repairs = repairs->repairs();
-    });
-
-    std::vector<std::unique_ptr<TVKKeyset>> list;
-    list.reserve(count);
-    for (Read& r : read) {
-        for (const QString& line : r.lines)
-            corvane::log(line);
-        for (corvane::ArchiveRepair& repair : r.repairs)
-            corvane::ArchiveRepairLog::record(std::move(repair));
-        if (r.keyset) {
-            r.keyset->settleTargetID();
-            list.push_back(std::move(r.keyset));
+            continue;
         }
+        if (std::unique_ptr<TVKKeyset> keyset = createKeysetFromArchive(entry))
+            list.push_back(std::move(keyset));
     }
     return list;
 }

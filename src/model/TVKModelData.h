@@ -147,8 +147,7 @@ protected:
 
 private:
     void adopt(TVKKeyset& keyset);
-    // The readable keysets of an archived list, in its order. createKeysetFromArchive may run
-    // on a helper thread meanwhile; it must only read the model data.
+    // The readable keysets of an archived list, in its order.
     std::vector<std::unique_ptr<TVKKeyset>> readKeysets(const corvane::PlistValue& keysets);
 
     std::optional<QString> m_ownerKeysetBundleID;

@@ -323,7 +323,7 @@ TEST_F(ModelDataTest, TheBaseModelDataMakesNoKeysetsAndSaysSo)
     base.addKeysetWithName(QStringLiteral("X"), 0, QStringLiteral("a.b"));
     EXPECT_EQ(base.createKeysetWithPropertiesOfKeyset(CorvaneKeyset(nullptr)), nullptr);
 
-    // Once per keyset, whichever thread read it.
+    // Once per keyset.
     CorvaneModelData source;
     source.addKeysetWithName(QStringLiteral("A"), fourCC("AAAA"));
     source.addKeysetWithName(QStringLiteral("B"), fourCC("BBBB"));
@@ -395,26 +395,3 @@ TEST_F(ModelDataTest, KeysetIndexOutsideTheListIsCaughtNotRead)
 }
 
 } // namespace
-
-// Keysets are archived side by side on machines with more than one core; the stored list keeps
-// the model's order and each keyset's own contents, however the work was shared out.
-TEST_F(ModelDataTest, ManyKeysetsArchiveInTheirOrderWithTheirOwnContents)
-{
-    CorvaneModelData modelData;
-    for (int i = 1; i <= 24; ++i) {
-        modelData.addKeysetWithName(QStringLiteral("K%1").arg(i), fourCC("APPL") + quint32(i));
-        TVKKeyset* keyset = modelData.keysetAtIndex(i);
-        keyset->controlForLayer(i % 4, 13, i % 10)->setUserName(QStringLiteral("Key %1").arg(i));
-    }
-    const PlistValue archive = archiveOf(modelData);
-    const PlistValue& keysets = archive.value(u"TVKKeysets");
-    ASSERT_EQ(keysets.size(), 25);
-    for (int i = 0; i <= 24; ++i) {
-        const PlistValue& keyset = keysets.at(i);
-        EXPECT_EQ(keyset, archiveOf(*modelData.keysetAtIndex(i))) << i;
-        if (i > 0) {
-            EXPECT_EQ(keyset.value(u"TVKName").toString(), QStringLiteral("K%1").arg(i));
-        }
-    }
-    EXPECT_EQ(archiveOf(modelData), archive);
-}
