@@ -1,6 +1,7 @@
 #include "KeysetTool.h"
 
 #include "actions/TVKAction.h"
+#include "core/TVKUserDefaults.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"
@@ -91,6 +92,13 @@ CommandLine parseCommandLine(const QStringList& arguments)
             }
             line.format = format;
             line.formatGiven = true;
+        } else if (argument == u"--store") {
+            // The user's own preference store, wherever the desktop keeps it.
+            if (line.command.isEmpty()) {
+                line.error = QStringLiteral("--store stands for a FILE: give the command first");
+                return line;
+            }
+            line.files.append(TVKUserDefaults::defaultPath());
         } else if (argument.startsWith(u'-') && argument.size() > 1) {
             line.error = QStringLiteral("unknown option \"%1\"").arg(argument);
             return line;
@@ -280,7 +288,8 @@ QString KeysetTool::usage()
         "Reads keyset files and stored configurations through the configuration model.\n"
         "FILE may be an exported keyset, a stored configuration (a dictionary with\n"
         "\"TVKKeysets\") or a preference store whose \"TVKModelData\" entry holds one;\n"
-        "XML and binary property lists are both read.\n"
+        "XML and binary property lists are both read. --store in place of a FILE names\n"
+        "the user's preference store ($XDG_CONFIG_HOME/Tavrik/com.tavrik.CorvaneRS.plist).\n"
         "\n"
         "Commands:\n"
         "  describe FILE             one line per control and display of every keyset:\n"

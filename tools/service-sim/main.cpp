@@ -1,5 +1,6 @@
 #include "ConfigMirror.h"
 #include "ServiceSimulator.h"
+#include "core/TVKUserDefaults.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -48,7 +49,7 @@ int main(int argc, char** argv)
 
     ServiceSimulator::Options options;
     options.configPath = parser.isSet(configOption) ? parser.value(configOption)
-                                                    : ConfigMirror::defaultPreferencesPath();
+                                                    : corvane::TVKUserDefaults::defaultPath();
     options.surfaceConnected = !parser.isSet(disconnectedOption);
     options.quiet = parser.isSet(quietOption);
 

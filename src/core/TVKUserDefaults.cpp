@@ -1,0 +1,102 @@
+#include "core/TVKUserDefaults.h"
+
+#include "core/PlistCodec.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace corvane {
+
+QString TVKUserDefaults::defaultPath()
+{
+    QString config = qEnvironmentVariable("XDG_CONFIG_HOME");
+    // The base directory specification: a relative value is invalid and is ignored.
+    if (config.isEmpty() || QDir::isRelativePath(config))
+        config = QDir::homePath() + QStringLiteral("/.config");
+    return config + QStringLiteral("/Tavrik/com.tavrik.CorvaneRS.plist");
+}
+
+TVKUserDefaults::TVKUserDefaults(QString path) : m_path(std::move(path))
+{
+    reload();
+}
+
+TVKUserDefaults::State TVKUserDefaults::reload()
+{
+    m_values = PlistValue::makeDict();
+    m_error.clear();
+    const QFileInfo info(m_path);
+    if (!info.exists() && !info.isSymLink()) {
+        m_state = State::Missing;
+        return m_state;
+    }
+    const PlistReadResult read = PlistCodec::readFile(m_path);
+    if (!read.ok) {
+        m_state = State::Unreadable;
+        m_error = QStringLiteral("%1: %2").arg(m_path, read.error.toString());
+    } else if (!read.value.isDict()) {
+        m_state = State::Unreadable;
+        m_error = QStringLiteral("%1: the store is not a dictionary").arg(m_path);
+    } else {
+        m_state = State::Loaded;
+        m_values = read.value;
+    }
+    return m_state;
+}
+
+const PlistValue& TVKUserDefaults::objectForKey(QStringView key) const
+{
+    return m_values.value(key);
+}
+
+void TVKUserDefaults::setObject(const QString& key, PlistValue object)
+{
+    m_values.insert(key, std::move(object));
+}
+
+void TVKUserDefaults::removeObjectForKey(QStringView key)
+{
+    m_values.remove(key);
+}
+
+bool TVKUserDefaults::synchronize(QString* errorMessage)
+{
+    if (m_state == State::Unreadable) {
+        if (errorMessage)
+            *errorMessage = QStringLiteral("%1 could not be read and is left as it is").arg(m_path);
+        return false;
+    }
+    const QString folder = QFileInfo(m_path).absolutePath();
+    if (!QDir().mkpath(folder)) {
+        if (errorMessage)
+            *errorMessage = QStringLiteral("%1: the folder cannot be made").arg(folder);
+        return false;
+    }
+    if (!PlistCodec::writeFile(m_path, m_values, PlistFormat::Xml, errorMessage))
+        return false;
+    m_state = State::Loaded;
+    return true;
+}
+
+QString TVKUserDefaults::moveAside(QString* errorMessage)
+{
+    if (m_state != State::Unreadable)
+        return QString();
+    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    QString aside = m_path + QStringLiteral(".unreadable-") + stamp;
+    for (int n = 2; QFileInfo::exists(aside) || QFileInfo(aside).isSymLink(); ++n)
+        aside = m_path + QStringLiteral(".unreadable-%1-%2").arg(stamp).arg(n);
+    if (!QFile::rename(m_path, aside)) {
+        if (errorMessage)
+            *errorMessage = QStringLiteral("%1 cannot be moved aside").arg(m_path);
+        return QString();
+    }
+    m_values = PlistValue::makeDict();
+    m_state = State::Missing;
+    m_error.clear();
+    return aside;
+}
+
+} // namespace corvane

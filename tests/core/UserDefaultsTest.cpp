@@ -1,0 +1,106 @@
+// The preference store over its file: what it keeps, and that a file it could not read survives.
+#include "core/PlistCodec.h"
+#include "core/TVKUserDefaults.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using corvane::PlistValue;
+using corvane::TVKUserDefaults;
+
+namespace {
+
+QByteArray contents(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void put(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+} // namespace
+
+TEST(UserDefaults, StoresAndReadsBackEveryKindOfValueInItsOwnFolder)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("Tavrik/com.tavrik.CorvaneRS.plist"));
+    TVKUserDefaults store(path);
+    EXPECT_EQ(store.state(), TVKUserDefaults::State::Missing);
+    EXPECT_TRUE(store.objectForKey(u"TVKIPAdr").isNull());
+
+    PlistValue model = PlistValue::makeDict();
+    model.insert(QStringLiteral("TVKKeysets"), PlistValue::makeArray());
+    store.setObject(QStringLiteral("TVKModelData"), model);
+    store.setObject(QStringLiteral("TVKIPAdr"), PlistValue(QStringLiteral("10.0.0.7")));
+    store.setObject(QStringLiteral("TVKEnetPrt"), PlistValue(quint64(4000)));
+    store.setObject(QStringLiteral("TVKGone"), PlistValue(true));
+    store.removeObjectForKey(u"TVKGone");
+    QString error;
+    ASSERT_TRUE(store.synchronize(&error)) << error.toStdString();
+
+    const TVKUserDefaults again(path);
+    EXPECT_EQ(again.state(), TVKUserDefaults::State::Loaded);
+    EXPECT_EQ(again.objectForKey(u"TVKModelData"), model);
+    EXPECT_EQ(again.objectForKey(u"TVKIPAdr").toString(), QStringLiteral("10.0.0.7"));
+    EXPECT_EQ(again.objectForKey(u"TVKEnetPrt").toUnsigned(0), 4000u);
+    EXPECT_FALSE(again.dictionary().contains(u"TVKGone"));
+
+    // Unsynchronized changes are dropped by reading the file again.
+    store.setObject(QStringLiteral("TVKIPAdr"), PlistValue(QStringLiteral("1.2.3.4")));
+    EXPECT_EQ(store.reload(), TVKUserDefaults::State::Loaded);
+    EXPECT_EQ(store.objectForKey(u"TVKIPAdr").toString(), QStringLiteral("10.0.0.7"));
+}
+
+TEST(UserDefaults, AFileThatCannotBeReadIsNeverOverwrittenOnlyMovedAside)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("store.plist"));
+    const QByteArray damaged[] = {
+        QByteArray("<?xml version=\"1.0\"?><plist><dict><key>TVKModelData</key><dict>"),
+        QByteArray("<?xml version=\"1.0\"?><plist><array/></plist>"),
+        QByteArray("bplist00\xff\xff", 10),
+    };
+    for (const QByteArray& bytes : damaged) {
+        put(path, bytes);
+        TVKUserDefaults store(path);
+        EXPECT_EQ(store.state(), TVKUserDefaults::State::Unreadable) << bytes.constData();
+        EXPECT_TRUE(store.error().startsWith(path)) << store.error().toStdString();
+
+        store.setObject(QStringLiteral("TVKIPAdr"), PlistValue(QStringLiteral("10.0.0.7")));
+        QString error;
+        EXPECT_FALSE(store.synchronize(&error));
+        EXPECT_FALSE(error.isEmpty());
+        EXPECT_EQ(contents(path), bytes);
+
+        const QString aside = store.moveAside(&error);
+        ASSERT_FALSE(aside.isEmpty()) << error.toStdString();
+        EXPECT_TRUE(aside.startsWith(path + QStringLiteral(".unreadable-")));
+        EXPECT_EQ(contents(aside), bytes);
+        EXPECT_FALSE(QFile::exists(path));
+        EXPECT_EQ(store.state(), TVKUserDefaults::State::Missing);
+        EXPECT_TRUE(store.synchronize(&error)) << error.toStdString();
+        EXPECT_EQ(TVKUserDefaults(path).state(), TVKUserDefaults::State::Loaded);
+        EXPECT_TRUE(store.moveAside().isNull()) << "a readable store stays where it is";
+    }
+    // Three files moved aside within the same second keep names of their own.
+    EXPECT_EQ(QDir(dir.path()).entryList({QStringLiteral("store.plist.unreadable-*")}).size(), 3);
+}
+
+TEST(UserDefaults, DefaultPathFollowsTheDesktopsConfigurationFolder)
+{
+    const QByteArray saved = qgetenv("XDG_CONFIG_HOME");
+    qputenv("XDG_CONFIG_HOME", "/tmp/cfg");
+    EXPECT_EQ(TVKUserDefaults::defaultPath(),
+              QStringLiteral("/tmp/cfg/Tavrik/com.tavrik.CorvaneRS.plist"));
+    qputenv("XDG_CONFIG_HOME", "relative/cfg");
+    EXPECT_EQ(TVKUserDefaults::defaultPath(),
+              QDir::homePath() + QStringLiteral("/.config/Tavrik/com.tavrik.CorvaneRS.plist"));
+    qputenv("XDG_CONFIG_HOME", saved);
+}
