@@ -1,6 +1,7 @@
 #include "actions/EmulationActionFactory.h"
 #include "actions/TVKAction.h"
 #include "core/NotificationCenter.h"
+#include "core/Notifications.h"
 #include "model/TVKDisplayControl.h"
 #include "model/TVKLayer.h"
 #include "model/TVKModelData.h"
@@ -491,9 +492,9 @@ void CorvaneLayer::addButtonID(int button, int group)
         modelData->selectedControlIndex() == button) {
         // Both keys carry 24, as the inspector has always been told.
         corvane::NotificationCenter::defaultCenter().post(
-            QStringLiteral("TVKInspUpdate"), this,
-            QVariantMap{{QStringLiteral("TVKControlIndex"), kNVButtonGroupID},
-                        {QStringLiteral("TVKGroupID"), kNVButtonGroupID}});
+            corvane::note::InspUpdate, this,
+            QVariantMap{{corvane::info::ControlIndex, kNVButtonGroupID},
+                        {corvane::info::GroupID, kNVButtonGroupID}});
     }
 }
 

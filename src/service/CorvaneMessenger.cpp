@@ -1,5 +1,6 @@
 #include "service/CorvaneMessenger.h"
 
+#include "core/Notifications.h"
 #include "service/MessageCatalogue.h"
 #include "service/TVK_MessageSpecs.h"
 
@@ -54,7 +55,7 @@ bool CorvaneMessenger::sendUpdateCorvaneNVGroupsMessage(const PlistValue& groups
 {
     PlistValue dict = PlistValue::makeDict(2);
     dict.insert(QStringLiteral("TVKNVButtonGroups"), groups);
-    dict.insert(QStringLiteral("TVKKeysetIndex"), PlistValue(keyset));
+    dict.insert(corvane::info::KeysetIndex, PlistValue(keyset));
     return sendProperties(dict, msg::TUNV);
 }
 
@@ -62,8 +63,8 @@ bool CorvaneMessenger::updateCorvaneNVLCDButtons(const PlistValue& buttons,
                                                  const PlistValue& displays, int keyset, int layer)
 {
     PlistValue dict = PlistValue::makeDict(4);
-    dict.insert(QStringLiteral("TVKKeysetIndex"), PlistValue(keyset));
-    dict.insert(QStringLiteral("TVKLayerIndex"), PlistValue(layer));
+    dict.insert(corvane::info::KeysetIndex, PlistValue(keyset));
+    dict.insert(corvane::info::LayerIndex, PlistValue(layer));
     dict.insert(QStringLiteral("TVKLCDBtnList"), buttons);
     dict.insert(QStringLiteral("TVKLCDBtnDsplList"), displays);
     return sendProperties(dict, msg::TUNB);

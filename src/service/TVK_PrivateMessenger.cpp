@@ -1,6 +1,7 @@
 #include "service/TVK_PrivateMessenger.h"
 
 #include "actions/TVKNULLAction.h"
+#include "core/Notifications.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
@@ -63,18 +64,18 @@ bool TVK_PrivateMessenger::updateProperty(int property, qint64 value, int keyset
         return false;
     }
     PlistValue dict = PlistValue::makeDict(2);
-    dict.insert(QStringLiteral("TVKKeysetIndex"), PlistValue(qint64(keyset)));
-    dict.insert(QStringLiteral("TVKPropVal"), PlistValue(value));
+    dict.insert(corvane::info::KeysetIndex, PlistValue(qint64(keyset)));
+    dict.insert(corvane::info::PropVal, PlistValue(value));
     return sendProperties(dict, msgid);
 }
 
 PlistValue TVK_PrivateMessenger::indexDictionary(int keyset, int layer, int group, int control)
 {
     PlistValue dict = PlistValue::makeDict(5);
-    dict.insert(QStringLiteral("TVKKeysetIndex"), PlistValue(keyset));
-    dict.insert(QStringLiteral("TVKLayerIndex"), PlistValue(layer));
-    dict.insert(QStringLiteral("TVKGroupID"), PlistValue(group));
-    dict.insert(QStringLiteral("TVKControlIndex"), PlistValue(control));
+    dict.insert(corvane::info::KeysetIndex, PlistValue(keyset));
+    dict.insert(corvane::info::LayerIndex, PlistValue(layer));
+    dict.insert(corvane::info::GroupID, PlistValue(group));
+    dict.insert(corvane::info::ControlIndex, PlistValue(control));
     return dict;
 }
 
@@ -100,7 +101,7 @@ bool TVK_PrivateMessenger::updateProperty(int property, int keyset, int layer, i
             TVKNULLAction nullAction(const_cast<TVKControl*>(target));
             nullAction.writeTo(actionDict);
         }
-        dict.insert(QStringLiteral("TVActionObject"), actionDict);
+        dict.insert(corvane::info::ActionObject, actionDict);
         msgid = msg::InAc;
         break;
     }
@@ -112,17 +113,17 @@ bool TVK_PrivateMessenger::updateProperty(int property, int keyset, int layer, i
         break;
     case OnColorProperty:
         if (auto* button = dynamic_cast<const TVKMultiColorButtonControl*>(target)) {
-            dict.insert(QStringLiteral("TVKColor"), PlistValue(button->onColor()));
+            dict.insert(corvane::info::Color, PlistValue(button->onColor()));
             msgid = msg::ChCo;
         } else if (auto* trackball = dynamic_cast<const TVK4WayControl*>(target)) {
-            dict.insert(QStringLiteral("TVKColor"), PlistValue(trackball->onColor()));
+            dict.insert(corvane::info::Color, PlistValue(trackball->onColor()));
             msgid = msg::ChCo;
         }
         break;
     case BrightnessProperty:
         if (auto* trackball = dynamic_cast<const TVK4WayControl*>(target);
             trackball && type == corvane::ControlType::FourWay) {
-            dict.insert(QStringLiteral("TVKBrightness"), PlistValue(trackball->brightness()));
+            dict.insert(corvane::info::Brightness, PlistValue(trackball->brightness()));
             msgid = msg::ChBr;
         }
         break;
@@ -134,14 +135,14 @@ bool TVK_PrivateMessenger::updateProperty(int property, int keyset, int layer, i
         break;
     case OffColorProperty:
         if (auto* button = dynamic_cast<const TVKMultiColorButtonControl*>(target)) {
-            dict.insert(QStringLiteral("TVKOffColor"), PlistValue(button->offColor()));
+            dict.insert(corvane::info::OffColor, PlistValue(button->offColor()));
             msgid = msg::COfC;
         }
         break;
     case JogSensitivityProperty:
         if (auto* jog = dynamic_cast<const TVKJogControl*>(target);
             jog && type == corvane::ControlType::Jog) {
-            dict.insert(QStringLiteral("TVKJogSens"), PlistValue(jog->sensitivity()));
+            dict.insert(corvane::info::JogSens, PlistValue(jog->sensitivity()));
             msgid = msg::ChJS;
         }
         break;
@@ -168,14 +169,14 @@ bool TVK_PrivateMessenger::updateDisplayAction(const TVKAction* action, int keys
         TVKNULLDisplayAction nullAction(nullptr);
         nullAction.writeTo(actionDict);
     }
-    dict.insert(QStringLiteral("TVActionObject"), actionDict);
+    dict.insert(corvane::info::ActionObject, actionDict);
     return sendProperties(dict, msg::IDAc);
 }
 
 bool TVK_PrivateMessenger::sendKeysetDictionary(MessageID msgid, int index, const TVKKeyset* keyset)
 {
     PlistValue dict = PlistValue::makeDict();
-    dict.insert(QStringLiteral("TVKKeysetIndex"), PlistValue(index));
+    dict.insert(corvane::info::KeysetIndex, PlistValue(index));
     if (keyset)
         keyset->writeTo(dict);
     return sendProperties(dict, msgid);
@@ -194,7 +195,7 @@ bool TVK_PrivateMessenger::sendUpdateKeysetMessage(int index, const TVKKeyset* k
 bool TVK_PrivateMessenger::sendDeleteKeysetMessage(int index)
 {
     PlistValue dict = PlistValue::makeDict(1);
-    dict.insert(QStringLiteral("TVKKeysetIndex"), PlistValue(index));
+    dict.insert(corvane::info::KeysetIndex, PlistValue(index));
     return sendProperties(dict, msg::TDlK);
 }
 

@@ -7,6 +7,7 @@
 #include "actions/TVKBuiltInAction.h"
 #include "actions/editors/BuiltInActionEditor.h"
 #include "core/NotificationCenter.h"
+#include "core/Notifications.h"
 #include "core/PlistCodec.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
@@ -203,10 +204,13 @@ protected:
 TEST_F(BuiltInEditorTest, ListAndTitleForTheSelectedKeyset)
 {
     BuiltInActionEditor editor(container, TVKButtonBuiltInAction::kActionType, path);
+    int redraws = 0;
+    editor.setStateChangedHandler([&] { ++redraws; });
     EXPECT_EQ(editor.usageWord(), QStringLiteral("button"));
     EXPECT_EQ(editor.title(), QStringLiteral("No Built In Commands available for Default"));
     model->setSelectedKeysetIndex(1);
-    NotificationCenter::defaultCenter().post(QStringLiteral("TVKSelectedKeysetChange"));
+    NotificationCenter::defaultCenter().post(corvane::note::SelectedKeysetChange);
+    EXPECT_EQ(redraws, 1);
     EXPECT_EQ(editor.title(), QStringLiteral("Built In Commands for Editor:"));
     ASSERT_EQ(editor.groups().size(), 2u);
     EXPECT_TRUE(editor.isGroupRowEnabled(0));

@@ -15,6 +15,7 @@
 #include "actions/editors/MouseActionEditor.h"
 #include "actions/editors/SpecialActionEditor.h"
 #include "core/NotificationCenter.h"
+#include "core/Notifications.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 
@@ -42,6 +43,8 @@ TEST(SpecialEditor, RadioCellsSetChangeAndRemoveTheMode)
 {
     TVKActionContainer container;
     SpecialActionEditor editor(container, TVKButtonSpecialAction::kActionType);
+    int redraws = 0;
+    editor.setStateChangedHandler([&] { ++redraws; });
     EXPECT_EQ(editor.selectedCellTag(), 0);
 
     editor.click(1, 4); // not the matrix
@@ -65,6 +68,7 @@ TEST(SpecialEditor, RadioCellsSetChangeAndRemoveTheMode)
     EXPECT_EQ(container.actionType(), TVKButtonSpecialAction::kActionType);
     editor.click(0, 0);
     EXPECT_TRUE(container.isEmpty());
+    EXPECT_EQ(redraws, 5) << "one redraw per click";
 }
 
 TEST(KeySequenceEditor, CaptureNavigateOverwriteAppendAndDelete)
@@ -151,13 +155,16 @@ TEST(KeySequenceEditor, LockedKeysetIgnoresKeys)
 {
     TVKActionContainer container;
     KeySequenceEditor editor(container, TVKButtonKeySequenceAction::kActionType);
+    int redraws = 0;
+    editor.setStateChangedHandler([&] { ++redraws; });
     QVariantMap lock;
-    lock.insert(QStringLiteral("TVKLock"), true);
-    NotificationCenter::defaultCenter().post(QStringLiteral("TVKLockStateChange"), nullptr, lock);
+    lock.insert(corvane::info::Lock, true);
+    NotificationCenter::defaultCenter().post(corvane::note::LockStateChange, nullptr, lock);
+    EXPECT_EQ(redraws, 1) << "the widget hears of the lock from the editor";
     editor.keystrokeEntry(QStringLiteral("a"), 30, 0);
     EXPECT_TRUE(container.isEmpty());
-    lock.insert(QStringLiteral("TVKLock"), false);
-    NotificationCenter::defaultCenter().post(QStringLiteral("TVKLockStateChange"), nullptr, lock);
+    lock.insert(corvane::info::Lock, false);
+    NotificationCenter::defaultCenter().post(corvane::note::LockStateChange, nullptr, lock);
     editor.keystrokeEntry(QStringLiteral("a"), 30, 0);
     EXPECT_FALSE(container.isEmpty());
 }
@@ -385,14 +392,17 @@ TEST_F(MouseEditorTest, CaptureComputesEachLocationType)
     editor.selectLocationType(1);
     int started = 0;
     auto watch = NotificationCenter::defaultCenter().addObserver(
-        QStringLiteral("TVKStartCapture"), &editor, [&](const Notification&) { ++started; });
+        corvane::note::StartCapture, &editor, [&](const Notification&) { ++started; });
     editor.startCapture();
     EXPECT_EQ(started, 1);
     EXPECT_TRUE(editor.progressRunning());
 
     // Pointer 120 across and 45 down from the window's top-left corner (bottom-left origin).
     pointer.pointer = QPointF(220, 1080 - 245);
-    NotificationCenter::defaultCenter().post(QStringLiteral("TVKEndCapture"));
+    int redraws = 0;
+    editor.setStateChangedHandler([&] { ++redraws; });
+    NotificationCenter::defaultCenter().post(corvane::note::EndCapture);
+    EXPECT_EQ(redraws, 1);
     EXPECT_EQ(pointer.askedAt, QPointF(220, 245));
     auto* action = held<TVKMouseAction>(container);
     EXPECT_EQ(action->location(), QPointF(120, 45));
@@ -597,6 +607,8 @@ TEST_F(EmulationEditorTest, EncoderLimitsAndDisplayScroll)
 TEST_F(EmulationEditorTest, JogSpeedFollowsModeC)
 {
     EmulationActionEditor editor(container, EmulationActionEditor::Jog);
+    int redraws = 0;
+    editor.setStateChangedHandler([&] { ++redraws; });
     auto& c = editor.controls();
     c.speedSlider = 6;
     editor.controlChanged(EmulationActionEditor::SpeedSlider);
@@ -604,7 +616,7 @@ TEST_F(EmulationEditorTest, JogSpeedFollowsModeC)
     EXPECT_FALSE(c.modeCContainerVisible);
 
     setMode(3);
-    NotificationCenter::defaultCenter().post(QStringLiteral("TVKEmulChg"));
+    NotificationCenter::defaultCenter().post(corvane::note::EmulChg);
     EXPECT_TRUE(c.modeCContainerVisible);
     EXPECT_EQ(c.speedSlider, 1) << "the slider shows the held action's speed in mode C";
     c.speedSlider = 6;
@@ -616,6 +628,7 @@ TEST_F(EmulationEditorTest, JogSpeedFollowsModeC)
 
     // Locking or unlocking the keyset shows the action again.
     setMode(0);
-    NotificationCenter::defaultCenter().post(QStringLiteral("TVKLockStateChange"));
+    NotificationCenter::defaultCenter().post(corvane::note::LockStateChange);
     EXPECT_FALSE(c.modeCContainerVisible);
+    EXPECT_EQ(redraws, 5) << "three operations asked for, two notifications";
 }

@@ -1,5 +1,7 @@
 #include "core/NotificationCenter.h"
 
+#include "core/Notifications.h"
+
 #include <gtest/gtest.h>
 #include <optional>
 
@@ -12,22 +14,20 @@ TEST(NotificationCenter, DeliversSynchronouslyByNameAndSender)
     int sender = 0;
     int other = 0;
     QStringList seen;
-    auto any =
-        center.addObserver(QStringLiteral("TVKInspUpdate"), nullptr, [&](const Notification& n) {
-            seen << n.name + QLatin1Char(':') +
-                        n.userInfo.value(QStringLiteral("TVKGroupID")).toString();
-        });
-    auto fromSender = center.addObserver(QStringLiteral("TVKInspUpdate"), &sender,
+    auto any = center.addObserver(corvane::note::InspUpdate, nullptr, [&](const Notification& n) {
+        seen << n.name + QLatin1Char(':') + n.userInfo.value(corvane::info::GroupID).toString();
+    });
+    auto fromSender = center.addObserver(corvane::note::InspUpdate, &sender,
                                          [&](const Notification&) { seen << QStringLiteral("s"); });
     auto everything = center.addObserver(QString(), nullptr, [&](const Notification& n) {
         seen << QStringLiteral("all ") + n.name;
     });
 
-    center.post(QStringLiteral("TVKInspUpdate"), &other, {{QStringLiteral("TVKGroupID"), 24}});
+    center.post(corvane::note::InspUpdate, &other, {{corvane::info::GroupID, 24}});
     EXPECT_EQ(seen, (QStringList{QStringLiteral("TVKInspUpdate:24"),
                                  QStringLiteral("all TVKInspUpdate")}));
     seen.clear();
-    center.post(QStringLiteral("TVKInspUpdate"), &sender);
+    center.post(corvane::note::InspUpdate, &sender);
     EXPECT_EQ(seen.size(), 3);
     seen.clear();
     center.post(QStringLiteral("TVKOther"), &sender);

@@ -1,6 +1,7 @@
 #include "ModelFixture.h"
 #include "core/Log.h"
 #include "core/NotificationCenter.h"
+#include "core/Notifications.h"
 #include "model/TVKControl.h"
 #include "model/TVKDisplayControl.h"
 #include "model/TVKLayer.h"
@@ -357,7 +358,7 @@ TEST_F(NVGroupTest, AddingTheSelectedButtonTellsTheInspector)
 {
     std::vector<corvane::Notification> seen;
     auto observation = corvane::NotificationCenter::defaultCenter().addObserver(
-        QStringLiteral("TVKInspUpdate"), nullptr,
+        corvane::note::InspUpdate, nullptr,
         [&seen](const corvane::Notification& n) { seen.push_back(n); });
     m_layer->createCorvaneNVGroupNamed(QStringLiteral("A"));
     m_modelData->setSelectedGroupIndex(24);
@@ -366,8 +367,8 @@ TEST_F(NVGroupTest, AddingTheSelectedButtonTellsTheInspector)
     EXPECT_TRUE(seen.empty());
     m_layer->addButtonID(17, 0);
     ASSERT_EQ(seen.size(), 1u);
-    EXPECT_EQ(seen[0].userInfo.value(QStringLiteral("TVKControlIndex")).toInt(), 24);
-    EXPECT_EQ(seen[0].userInfo.value(QStringLiteral("TVKGroupID")).toInt(), 24);
+    EXPECT_EQ(seen[0].userInfo.value(corvane::info::ControlIndex).toInt(), 24);
+    EXPECT_EQ(seen[0].userInfo.value(corvane::info::GroupID).toInt(), 24);
 }
 
 TEST_F(NVGroupTest, GroupsAndAssignmentsSurviveTheArchive)

@@ -1,5 +1,6 @@
 #include "ServiceTestSupport.h"
 #include "actions/TVKAction.h"
+#include "core/Notifications.h"
 #include "core/PlistCodec.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
@@ -40,10 +41,10 @@ protected:
 PlistValue indices(int keyset, int layer, int group, int control)
 {
     PlistValue dict = PlistValue::makeDict();
-    dict.insert(QStringLiteral("TVKKeysetIndex"), PlistValue(keyset));
-    dict.insert(QStringLiteral("TVKLayerIndex"), PlistValue(layer));
-    dict.insert(QStringLiteral("TVKGroupID"), PlistValue(group));
-    dict.insert(QStringLiteral("TVKControlIndex"), PlistValue(control));
+    dict.insert(corvane::info::KeysetIndex, PlistValue(keyset));
+    dict.insert(corvane::info::LayerIndex, PlistValue(layer));
+    dict.insert(corvane::info::GroupID, PlistValue(group));
+    dict.insert(corvane::info::ControlIndex, PlistValue(control));
     return dict;
 }
 
@@ -123,7 +124,7 @@ TEST_F(MessengerTest, EveryOutgoingMessageMatchesTheCatalogue)
     PlistValue nullDisplayAction = PlistValue::makeDict();
     nullDisplayAction.insert(QStringLiteral("TVKActnType"), PlistValue(9));
     PlistValue keysetDict = PlistValue::makeDict();
-    keysetDict.insert(QStringLiteral("TVKKeysetIndex"), PlistValue(1));
+    keysetDict.insert(corvane::info::KeysetIndex, PlistValue(1));
     model->keysetAtIndex(0)->writeTo(keysetDict);
     PlistValue groups = PlistValue::makeArray();
     groups.append(PlistValue(QStringLiteral("Group A")));
@@ -183,9 +184,9 @@ TEST_F(MessengerTest, EveryOutgoingMessageMatchesTheCatalogue)
         PlistValue dictionary;
     };
     const PlistValue none = PlistValue::makeDict();
-    const auto keysetKey = QStringLiteral("TVKKeysetIndex");
-    const auto propertyKey = QStringLiteral("TVKPropVal");
-    const auto actionKey = QStringLiteral("TVActionObject");
+    const auto keysetKey = corvane::info::KeysetIndex;
+    const auto propertyKey = corvane::info::PropVal;
+    const auto actionKey = corvane::info::ActionObject;
     const auto owner = with(none, QStringLiteral("TVKHasOwnerKS"), PlistValue(1));
     const auto daw = PlistValue(QStringLiteral("DAWs"));
     const Dictionary dictionaries[] = {
@@ -207,25 +208,25 @@ TEST_F(MessengerTest, EveryOutgoingMessageMatchesTheCatalogue)
          with(indices(0, 0, keyGroup, keyIndex), QStringLiteral("TVKLatch"), PlistValue(1))},
         {"ChCo lit button", [&] { return m.updateProperty(2, 0, 0, litGroup, litIndex); },
          msg::ChCo,
-         with(indices(0, 0, litGroup, litIndex), QStringLiteral("TVKColor"), PlistValue(0x30))},
+         with(indices(0, 0, litGroup, litIndex), corvane::info::Color, PlistValue(0x30))},
         {"ChCo trackball", [&] { return m.updateProperty(2, 0, 0, ballGroup, ballIndex); },
          msg::ChCo,
-         with(indices(0, 0, ballGroup, ballIndex), QStringLiteral("TVKColor"), PlistValue(0x2A))},
+         with(indices(0, 0, ballGroup, ballIndex), corvane::info::Color, PlistValue(0x2A))},
         {"ChCo plain button", [&] { return m.updateProperty(2, 0, 0, keyGroup, keyIndex); },
          msg::MissingProperty, indices(0, 0, keyGroup, keyIndex)},
         {"ChBr", [&] { return m.updateProperty(3, 0, 0, ballGroup, ballIndex); }, msg::ChBr,
-         with(indices(0, 0, ballGroup, ballIndex), QStringLiteral("TVKBrightness"), PlistValue(7))},
+         with(indices(0, 0, ballGroup, ballIndex), corvane::info::Brightness, PlistValue(7))},
         {"ChBr on a jog wheel", [&] { return m.updateProperty(3, 0, 0, jogGroup, jogIndex); },
          msg::MissingProperty, indices(0, 0, jogGroup, jogIndex)},
         {"ChUN", [&] { return m.updateProperty(4, 0, 0, keyGroup, keyIndex); }, msg::ChUN,
          with(indices(0, 0, keyGroup, keyIndex), QStringLiteral("TVKUName"),
               PlistValue(QStringLiteral("Play")))},
         {"COfC", [&] { return m.updateProperty(5, 0, 0, litGroup, litIndex); }, msg::COfC,
-         with(indices(0, 0, litGroup, litIndex), QStringLiteral("TVKOffColor"), PlistValue(3))},
+         with(indices(0, 0, litGroup, litIndex), corvane::info::OffColor, PlistValue(3))},
         {"COfC trackball", [&] { return m.updateProperty(5, 0, 0, ballGroup, ballIndex); },
          msg::MissingProperty, indices(0, 0, ballGroup, ballIndex)},
         {"ChJS", [&] { return m.updateProperty(6, 0, 0, jogGroup, jogIndex); }, msg::ChJS,
-         with(indices(0, 0, jogGroup, jogIndex), QStringLiteral("TVKJogSens"), PlistValue(99))},
+         with(indices(0, 0, jogGroup, jogIndex), corvane::info::JogSens, PlistValue(99))},
         {"ChJS on a trackball", [&] { return m.updateProperty(6, 0, 0, ballGroup, ballIndex); },
          msg::MissingProperty, indices(0, 0, ballGroup, ballIndex)},
         // The surface has no joystick: its sensitivity never has a control to go with.
@@ -252,7 +253,7 @@ TEST_F(MessengerTest, EveryOutgoingMessageMatchesTheCatalogue)
          with(with(none, QStringLiteral("TVKNVButtonGroups"), groups), keysetKey, PlistValue(1))},
         {"TUNB", [&] { return m.updateCorvaneNVLCDButtons(groups, PlistValue::makeArray(), 1, 2); },
          msg::TUNB,
-         with(with(with(with(none, keysetKey, PlistValue(1)), QStringLiteral("TVKLayerIndex"),
+         with(with(with(with(none, keysetKey, PlistValue(1)), corvane::info::LayerIndex,
                         PlistValue(2)),
                    QStringLiteral("TVKLCDBtnList"), groups),
               QStringLiteral("TVKLCDBtnDsplList"), PlistValue::makeArray())},

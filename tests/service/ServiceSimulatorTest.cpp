@@ -1,5 +1,6 @@
 #include "ServiceTestSupport.h"
 #include "core/FourCharCode.h"
+#include "core/Notifications.h"
 #include "core/PlistCodec.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
@@ -101,7 +102,7 @@ TEST_F(ServiceSimulatorTest, StartsDisconnectedWhenAskedAndReportsWhatItIsSent)
     EXPECT_EQ(reset->value(u"port").toInteger(), 23);
     const auto deleted = sim.waitFor(hasCode(QStringLiteral("TDlK")));
     ASSERT_TRUE(deleted);
-    EXPECT_EQ(deleted->value(u"plist").toObject().value(u"TVKKeysetIndex").toInteger(), 0);
+    EXPECT_EQ(deleted->value(u"plist").toObject().value(corvane::info::KeysetIndex).toInteger(), 0);
 
     // The service's own messages reach the delegate.
     sim.command(QStringLiteral("send TCtl 1 3 0 -1"));

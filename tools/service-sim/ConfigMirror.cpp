@@ -2,16 +2,14 @@
 
 #include "actions/TVKStandardActionTypes.h"
 #include "core/FourCharCode.h"
+#include "core/Notifications.h"
 #include "core/PlistCodec.h"
+#include "core/TVKUserDefaults.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 #include "service/MessageCatalogue.h"
 #include "service/TVK_MessageSpecs.h"
-
-#include <QDir>
-#include <QFileInfo>
-#include <QStandardPaths>
 
 using corvane::MessageID;
 using corvane::PlistValue;
@@ -21,36 +19,26 @@ ConfigMirror::ConfigMirror() : m_model(std::make_unique<CorvaneModelData>()) {}
 
 ConfigMirror::~ConfigMirror() = default;
 
-QString ConfigMirror::defaultPreferencesPath()
-{
-    QString config = qEnvironmentVariable("XDG_CONFIG_HOME");
-    if (config.isEmpty())
-        config = QDir::homePath() + QStringLiteral("/.config");
-    return config + QStringLiteral("/Tavrik/com.tavrik.CorvaneRS.plist");
-}
-
 bool ConfigMirror::load(const QString& path, QString* reason)
 {
-    if (!QFileInfo::exists(path)) {
+    const corvane::TVKUserDefaults store(path);
+    switch (store.state()) {
+    case corvane::TVKUserDefaults::State::Missing:
         m_model = std::make_unique<CorvaneModelData>();
         return true;
-    }
-    const corvane::PlistReadResult read = corvane::PlistCodec::readFile(path);
-    if (!read.ok) {
-        *reason = QStringLiteral("%1: %2").arg(path, read.error.toString());
+    case corvane::TVKUserDefaults::State::Unreadable:
+        *reason = store.error();
         return false;
+    case corvane::TVKUserDefaults::State::Loaded:
+        break;
     }
-    if (!read.value.isDict()) {
-        *reason = QStringLiteral("%1: not a dictionary").arg(path);
-        return false;
-    }
-    const PlistValue& stored = read.value.value(u"TVKModelData");
-    if (read.value.contains(u"TVKModelData") && !stored.isDict()) {
+    const PlistValue& stored = store.objectForKey(u"TVKModelData");
+    if (store.dictionary().contains(u"TVKModelData") && !stored.isDict()) {
         // A store whose configuration entry is damaged is not a configuration of its own.
         *reason = QStringLiteral("%1: \"TVKModelData\" is not a dictionary").arg(path);
         return false;
     }
-    m_model = std::make_unique<CorvaneModelData>(stored.isDict() ? stored : read.value);
+    m_model = std::make_unique<CorvaneModelData>(stored.isDict() ? stored : store.dictionary());
     return true;
 }
 
@@ -110,10 +98,10 @@ bool ConfigMirror::apply(MessageID id, const QByteArray& body, int editedKeyset,
 
 bool ConfigMirror::applyDictionary(MessageID id, const PlistValue& dict, QString* reason)
 {
-    const int keyset = int(dict.value(u"TVKKeysetIndex").toInteger(-1));
-    const int layer = int(dict.value(u"TVKLayerIndex").toInteger());
-    const int group = int(dict.value(u"TVKGroupID").toInteger());
-    const int control = int(dict.value(u"TVKControlIndex").toInteger());
+    const int keyset = int(dict.value(corvane::info::KeysetIndex).toInteger(-1));
+    const int layer = int(dict.value(corvane::info::LayerIndex).toInteger());
+    const int group = int(dict.value(corvane::info::GroupID).toInteger());
+    const int control = int(dict.value(corvane::info::ControlIndex).toInteger());
     const bool keysetExists = keyset >= 0 && keyset < m_model->numberOfKeysets();
 
     switch (id) {
@@ -148,7 +136,7 @@ bool ConfigMirror::applyDictionary(MessageID id, const PlistValue& dict, QString
             return false;
         }
         TVKKeyset* target = m_model->keysetAtIndex(keyset);
-        const qint64 value = dict.value(u"TVKPropVal").toInteger();
+        const qint64 value = dict.value(corvane::info::PropVal).toInteger();
         if (id == msg::RvRB) {
             if (auto* corvaneKeyset = dynamic_cast<CorvaneKeyset*>(target))
                 corvaneKeyset->setReverseRBButtons(value != 0);
@@ -182,7 +170,7 @@ bool ConfigMirror::applyDictionary(MessageID id, const PlistValue& dict, QString
             return false;
         }
         display->adoptAction(TVKStandardActionTypes::createActionFromArchive(
-            dict.value(u"TVActionObject"), display));
+            dict.value(corvane::info::ActionObject), display));
         return true;
     }
     case msg::InAc:
@@ -211,32 +199,32 @@ bool ConfigMirror::applyDictionary(MessageID id, const PlistValue& dict, QString
     }
     switch (id) {
     case msg::InAc:
-        target->adoptAction(
-            TVKStandardActionTypes::createActionFromArchive(dict.value(u"TVActionObject"), target));
+        target->adoptAction(TVKStandardActionTypes::createActionFromArchive(
+            dict.value(corvane::info::ActionObject), target));
         break;
     case msg::ChLa:
         target->setLatched(dict.value(u"TVKLatch").toBool());
         break;
     case msg::ChCo:
         if (auto* button = dynamic_cast<TVKMultiColorButtonControl*>(target))
-            button->setOnColor(int(dict.value(u"TVKColor").toInteger()));
+            button->setOnColor(int(dict.value(corvane::info::Color).toInteger()));
         else if (auto* trackball = dynamic_cast<TVK4WayControl*>(target))
-            trackball->setOnColor(int(dict.value(u"TVKColor").toInteger()));
+            trackball->setOnColor(int(dict.value(corvane::info::Color).toInteger()));
         break;
     case msg::ChBr:
         if (auto* trackball = dynamic_cast<TVK4WayControl*>(target))
-            trackball->setBrightness(int(dict.value(u"TVKBrightness").toInteger()));
+            trackball->setBrightness(int(dict.value(corvane::info::Brightness).toInteger()));
         break;
     case msg::ChUN:
         target->setUserName(dict.value(u"TVKUName").toString());
         break;
     case msg::COfC:
         if (auto* button = dynamic_cast<TVKMultiColorButtonControl*>(target))
-            button->setOffColor(int(dict.value(u"TVKOffColor").toInteger()));
+            button->setOffColor(int(dict.value(corvane::info::OffColor).toInteger()));
         break;
     case msg::ChJS:
         if (auto* jog = dynamic_cast<TVKJogControl*>(target))
-            jog->setSensitivity(int(dict.value(u"TVKJogSens").toInteger()));
+            jog->setSensitivity(int(dict.value(corvane::info::JogSens).toInteger()));
         break;
     case msg::ChJy:
         if (auto* joystick = dynamic_cast<TVKJoystickControl*>(target))

@@ -17,9 +17,6 @@ public:
     ConfigMirror();
     ~ConfigMirror();
 
-    // The application's preference store: $XDG_CONFIG_HOME/Tavrik/com.tavrik.CorvaneRS.plist.
-    static QString defaultPreferencesPath();
-
     // Reads a preference store (its "TVKModelData" entry) or a bare configuration. A missing
     // file gives a fresh configuration; a file that cannot be read is an error.
     bool load(const QString& path, QString* reason);

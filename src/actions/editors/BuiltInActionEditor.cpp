@@ -4,6 +4,7 @@
 #include "actions/TVKActionContainer.h"
 #include "actions/TVKBuiltInAction.h"
 #include "actions/editors/EditorActions.h"
+#include "core/Notifications.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 
@@ -16,7 +17,7 @@ BuiltInActionEditor::BuiltInActionEditor(TVKActionContainer& container, qint32 a
 {
     loadForSelectedKeyset();
     m_keysetChangeObservation = NotificationCenter::defaultCenter().addObserver(
-        QStringLiteral("TVKSelectedKeysetChange"), nullptr,
+        corvane::note::SelectedKeysetChange, nullptr,
         [this](const Notification&) { loadForSelectedKeyset(); });
 }
 
@@ -36,6 +37,7 @@ void BuiltInActionEditor::loadCommandList(const TVKKeyset* keyset, const QString
 void BuiltInActionEditor::loadCommandList(const TVKKeyset* keyset,
                                           const BuiltInCommandCatalogue& catalogue)
 {
+    const StateChange change(*this);
     m_groups.clear();
     if (keyset)
         m_groups = catalogue.commandsFor(BuiltInCommandCatalogue::lookupKey(*keyset), m_usage);
@@ -60,6 +62,7 @@ bool BuiltInActionEditor::isGroupRowLeaf(int groupRow) const
 BuiltInActionEditor::Choice BuiltInActionEditor::chooseCommand(int groupRow, int commandRow,
                                                                bool lastColumnSelected)
 {
+    const StateChange change(*this);
     Choice choice;
     if (!lastColumnSelected || groupRow < 0 || size_t(groupRow) >= m_groups.size())
         return choice;

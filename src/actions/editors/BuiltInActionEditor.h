@@ -1,6 +1,7 @@
 #pragma once
 
 #include "actions/BuiltInCommandCatalogue.h"
+#include "actions/editors/EditorLogic.h"
 #include "core/NotificationCenter.h"
 
 #include <QString>
@@ -13,7 +14,7 @@ namespace corvane {
 
 // The built-in command editor's decisions: the command list of the keyset's application that
 // suits the control kind, its title, and what choosing a command does to the edited action.
-class BuiltInActionEditor
+class BuiltInActionEditor : public EditorLogic
 {
 public:
     // Loads the list for the model's selected keyset from the catalogue at cataloguePath, and

@@ -19,6 +19,7 @@ QString HiResTextEditor::lineLengthLabel(unsigned lineCount)
 
 void HiResTextEditor::setLineCount(unsigned lineCount)
 {
+    const StateChange change(*this);
     m_lineCount = qMin(lineCount, CorvaneHiResLCDButtonDisplayTextAction::kMaxLines);
     m_label = lineLengthLabel(m_lineCount);
     apply();
@@ -26,6 +27,7 @@ void HiResTextEditor::setLineCount(unsigned lineCount)
 
 void HiResTextEditor::setLine(int index, const QString& text)
 {
+    const StateChange change(*this);
     if (index < 0 || index >= m_lines.size())
         return;
     m_lines[index] = text;
@@ -40,6 +42,7 @@ void HiResTextEditor::apply()
 
 void HiResTextEditor::updateForNewAction()
 {
+    const StateChange change(*this);
     m_lines = {QString(), QString(), QString(), QString()};
     if (m_container.actionType() != CorvaneHiResLCDButtonDisplayTextAction::kActionType) {
         m_lineCount = 0;

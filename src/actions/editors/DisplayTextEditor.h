@@ -1,5 +1,7 @@
 #pragma once
 
+#include "actions/editors/EditorLogic.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -10,7 +12,7 @@ namespace corvane {
 // The high-resolution LCD button text editor: a line-count choice (0 to 4) and four line fields.
 // The line count fixes how many characters each line holds; the stored text is the lines cut to
 // that length and joined.
-class HiResTextEditor
+class HiResTextEditor : public EditorLogic
 {
 public:
     explicit HiResTextEditor(TVKActionContainer& container);

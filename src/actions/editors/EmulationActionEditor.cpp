@@ -5,6 +5,7 @@
 #include "actions/TVKEmulationAction.h"
 #include "actions/editors/EditorActions.h"
 #include "core/Log.h"
+#include "core/Notifications.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 #include "surface/TVK_Constant_Server.h"
@@ -40,11 +41,10 @@ EmulationActionEditor::EmulationActionEditor(TVKActionContainer& container, Kind
     // emulation mode or the keyset's lock changes.
     if (m_kind == Jog) {
         NotificationCenter& center = NotificationCenter::defaultCenter();
-        m_emulationChangeObservation =
-            center.addObserver(QStringLiteral("TVKEmulChg"), nullptr,
-                               [this](const Notification&) { updateForNewAction(); });
+        m_emulationChangeObservation = center.addObserver(
+            corvane::note::EmulChg, nullptr, [this](const Notification&) { updateForNewAction(); });
         m_lockObservation =
-            center.addObserver(QStringLiteral("TVKLockStateChange"), nullptr,
+            center.addObserver(corvane::note::LockStateChange, nullptr,
                                [this](const Notification&) { updateForNewAction(); });
     }
 }
@@ -178,6 +178,7 @@ void EmulationActionEditor::makeNewAction()
 
 void EmulationActionEditor::controlChanged(int senderTag)
 {
+    const StateChange change(*this);
     Controls& c = m_controls;
     const int limit = numberLimit();
     switch (senderTag) {
@@ -225,6 +226,7 @@ void EmulationActionEditor::controlChanged(int senderTag)
 
 void EmulationActionEditor::updateForNewAction()
 {
+    const StateChange change(*this);
     Controls& c = m_controls;
     const int mode = selectedKeysetEmulationMode();
     if (mode == 3)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "actions/editors/EditorLogic.h"
 #include "core/NotificationCenter.h"
 
 #include <QList>
@@ -13,7 +14,7 @@ namespace corvane {
 
 // The emulation editor's decisions for buttons, encoders and the jog wheel: group menus by the
 // keyset's emulation mode, setting up for a group, number limits and the new-action rule.
-class EmulationActionEditor
+class EmulationActionEditor : public EditorLogic
 {
 public:
     enum Kind

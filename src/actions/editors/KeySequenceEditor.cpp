@@ -4,6 +4,7 @@
 #include "actions/TVKKeySequenceAction.h"
 #include "actions/editors/EditorActions.h"
 #include "core/Log.h"
+#include "core/Notifications.h"
 
 namespace corvane {
 
@@ -22,8 +23,9 @@ KeySequenceEditor::KeySequenceEditor(TVKActionContainer& container, qint32 actio
     : m_container(container), m_actionType(actionType)
 {
     m_lockObservation = NotificationCenter::defaultCenter().addObserver(
-        QStringLiteral("TVKLockStateChange"), nullptr, [this](const Notification& note) {
-            m_locked = note.userInfo.value(QStringLiteral("TVKLock")).toBool();
+        corvane::note::LockStateChange, nullptr, [this](const Notification& note) {
+            const StateChange change(*this);
+            m_locked = note.userInfo.value(corvane::info::Lock).toBool();
         });
 }
 
@@ -34,6 +36,7 @@ void KeySequenceEditor::setParameterChangedHandler(std::function<void()> handler
 
 void KeySequenceEditor::setControls(bool repeatChecked, int speedValue)
 {
+    const StateChange change(*this);
     m_repeatChecked = repeatChecked;
     m_speedValue = speedValue;
 }
@@ -99,6 +102,7 @@ void KeySequenceEditor::actionParameterChanged()
 
 void KeySequenceEditor::keystrokeEntry(const QString& label, quint32 keyCode, quint64 modifiers)
 {
+    const StateChange change(*this);
     if (m_locked)
         return;
     TVKKeySequenceAction* action = currentAction();
@@ -119,6 +123,7 @@ void KeySequenceEditor::keystrokeEntry(const QString& label, quint32 keyCode, qu
 
 void KeySequenceEditor::modifierBoxesClicked(unsigned tickedTags)
 {
+    const StateChange change(*this);
     m_modifierBoxTags = tickedTags & kModifierTagMask;
     const quint64 word = quint64(m_modifierBoxTags) << 16;
     TVKKeySequenceAction* action = currentAction();
@@ -136,6 +141,7 @@ void KeySequenceEditor::modifierBoxesClicked(unsigned tickedTags)
 
 void KeySequenceEditor::optionChanged(int senderTag, bool repeatChecked, int speedValue)
 {
+    const StateChange change(*this);
     if (senderTag != RepeatBox && senderTag != SpeedSlider)
         return;
     m_repeatChecked = repeatChecked;
@@ -150,6 +156,7 @@ void KeySequenceEditor::optionChanged(int senderTag, bool repeatChecked, int spe
 
 void KeySequenceEditor::navigate(int senderTag)
 {
+    const StateChange change(*this);
     TVKKeystrokeList* list = editedList();
     if (!list || list->empty())
         return;
@@ -186,6 +193,7 @@ void KeySequenceEditor::navigate(int senderTag)
 
 void KeySequenceEditor::updateForNewAction()
 {
+    const StateChange change(*this);
     TVKKeySequenceAction* action = editedAction();
     if (!action) {
         clearDisplay();
@@ -205,6 +213,7 @@ void KeySequenceEditor::updateForNewAction()
 
 void KeySequenceEditor::chooseDirection(int senderTag, int cellTag)
 {
+    const StateChange change(*this);
     if (senderTag != DirectionMatrix)
         return;
     m_currentAxis = qBound(0, cellTag, qMax(numberOfDirections() - 1, 0));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "actions/TVKKeystrokeElement.h"
+#include "actions/editors/EditorLogic.h"
 #include "core/NotificationCenter.h"
 
 #include <QString>
@@ -14,7 +15,7 @@ namespace corvane {
 // The key sequence editor's decisions, for one list (a button) or one direction's list. It holds
 // what the editor's controls show; the widget maps its controls onto these calls and redraws
 // from the state.
-class KeySequenceEditor
+class KeySequenceEditor : public EditorLogic
 {
 public:
     // Sender tags of the editor's controls.

@@ -24,6 +24,7 @@ TVKMIDIAction* MIDIActionEditor::editedAction() const
 
 void MIDIActionEditor::controlChanged(int senderTag)
 {
+    const StateChange change(*this);
     Controls& c = m_controls;
     switch (senderTag) {
     case ModeRadios:
@@ -176,6 +177,7 @@ void MIDIActionEditor::fillCustomControls(const TVKMIDIAction::Message& message,
 
 void MIDIActionEditor::updateForNewAction()
 {
+    const StateChange change(*this);
     Controls& c = m_controls;
     const TVKMIDIAction* action = editedAction();
     if (!action) {

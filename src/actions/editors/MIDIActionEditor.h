@@ -1,6 +1,7 @@
 #pragma once
 
 #include "actions/TVKMIDIAction.h"
+#include "actions/editors/EditorLogic.h"
 
 class TVKActionContainer;
 
@@ -9,7 +10,7 @@ namespace corvane {
 // The MIDI editor's decisions: mode radios, a command pop-up whose item tags are status bytes,
 // channel and two data values (each a field and stepper pair with a follows-value box). For the
 // 4-way editor every step works on the current axis.
-class MIDIActionEditor
+class MIDIActionEditor : public EditorLogic
 {
 public:
     enum Tag
@@ -58,7 +59,11 @@ public:
     void controlChanged(int senderTag);
     void updateForNewAction();
     // The 4-way editor starts on the horizontal axis each time its view is loaded.
-    void viewLoaded() { m_currentAxis = 0; }
+    void viewLoaded()
+    {
+        const StateChange change(*this);
+        m_currentAxis = 0;
+    }
 
     int currentAxis() const { return m_currentAxis; }
     bool isFourWay() const { return m_actionType == TVK4WayMIDIAction::kActionType; }

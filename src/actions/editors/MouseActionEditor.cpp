@@ -4,6 +4,7 @@
 #include "actions/TVKActionContainer.h"
 #include "actions/TVKMouseAction.h"
 #include "actions/editors/EditorActions.h"
+#include "core/Notifications.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 #include "surface/TVK_Constant_Server.h"
@@ -31,7 +32,7 @@ MouseActionEditor::MouseActionEditor(TVKActionContainer& container, qint32 actio
     : m_container(container), m_actionType(actionType), m_environment(environment)
 {
     m_endCaptureObservation = NotificationCenter::defaultCenter().addObserver(
-        QStringLiteral("TVKEndCapture"), nullptr, [this](const Notification&) { endCapture(); });
+        corvane::note::EndCapture, nullptr, [this](const Notification&) { endCapture(); });
 }
 
 void MouseActionEditor::setParameterChangedHandler(std::function<void()> handler)
@@ -64,6 +65,7 @@ TVKMouseAction* MouseActionEditor::currentAction(unsigned newOperation)
 
 void MouseActionEditor::selectOperation(int tag)
 {
+    const StateChange change(*this);
     m_operationTag = tag;
     if (tag < 1 || tag > 10) {
         m_container.setAction(nullptr);
@@ -76,6 +78,7 @@ void MouseActionEditor::selectOperation(int tag)
 
 void MouseActionEditor::selectLocationType(int tag)
 {
+    const StateChange change(*this);
     m_locationTag = tag;
     if (TVKMouseAction* action = currentAction(1)) {
         action->setLocationType(unsigned(qMax(tag, 0)));
@@ -92,6 +95,7 @@ void MouseActionEditor::selectLocationType(int tag)
 
 void MouseActionEditor::setUsePartialWindowName(bool use)
 {
+    const StateChange change(*this);
     m_partialNameChecked = use;
     if (TVKMouseAction* action = currentAction(1))
         action->setUsePartialWindowName(use);
@@ -100,6 +104,7 @@ void MouseActionEditor::setUsePartialWindowName(bool use)
 
 void MouseActionEditor::setWindowName(const QString& name)
 {
+    const StateChange change(*this);
     m_windowNameText = name;
     if (TVKMouseAction* action = currentAction(1))
         action->setWindowName(name);
@@ -108,6 +113,7 @@ void MouseActionEditor::setWindowName(const QString& name)
 
 void MouseActionEditor::setModifierBoxes(unsigned tickedTags)
 {
+    const StateChange change(*this);
     m_modifierBoxTags = tickedTags & (2 | 4 | 8 | 16);
     if (TVKMouseAction* action = currentAction(1))
         action->setModifierFlags(m_modifierBoxTags << 16);
@@ -125,10 +131,11 @@ void MouseActionEditor::refreshEnabling()
 
 void MouseActionEditor::startCapture()
 {
+    const StateChange change(*this);
     m_captureButtonVisible = false;
     m_captureText = kReadyText;
     m_progressRunning = true;
-    NotificationCenter::defaultCenter().post(QStringLiteral("TVKStartCapture"), this);
+    NotificationCenter::defaultCenter().post(corvane::note::StartCapture, this);
 }
 
 QPointF MouseActionEditor::locationForPointer(unsigned locationType, QPointF pointer,
@@ -189,6 +196,7 @@ QString MouseActionEditor::locationText(unsigned locationType, QPointF location,
 
 void MouseActionEditor::endCapture()
 {
+    const StateChange change(*this);
     TVKMouseAction* action = editedAction();
     if (!action)
         return;
@@ -229,6 +237,7 @@ void MouseActionEditor::endCapture()
 
 void MouseActionEditor::updateForNewAction()
 {
+    const StateChange change(*this);
     if (const TVKMouseAction* action = editedAction()) {
         m_operationTag = int(action->operation());
         m_locationTag = int(action->locationType());

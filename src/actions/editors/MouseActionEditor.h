@@ -1,5 +1,6 @@
 #pragma once
 
+#include "actions/editors/EditorLogic.h"
 #include "core/FourCharCode.h"
 #include "core/NotificationCenter.h"
 
@@ -42,7 +43,7 @@ public:
 
 // The mouse editor's decisions: which controls are enabled, the capture texts, and the capture
 // computation and its refusal rules against the keyset being edited.
-class MouseActionEditor
+class MouseActionEditor : public EditorLogic
 {
 public:
     enum Tag

@@ -19,6 +19,7 @@ int SpecialActionEditor::selectedCellTag() const
 
 void SpecialActionEditor::click(int senderTag, int selectedCellTag)
 {
+    const StateChange change(*this);
     if (senderTag != 0)
         return;
     if (selectedCellTag == 0) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "actions/editors/EditorLogic.h"
+
 #include <QtGlobal>
 
 class TVKActionContainer;
@@ -7,7 +9,7 @@ class TVKActionContainer;
 namespace corvane {
 
 // The special-function editor's decisions: a matrix of radio cells whose tags are the modes.
-class SpecialActionEditor
+class SpecialActionEditor : public EditorLogic
 {
 public:
     SpecialActionEditor(TVKActionContainer& container, qint32 actionType);
