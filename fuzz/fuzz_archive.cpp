@@ -5,6 +5,8 @@
 #include "core/Log.h"
 #include "core/PlistCodec.h"
 #include "model/ArchiveRepairLog.h"
+#include "model/CorvaneKeyset.h"
+#include "model/CorvaneModelData.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 #include "surface/Corvane_Constant_Server.h"

@@ -1,5 +1,6 @@
 #include "ConfigGenerator.h"
 #include "core/PlistCodec.h"
+#include "model/CorvaneModelData.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 #include "surface/Corvane_Constant_Server.h"
@@ -35,12 +36,13 @@ struct Fixture
     QString xmlPath;
     QString binaryPath;
     QString keysetPath;
+    PlistValue tree;
 
     Fixture()
     {
         corvane::ConfigGenerator generator;
         model = generator.generateConfiguration(kKeysets);
-        PlistValue tree = PlistValue::makeDict();
+        tree = PlistValue::makeDict();
         model->writeTo(tree);
         xmlPath = dir.filePath(QStringLiteral("config.plist"));
         binaryPath = dir.filePath(QStringLiteral("config.bplist"));
@@ -176,6 +178,48 @@ void BM_KeysetFileIntoKeyset(benchmark::State& state)
     }
 }
 
+// The model's half of reading: an already parsed tree into the model.
+void BM_TreeIntoModel(benchmark::State& state)
+{
+    for (auto _ : state) {
+        auto model = std::make_unique<CorvaneModelData>(fixture().tree);
+        benchmark::DoNotOptimize(model.get());
+        state.PauseTiming();
+        model.reset();
+        TVKKeyset::resetTargetIDs();
+        settleHeap();
+        state.ResumeTiming();
+    }
+}
+
+// The whole-keyset operations behind New Keyset and the emulation-free copy of the keyset
+// commands.
+void BM_NewKeyset(benchmark::State& state)
+{
+    CorvaneModelData& model = *fixture().model;
+    for (auto _ : state) {
+        auto keyset = model.createKeysetWithName(QStringLiteral("New"), corvane::fourCC("NEWK"));
+        benchmark::DoNotOptimize(keyset.get());
+        state.PauseTiming();
+        keyset.reset();
+        TVKKeyset::resetTargetIDs();
+        state.ResumeTiming();
+    }
+}
+
+void BM_CopyKeysetWithoutEmulation(benchmark::State& state)
+{
+    const TVKKeyset& source = *fixture().model->keysetAtIndex(0);
+    for (auto _ : state) {
+        auto copy = source.copyWithoutEmulation();
+        benchmark::DoNotOptimize(copy.get());
+        state.PauseTiming();
+        copy.reset();
+        TVKKeyset::resetTargetIDs();
+        state.ResumeTiming();
+    }
+}
+
 BENCHMARK(BM_XmlFileIntoModel)->Unit(benchmark::kMillisecond)->MinTime(3.0);
 BENCHMARK(BM_BinaryFileIntoModel)->Unit(benchmark::kMillisecond)->MinTime(3.0);
 BENCHMARK(BM_ModelToXmlFile)->Unit(benchmark::kMillisecond)->MinTime(3.0);
@@ -184,6 +228,9 @@ BENCHMARK(BM_ModelToXmlBytes)->Unit(benchmark::kMillisecond)->MinTime(3.0);
 BENCHMARK(BM_ModelToBinaryBytes)->Unit(benchmark::kMillisecond)->MinTime(3.0);
 BENCHMARK(BM_ModelToTree)->Unit(benchmark::kMillisecond)->MinTime(3.0);
 BENCHMARK(BM_KeysetFileIntoKeyset)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_TreeIntoModel)->Unit(benchmark::kMillisecond)->MinTime(3.0);
+BENCHMARK(BM_NewKeyset)->Unit(benchmark::kMillisecond)->MinTime(1.0);
+BENCHMARK(BM_CopyKeysetWithoutEmulation)->Unit(benchmark::kMillisecond)->MinTime(1.0);
 
 } // namespace
 

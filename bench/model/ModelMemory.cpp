@@ -7,6 +7,7 @@
 
 #include "ConfigGenerator.h"
 #include "core/PlistCodec.h"
+#include "model/CorvaneModelData.h"
 #include "model/TVKModelData.h"
 #include "surface/Corvane_Constant_Server.h"
 

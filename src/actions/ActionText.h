@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/SurfaceConstants.h"
+#include "surface/SurfaceConstants.h"
 
 #include <QList>
 #include <QString>

@@ -1,6 +1,6 @@
 #include "actions/TVKSpecialAction.h"
 
-#include "model/SurfaceConstants.h"
+#include "surface/SurfaceConstants.h"
 #include "surface/TVK_Constant_Server.h"
 
 namespace {

@@ -1,3 +1,5 @@
+#include "model/CorvaneLayer.h"
+
 #include "actions/EmulationActionFactory.h"
 #include "actions/TVKAction.h"
 #include "core/NotificationCenter.h"

@@ -3,8 +3,8 @@
 #include "actions/TVKAction.h"
 #include "core/Log.h"
 #include "model/ArchiveRepairLog.h"
-#include "model/SurfaceConstants.h"
 #include "model/TVKKeyset.h"
+#include "surface/SurfaceConstants.h"
 #include "surface/TVK_Constant_Server.h"
 
 #include <algorithm>

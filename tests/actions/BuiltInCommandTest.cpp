@@ -9,6 +9,7 @@
 #include "core/NotificationCenter.h"
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
+#include "model/CorvaneModelData.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 

@@ -9,6 +9,7 @@
 #include "actions/TVKDisplayTextAction.h"
 #include "actions/TVKEmulationAction.h"
 #include "actions/editors/DisplayTextEditor.h"
+#include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"

@@ -16,6 +16,7 @@
 #include "actions/editors/SpecialActionEditor.h"
 #include "core/NotificationCenter.h"
 #include "core/Notifications.h"
+#include "model/CorvaneModelData.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 

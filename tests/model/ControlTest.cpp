@@ -4,6 +4,7 @@
 #include "actions/TVKEmulationAction.h"
 #include "actions/TVKSpecialAction.h"
 #include "core/Log.h"
+#include "model/CorvaneKeyset.h"
 #include "model/TVKControl.h"
 #include "model/TVKDisplayControl.h"
 #include "model/TVKLayer.h"

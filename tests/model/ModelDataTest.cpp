@@ -1,6 +1,9 @@
 #include "ModelFixture.h"
 #include "actions/TVKSpecialAction.h"
 #include "core/Log.h"
+#include "model/CorvaneKeyset.h"
+#include "model/CorvaneLayer.h"
+#include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKLayer.h"
 

@@ -11,6 +11,7 @@
 
 #include <QElapsedTimer>
 #include <gtest/gtest.h>
+#include <tuple>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -97,10 +98,15 @@ TEST_F(MessengerTest, EveryOutgoingMessageMatchesTheCatalogue)
     CorvaneMessenger messenger(&delegate);
     spinUntil([&] { return service.frames().size() == 2; });
 
-    const auto [jogGroup, jogIndex] = firstControlOfType(ControlType::Jog);
-    const auto [ballGroup, ballIndex] = firstControlOfType(ControlType::FourWay);
-    const auto [litGroup, litIndex] = firstControlOfType(ControlType::MultiColorButton);
-    const auto [keyGroup, keyIndex] = firstControlOfType(ControlType::Button);
+    // Plain variables rather than structured bindings: the lambdas below capture them.
+    int jogGroup = 0, jogIndex = 0;
+    std::tie(jogGroup, jogIndex) = firstControlOfType(ControlType::Jog);
+    int ballGroup = 0, ballIndex = 0;
+    std::tie(ballGroup, ballIndex) = firstControlOfType(ControlType::FourWay);
+    int litGroup = 0, litIndex = 0;
+    std::tie(litGroup, litIndex) = firstControlOfType(ControlType::MultiColorButton);
+    int keyGroup = 0, keyIndex = 0;
+    std::tie(keyGroup, keyIndex) = firstControlOfType(ControlType::Button);
     auto* jog = dynamic_cast<TVKJogControl*>(model->controlForKeyset(0, 0, jogGroup, jogIndex));
     auto* ball = dynamic_cast<TVK4WayControl*>(model->controlForKeyset(0, 0, ballGroup, ballIndex));
     auto* lit = dynamic_cast<TVKMultiColorButtonControl*>(

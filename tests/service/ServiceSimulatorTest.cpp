@@ -2,6 +2,7 @@
 #include "core/FourCharCode.h"
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
+#include "model/CorvaneKeyset.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"

@@ -4,6 +4,7 @@
 #include "TestConfig.h"
 #include "actions/TVKSpecialAction.h"
 #include "core/PlistCodec.h"
+#include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"

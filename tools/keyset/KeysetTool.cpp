@@ -2,6 +2,7 @@
 
 #include "actions/TVKAction.h"
 #include "core/TVKUserDefaults.h"
+#include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"

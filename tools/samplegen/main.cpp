@@ -14,6 +14,8 @@
 #include "actions/TVKMouseAction.h"
 #include "actions/TVKSpecialAction.h"
 #include "core/PlistCodec.h"
+#include "model/CorvaneLayer.h"
+#include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"

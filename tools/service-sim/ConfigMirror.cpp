@@ -5,6 +5,8 @@
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
 #include "core/TVKUserDefaults.h"
+#include "model/CorvaneKeyset.h"
+#include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"

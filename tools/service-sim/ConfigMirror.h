@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/PlistValue.h"
+#include "model/CorvaneModelData.h"
 #include "service/MessageFrame.h"
 
 #include <QByteArray>

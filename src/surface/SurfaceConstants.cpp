@@ -1,4 +1,4 @@
-#include "model/SurfaceConstants.h"
+#include "surface/SurfaceConstants.h"
 
 #include "surface/Corvane_Constant_Server.h"
 

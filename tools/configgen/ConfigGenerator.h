@@ -1,3 +1,4 @@
+#include "model/CorvaneModelData.h"
 #pragma once
 
 #include <QByteArray>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/CorvaneModelData.h"
 #include "model/TVKModelData.h"
 #include "service/MessageFrame.h"
 #include "service/TVKMessengerDelegate.h"

@@ -9,11 +9,13 @@
 #include "actions/TVKMouseAction.h"
 #include "actions/TVKSpecialAction.h"
 #include "core/FourCharCode.h"
-#include "model/SurfaceConstants.h"
+#include "model/CorvaneLayer.h"
+#include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"
 #include "model/TVKModelData.h"
+#include "surface/SurfaceConstants.h"
 #include "surface/TVK_Constant_Server.h"
 
 #include <QtEndian>

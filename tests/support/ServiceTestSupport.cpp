@@ -1,6 +1,7 @@
 #include "ServiceTestSupport.h"
 
 #include "TestConfig.h"
+#include "model/CorvaneModelData.h"
 #include "model/TVKKeyset.h"
 
 #include <QCoreApplication>
