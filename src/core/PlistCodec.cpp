@@ -4,16 +4,16 @@
 
 #include <QFile>
 #include <QFileDevice>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
-#include <thread>
-
-#ifdef Q_OS_UNIX
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
-#endif
 
 namespace corvane {
 
@@ -224,37 +224,152 @@ PlistReadResult PlistCodec::read(QByteArrayView bytes)
     return readBytes(bytes.data(), std::size_t(bytes.size()), {});
 }
 
+namespace {
+
+// The file's bytes in private memory. A file is read, not mapped: another program may shorten a
+// mapped file while it is parsed, and touching the lost pages would kill the process. Large
+// files go into anonymous pages that the XML reader hands back as it passes them, so the file
+// and the tree built from it are not both resident for long.
+class FileBytes
+{
+public:
+    FileBytes() = default;
+    ~FileBytes()
+    {
+        if (m_mapped)
+            ::munmap(m_mapped, m_capacity);
+    }
+    FileBytes(const FileBytes&) = delete;
+    FileBytes& operator=(const FileBytes&) = delete;
+
+    const char* data() const { return m_mapped ? m_mapped : m_small.constData(); }
+    std::size_t size() const { return m_size; }
+    bool released() const { return m_mapped != nullptr; }
+
+    // Reads the whole file; false with the reason otherwise (the reason does not name the file:
+    // the caller does).
+    bool read(const QString& path, QString& reason)
+    {
+        const QByteArray name = QFile::encodeName(path);
+        // Non-blocking, so that a FIFO without a writer cannot hold the open forever.
+        const int fd = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+        if (fd < 0) {
+            reason = QString::fromLocal8Bit(std::strerror(errno));
+            return false;
+        }
+        const bool ok = readOpen(fd, reason);
+        ::close(fd);
+        return ok;
+    }
+
+private:
+    bool readOpen(int fd, QString& reason)
+    {
+        struct stat info;
+        if (::fstat(fd, &info) != 0) {
+            reason = QString::fromLocal8Bit(std::strerror(errno));
+            return false;
+        }
+        if (S_ISDIR(info.st_mode)) {
+            reason = QStringLiteral("is a folder, not a file");
+            return false;
+        }
+        if (!S_ISREG(info.st_mode)) {
+            reason = QStringLiteral("not a regular file");
+            return false;
+        }
+        // Blocking from here on: a regular file never waits, and plain reads are simplest.
+        ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+        const auto expected = std::size_t(info.st_size);
+        if (expected == 0)
+            return readStream(fd, reason); // /proc and friends report 0 for content
+        if (expected >= kMappedFrom) {
+            m_capacity = expected;
+            void* pages = ::mmap(nullptr, m_capacity, PROT_READ | PROT_WRITE,
+                                 MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+            if (pages == MAP_FAILED) {
+                reason = QString::fromLocal8Bit(std::strerror(errno));
+                return false;
+            }
+            m_mapped = static_cast<char*>(pages);
+        } else {
+            m_small.resize(qsizetype(expected));
+        }
+        char* into = m_mapped ? m_mapped : m_small.data();
+        while (m_size < expected) {
+            const ssize_t got = ::read(fd, into + m_size, std::min(expected - m_size, kChunk));
+            if (got < 0 && errno == EINTR)
+                continue;
+            if (got < 0) {
+                reason = QString::fromLocal8Bit(std::strerror(errno));
+                return false;
+            }
+            if (got == 0)
+                break;
+            m_size += std::size_t(got);
+        }
+        char extra;
+        if (m_size != expected || ::read(fd, &extra, 1) > 0) {
+            reason = QStringLiteral("the file changed while it was read");
+            return false;
+        }
+        return true;
+    }
+
+    bool readStream(int fd, QString& reason)
+    {
+        for (;;) {
+            if (m_small.size() > kMaxStream) {
+                reason = QStringLiteral("the file does not end");
+                return false;
+            }
+            const qsizetype at = m_small.size();
+            m_small.resize(at + qsizetype(kChunk));
+            const ssize_t got = ::read(fd, m_small.data() + at, kChunk);
+            if (got < 0 && errno == EINTR) {
+                m_small.resize(at);
+                continue;
+            }
+            if (got < 0) {
+                reason = QString::fromLocal8Bit(std::strerror(errno));
+                return false;
+            }
+            m_small.resize(at + got);
+            if (got == 0)
+                break;
+        }
+        m_size = std::size_t(m_small.size());
+        return true;
+    }
+
+    static constexpr std::size_t kChunk = 1 << 20;
+    // Below this a plain buffer; above it pages that can be handed back while parsing.
+    static constexpr std::size_t kMappedFrom = 4 << 20;
+    // A file whose size the system does not know is read as a stream up to this much.
+    static constexpr qsizetype kMaxStream = qsizetype(1) << 30;
+
+    QByteArray m_small;
+    char* m_mapped = nullptr;
+    std::size_t m_capacity = 0;
+    std::size_t m_size = 0;
+};
+
+} // namespace
+
 PlistReadResult PlistCodec::readFile(const QString& path)
 {
     PlistReadResult result;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        result.error.reason = QStringLiteral("cannot open %1: %2").arg(path, file.errorString());
+    FileBytes bytes;
+    if (!bytes.read(path, result.error.reason))
         return result;
-    }
-    const qint64 size = file.size();
-    if (size == 0)
-        return readBytes(nullptr, 0, {});
-    uchar* mapped = file.map(0, size);
-    if (!mapped) {
-        // Not mappable (a pipe, an odd file system): read it whole instead.
-        const QByteArray bytes = file.readAll();
-        if (file.error() != QFileDevice::NoError) {
-            result.error.reason =
-                QStringLiteral("cannot read %1: %2").arg(path, file.errorString());
-            return result;
-        }
-        return read(bytes);
-    }
-    const auto* data = reinterpret_cast<const char*>(mapped);
+    const char* data = bytes.data();
+    const std::size_t size = bytes.size();
     plist::PageRelease release;
-#ifdef Q_OS_UNIX
-    // A configuration is read front to back once: tell the kernel, and give back the pages
-    // already parsed so that the file and the tree built from it are not both resident.
+    // A configuration is read front to back once: the pages already parsed go back to the
+    // system as the XML reader passes them.
     const std::uintptr_t page = std::uintptr_t(sysconf(_SC_PAGESIZE));
-    ::madvise(mapped, std::size_t(size), MADV_SEQUENTIAL);
-    std::uintptr_t releasedTo = std::uintptr_t(mapped) & ~(page - 1);
-    if (!isBinary(data, std::size_t(size))) {
+    std::uintptr_t releasedTo = std::uintptr_t(data) & ~(page - 1);
+    if (bytes.released() && !isBinary(data, size)) {
         release = [page, &releasedTo](const char* upTo) {
             const std::uintptr_t end = std::uintptr_t(upTo) & ~(page - 1);
             if (end > releasedTo) {
@@ -263,10 +378,7 @@ PlistReadResult PlistCodec::readFile(const QString& path)
             }
         };
     }
-#endif
-    result = readBytes(data, std::size_t(size), release);
-    file.unmap(mapped);
-    return result;
+    return readBytes(data, size, release);
 }
 
 QByteArray PlistCodec::write(const PlistValue& value, PlistFormat format)
@@ -296,6 +408,14 @@ bool PlistCodec::write(QIODevice& device, const PlistValue& value, PlistFormat f
 bool PlistCodec::writeFile(const QString& path, const PlistValue& value, PlistFormat format,
                            QString* errorMessage)
 {
+    // Replacing a device node, a FIFO, a socket or a folder with a regular file would destroy
+    // what stood there; only a regular file (or none) is ever written.
+    const QFileInfo existing(path);
+    if (existing.exists() && !existing.isFile()) {
+        if (errorMessage)
+            *errorMessage = QStringLiteral("cannot write %1: not a regular file").arg(path);
+        return false;
+    }
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         if (errorMessage)

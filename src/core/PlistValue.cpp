@@ -426,9 +426,11 @@ private:
     static bool matches(const Slot& slot, QStringView text)
     {
         const QString& known = slot.key.text();
+        // An empty text may have no characters at all (a null data pointer), which memcmp must
+        // not be handed.
         return slot.data == text.data() && slot.key.node() && known.size() == text.size() &&
-               std::memcmp(known.constData(), text.data(),
-                           std::size_t(text.size()) * sizeof(QChar)) == 0;
+               (text.isEmpty() || std::memcmp(known.constData(), text.data(),
+                                              std::size_t(text.size()) * sizeof(QChar)) == 0);
     }
 
     static void remember(Slot& slot, QStringView text, PlistKeyNode* node, unsigned generation)

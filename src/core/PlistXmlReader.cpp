@@ -423,8 +423,17 @@ private:
         const char* at = p;
         const std::size_t room = std::min<std::size_t>(std::size_t(m_end - p), 16);
         const auto* semi = static_cast<const char*>(std::memchr(p, ';', room));
-        if (!semi)
-            return fail(at, QStringLiteral("unterminated entity reference"));
+        if (!semi) {
+            // No entity or character reference is that long; one that ends further on is still
+            // terminated, just not one we know.
+            const std::size_t wider = std::min<std::size_t>(std::size_t(m_end - p), 256);
+            const auto* far = static_cast<const char*>(std::memchr(p, ';', wider));
+            const auto* tag = static_cast<const char*>(std::memchr(p, '<', wider));
+            if (!far || (tag && tag < far))
+                return fail(at, QStringLiteral("unterminated entity reference"));
+            return fail(at, p[1] == '#' ? QStringLiteral("character reference too long")
+                                        : QStringLiteral("entity reference too long"));
+        }
         const std::string_view name(p + 1, std::size_t(semi - p - 1));
         p = semi + 1;
         if (name == "lt")

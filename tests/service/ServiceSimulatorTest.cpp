@@ -8,6 +8,8 @@
 #include "model/TVKLayer.h"
 #include "model/TVKModelData.h"
 #include "service/CorvaneMessenger.h"
+#include "service/MessageCatalogue.h"
+#include "service/MessagePort.h"
 
 #include <QDir>
 #include <QFile>
@@ -362,4 +364,50 @@ TEST_F(ServiceSimulatorTest, ReadsABareConfigurationAndRefusesAnUnreadableOne)
     SimulatorProcess refused(folder, {QStringLiteral("--config"), damaged});
     EXPECT_FALSE(refused.start());
     EXPECT_EQ(refused.process().exitCode(), 1);
+}
+
+TEST_F(ServiceSimulatorTest, BodiesItCannotApplyAreRefusedAsReceived)
+{
+    SimulatorProcess sim(folder, {});
+    ASSERT_TRUE(sim.start());
+    auto messenger = makeMessenger();
+    ASSERT_TRUE(sim.waitForEvent(QStringLiteral("connected")));
+
+    // Keyset indices beyond what an int holds are refused, never narrowed onto keyset 0.
+    const auto port = RemoteMessagePort::create(QStringLiteral("TVK_Corvane"));
+    ASSERT_TRUE(port && port->isValid());
+    for (const qint64 index : {qint64(1) << 32, qint64(1) << 31}) {
+        PlistValue keyset = PlistValue::makeDict();
+        keyset.insert(corvane::info::KeysetIndex, PlistValue(index));
+        keyset.insert(QStringLiteral("TVKName"), PlistValue(QStringLiteral("Intruder")));
+        EXPECT_EQ(port->send(msg::TAdK, PlistCodec::write(keyset), 1000),
+                  RemoteMessagePort::Status::Success);
+    }
+    // Only dotted IPv4 addresses are taken for the surface.
+    for (const QString& address : {QStringLiteral("surface.local"), QStringLiteral("10.0.0.256"),
+                                   QStringLiteral("1.2.3.4.5"), QString(31, QLatin1Char('7'))})
+        EXPECT_TRUE(messenger->sendResetSocketMessage(address, 23));
+    // Bytes beyond ASCII, which the application never sends.
+    EXPECT_EQ(port->send(msg::RSoc, QByteArray("10.0.0.\xd9\xa7\0\x17\0\0\0", 14), 1000),
+              RemoteMessagePort::Status::Success);
+
+    ASSERT_TRUE(spinUntil(
+        [&] { return sim.count([](const QJsonObject& l) { return l.contains(u"error"); }) == 7; }));
+    const auto errors = [&](const QString& text) {
+        return sim.count(
+            [&](const QJsonObject& l) { return l.value(u"error").toString() == text; });
+    };
+    EXPECT_EQ(errors(QStringLiteral("TAdK: no keyset at index 4294967296")), 1);
+    EXPECT_EQ(errors(QStringLiteral("TAdK: no keyset at index 2147483648")), 1);
+    EXPECT_EQ(errors(QStringLiteral("RSoc: reset-socket address is not a dotted IPv4 address")), 5);
+
+    const QString dumped = folder.path() + QStringLiteral("/mirror.plist");
+    sim.command(QStringLiteral("dump ") + dumped);
+    ASSERT_TRUE(sim.waitForEvent(QStringLiteral("dumped")));
+    const PlistReadResult mirror = PlistCodec::readFile(dumped);
+    ASSERT_TRUE(mirror.ok);
+    const PlistValue& keysets = mirror.value.value(u"TVKKeysets");
+    ASSERT_EQ(keysets.size(), 1);
+    EXPECT_EQ(keysets.at(0).value(u"TVKName").toString(), QStringLiteral("Default"));
+    EXPECT_EQ(mirror.value.value(u"TVKIPAdr").toString(), QStringLiteral("192.168.1.250"));
 }

@@ -13,10 +13,12 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <functional>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -362,9 +364,14 @@ TEST_F(KeysetToolTest, UnreadableFilesExitWithTwoAndSayWhy)
     oddStore.insert(QStringLiteral("TVKModelData"), PlistValue(QStringLiteral("not a dict")));
     writeTree(path("oddstore.plist"), oddStore);
     QDir(dir.path()).mkdir(QStringLiteral("folder"));
+    // A FIFO with no writer would block a plain open for ever; a link loop is no missing file.
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path("fifo.plist")).constData(), 0600), 0);
+    QFile::link(path("loop-a"), path("loop-b"));
+    QFile::link(path("loop-b"), path("loop-a"));
 
-    for (const char* name : {"missing.plist", "folder", "garbage.plist", "truncated.bplist",
-                             "array.plist", "unrelated.plist", "oddstore.plist"}) {
+    for (const char* name :
+         {"missing.plist", "folder", "garbage.plist", "truncated.bplist", "array.plist",
+          "unrelated.plist", "oddstore.plist", "fifo.plist", "loop-a"}) {
         SCOPED_TRACE(name);
         for (const QString& command : {QStringLiteral("describe"), QStringLiteral("check")}) {
             const ToolRun run = runTool({command, path(name)});
@@ -376,6 +383,23 @@ TEST_F(KeysetToolTest, UnreadableFilesExitWithTwoAndSayWhy)
             EXPECT_EQ(run.err.count('\n'), 1);
         }
     }
+    const auto reason = [&](const QString& file) {
+        return runTool({QStringLiteral("check"), file}).err;
+    };
+    EXPECT_TRUE(reason(path("missing.plist")).endsWith(": No such file or directory\n"));
+    EXPECT_TRUE(reason(path("folder")).endsWith(": is a folder, not a file\n"));
+    EXPECT_TRUE(reason(path("fifo.plist")).endsWith(": not a regular file\n"));
+    EXPECT_TRUE(reason(path("loop-a")).endsWith(": Too many levels of symbolic links\n"));
+    // A file whose size the system reports as 0 is still read for what it holds.
+    EXPECT_FALSE(reason(QStringLiteral("/proc/self/status")).contains("empty document"));
+
+    // Nothing but a regular file is ever written over: the FIFO stays a FIFO.
+    const ToolRun onto =
+        runTool({QStringLiteral("convert"), sampleData("small.cvks"), path("fifo.plist")});
+    EXPECT_EQ(onto.exitCode, 3);
+    EXPECT_EQ(onto.err, "corvane-keyset: cannot write " + path("fifo.plist").toUtf8() +
+                            ": not a regular file\n");
+    EXPECT_FALSE(QFileInfo(path("fifo.plist")).isFile());
 }
 
 TEST_F(KeysetToolTest, CommandLine)

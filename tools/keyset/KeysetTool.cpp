@@ -129,16 +129,6 @@ KeysetDocument::~KeysetDocument() = default;
 KeysetReadResult KeysetTool::readDocument(const QString& path)
 {
     KeysetReadResult result;
-    const QFileInfo info(path);
-    if (!info.exists()) {
-        result.error = QStringLiteral("no such file");
-        return result;
-    }
-    if (info.isDir()) {
-        result.error = QStringLiteral("is a folder, not a file");
-        return result;
-    }
-
     PlistReadResult read = PlistCodec::readFile(path);
     if (!read.ok) {
         result.error = read.error.toString();
@@ -378,7 +368,8 @@ int KeysetTool::run(const QStringList& arguments, QTextStream& out, QTextStream&
         const PlistValue tree = archiveDocument(read.document);
         QString writeError;
         if (!PlistCodec::writeFile(line.files.at(1), tree, line.format, &writeError)) {
-            err << kProgram << ": cannot write " << line.files.at(1) << ": " << writeError << '\n';
+            // The codec's message names the file already.
+            err << kProgram << ": " << writeError << '\n';
             return ExitWriteFailed;
         }
         return ExitOk;

@@ -13,9 +13,35 @@
 #include "service/MessageCatalogue.h"
 #include "service/TVK_MessageSpecs.h"
 
+#include <climits>
+
 using corvane::MessageID;
 using corvane::PlistValue;
 namespace msg = corvane::msg;
+
+namespace {
+
+// Four decimal numbers of 0 to 255, one to three digits each, joined by dots: the only form of
+// address the surface's network setup produces.
+bool isDottedIPv4(const QString& text)
+{
+    const QStringList parts = text.split(QLatin1Char('.'));
+    if (parts.size() != 4)
+        return false;
+    for (const QString& part : parts) {
+        if (part.isEmpty() || part.size() > 3)
+            return false;
+        for (const QChar c : part) {
+            if (c < QLatin1Char('0') || c > QLatin1Char('9'))
+                return false;
+        }
+        if (part.toInt() > 255)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
 
 ConfigMirror::ConfigMirror() : m_model(std::make_unique<CorvaneModelData>()) {}
 
@@ -80,6 +106,10 @@ bool ConfigMirror::apply(MessageID id, const QByteArray& body, int editedKeyset,
             *reason = QStringLiteral("reset-socket body too short");
             return false;
         }
+        if (!reset->ipAddress.isEmpty() && !isDottedIPv4(reset->ipAddress)) {
+            *reason = QStringLiteral("reset-socket address is not a dotted IPv4 address");
+            return false;
+        }
         if (!reset->ipAddress.isEmpty())
             m_model->setIpAddress(reset->ipAddress);
         m_model->setEthernetPort(reset->port);
@@ -100,16 +130,27 @@ bool ConfigMirror::apply(MessageID id, const QByteArray& body, int editedKeyset,
 
 bool ConfigMirror::applyDictionary(MessageID id, const PlistValue& dict, QString* reason)
 {
-    const int keyset = int(dict.value(corvane::info::KeysetIndex).toInteger(-1));
-    const int layer = int(dict.value(corvane::info::LayerIndex).toInteger());
-    const int group = int(dict.value(corvane::info::GroupID).toInteger());
-    const int control = int(dict.value(corvane::info::ControlIndex).toInteger());
+    // Indices arrive as 64-bit numbers; one that an int cannot hold is refused as received,
+    // never narrowed into another keyset or control.
+    const qint64 keyset = dict.value(corvane::info::KeysetIndex).toInteger(-1);
+    const qint64 wide[] = {dict.value(corvane::info::LayerIndex).toInteger(),
+                           dict.value(corvane::info::GroupID).toInteger(),
+                           dict.value(corvane::info::ControlIndex).toInteger()};
+    for (const qint64 index : wide) {
+        if (index < INT_MIN || index > INT_MAX) {
+            *reason = QStringLiteral("index %1 out of range").arg(index);
+            return false;
+        }
+    }
+    const int layer = int(wide[0]);
+    const int group = int(wide[1]);
+    const int control = int(wide[2]);
     const bool keysetExists = keyset >= 0 && keyset < m_model->numberOfKeysets();
 
     switch (id) {
     case msg::TAdK:
     case msg::TUpK: {
-        if (keyset < 0 || (id == msg::TUpK && !keysetExists)) {
+        if (keyset < 0 || keyset > INT_MAX || (id == msg::TUpK && !keysetExists)) {
             *reason = QStringLiteral("no keyset at index %1").arg(keyset);
             return false;
         }
@@ -119,9 +160,9 @@ bool ConfigMirror::applyDictionary(MessageID id, const PlistValue& dict, QString
             return false;
         }
         if (id == msg::TAdK)
-            m_model->insertKeyset(std::move(made), keyset);
+            m_model->insertKeyset(std::move(made), int(keyset));
         else
-            m_model->replaceKeysetAtIndex(keyset, std::move(made));
+            m_model->replaceKeysetAtIndex(int(keyset), std::move(made));
         return true;
     }
     case msg::TDlK:
@@ -129,7 +170,7 @@ bool ConfigMirror::applyDictionary(MessageID id, const PlistValue& dict, QString
             *reason = QStringLiteral("no keyset at index %1").arg(keyset);
             return false;
         }
-        m_model->deleteKeysetAtIndex(keyset);
+        m_model->deleteKeysetAtIndex(int(keyset));
         return true;
     case msg::RvRB:
     case msg::ApEP: {
@@ -137,7 +178,7 @@ bool ConfigMirror::applyDictionary(MessageID id, const PlistValue& dict, QString
             *reason = QStringLiteral("no keyset at index %1").arg(keyset);
             return false;
         }
-        TVKKeyset* target = m_model->keysetAtIndex(keyset);
+        TVKKeyset* target = m_model->keysetAtIndex(int(keyset));
         const qint64 value = dict.value(corvane::info::PropVal).toInteger();
         if (id == msg::RvRB) {
             if (auto* corvaneKeyset = dynamic_cast<CorvaneKeyset*>(target))
@@ -166,7 +207,7 @@ bool ConfigMirror::applyDictionary(MessageID id, const PlistValue& dict, QString
             *reason = QStringLiteral("no keyset at index %1").arg(keyset);
             return false;
         }
-        TVKControl* display = m_model->displayForKeyset(keyset, layer, group, control);
+        TVKControl* display = m_model->displayForKeyset(int(keyset), layer, group, control);
         if (!display) {
             *reason = QStringLiteral("no display at %1/%2/%3").arg(layer).arg(group).arg(control);
             return false;
@@ -194,7 +235,7 @@ bool ConfigMirror::applyDictionary(MessageID id, const PlistValue& dict, QString
         *reason = QStringLiteral("no keyset at index %1").arg(keyset);
         return false;
     }
-    TVKControl* target = m_model->controlForKeyset(keyset, layer, group, control);
+    TVKControl* target = m_model->controlForKeyset(int(keyset), layer, group, control);
     if (!target) {
         *reason = QStringLiteral("no control at %1/%2/%3").arg(layer).arg(group).arg(control);
         return false;
