@@ -15,10 +15,12 @@ inline bool isMissingSignature(FourCharCode code)
     return code == 0 || code == kUnknownSignature;
 }
 
-// Code to text: the four bytes, most significant first, each as one character (Latin-1).
+// Code to text: the four bytes, most significant first, each as one character (Latin-1); the
+// code 0 is the empty text.
 QString stringFromFourCharCode(FourCharCode code);
 
-// Text to code: the first four characters, a shorter text padded with blanks.
+// Text to code: the first four characters, a shorter text padded with blanks; the empty text
+// is the code 0.
 FourCharCode fourCharCodeFromString(const QString& text);
 
 // Compile-time code from a literal such as fourCC("Crvn").

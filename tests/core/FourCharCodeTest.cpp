@@ -16,8 +16,11 @@ TEST(FourCharCode, LongTextsUseFirstFourShortOnesArePadded)
 {
     EXPECT_EQ(fourCharCodeFromString(QStringLiteral("appapp-")), fourCC("appa"));
     EXPECT_EQ(fourCharCodeFromString(QStringLiteral("---")), fourCC("--- "));
-    EXPECT_EQ(fourCharCodeFromString(QString()), fourCC("    "));
-    EXPECT_EQ(stringFromFourCharCode(0).size(), 4);
+    EXPECT_EQ(fourCharCodeFromString(QStringLiteral(" ")), fourCC("    "));
+    // No code is the empty text both ways, so that it can stand in an XML property list.
+    EXPECT_EQ(fourCharCodeFromString(QString()), 0u);
+    EXPECT_EQ(stringFromFourCharCode(0), QLatin1String(""));
+    EXPECT_FALSE(stringFromFourCharCode(0).isNull());
     EXPECT_TRUE(isMissingSignature(0));
     EXPECT_TRUE(isMissingSignature(fourCC("????")));
     EXPECT_FALSE(isMissingSignature(fourCC("----")));

@@ -2,6 +2,7 @@
 #include "actions/TVKEmulationAction.h"
 #include "actions/TVKSpecialAction.h"
 #include "core/Log.h"
+#include "core/PlistCodec.h"
 #include "model/CorvaneKeyset.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
@@ -61,6 +62,19 @@ TEST_F(KeysetTest, NoBundleIDLeavesTheMissingSignatureAsTargetID)
     EXPECT_EQ(keyset.targetID(), fourCC("????"));
     EXPECT_FALSE(keyset.hasBundleID());
     EXPECT_FALSE(archiveOf(keyset).contains(u"TVKAppBID"));
+}
+
+TEST_F(KeysetTest, NoSignatureIsWrittenAsTheEmptyTextAndReadBackAsNone)
+{
+    // Four NUL characters cannot stand in an XML document; the empty text can.
+    const CorvaneKeyset keyset(QStringLiteral("k"), 0, QStringLiteral("org.example.k"), nullptr);
+    const PlistValue archive = archiveOf(keyset);
+    EXPECT_EQ(archive.value(u"TVKSig").toString(), QLatin1String(""));
+    const QByteArray xml = corvane::PlistCodec::write(archive);
+    EXPECT_FALSE(xml.contains("&#0;")) << xml.left(400).constData();
+    const corvane::PlistReadResult read = corvane::PlistCodec::read(xml);
+    ASSERT_TRUE(read.ok);
+    EXPECT_EQ(CorvaneKeyset(read.value, nullptr).signature(), 0u);
 }
 
 TEST_F(KeysetTest, ArchivedTargetIDIsTakenAsItIsAndMissingKeysTakeReaderDefaults)
