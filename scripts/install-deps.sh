@@ -8,6 +8,7 @@ packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
     clang clang-format libclang-rt-14-dev
     xvfb xauth
+    libxml2-utils libplist-utils python3
 )
 missing=()
 for p in "${packages[@]}"; do

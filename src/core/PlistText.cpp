@@ -53,7 +53,9 @@ qsizetype decodeUtf8(std::string_view bytes, QString& out)
                 return qsizetype(i);
             cp = (cp << 6) | (s[i + k] & 0x3F);
         }
-        if (cp < min || cp > 0x10FFFF)
+        // Surrogates are halves of UTF-16 pairs, never characters of their own: encoded in
+        // UTF-8 they are invalid (and XML 1.0 forbids them).
+        if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF))
             return qsizetype(i);
         if (cp >= 0x10000) {
             cp -= 0x10000;

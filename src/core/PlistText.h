@@ -115,9 +115,9 @@ private:
     std::size_t m_count = 0;
 };
 
-// Decodes UTF-8 into UTF-16. Encoded surrogates are accepted, because the XML writer spells
-// unpaired surrogates as character references and the reader turns those back into them.
-// Returns the offset of the first bad byte, or -1.
+// Decodes UTF-8 into UTF-16. Encoded surrogates are refused like any other invalid sequence
+// (whether raw or spelled as character references): XML 1.0 has no such characters, and the
+// writer never produces them. Returns the offset of the first bad byte, or -1.
 qsizetype decodeUtf8(std::string_view bytes, QString& out);
 // Appends the UTF-8 (surrogates as three-byte sequences) of one code point.
 void appendCodePoint(std::string& out, char32_t cp);

@@ -358,6 +358,9 @@ private:
         if (!lt)
             return failEnd(tag.name);
         const std::size_t span = std::size_t(lt - start);
+        // XML 1.0 has no NUL character, raw or in a CDATA section.
+        if (const auto* nul = static_cast<const char*>(std::memchr(start, '\0', span)))
+            return fail(nul, QStringLiteral("NUL character in text"));
         if (lt + 1 < m_end && lt[1] == '/' && !std::memchr(start, '&', span) &&
             !std::memchr(start, '\r', span)) {
             m_p = lt;
@@ -370,6 +373,9 @@ private:
             const char* run = p;
             while (p < m_end && *p != '<' && *p != '&' && *p != '\r')
                 ++p;
+            if (const auto* nul =
+                    static_cast<const char*>(std::memchr(run, '\0', std::size_t(p - run))))
+                return fail(nul, QStringLiteral("NUL character in text"));
             m_text.append(run, std::size_t(p - run));
             if (p >= m_end)
                 return failEnd(tag.name);
@@ -390,6 +396,9 @@ private:
                 const char* after = find(p + 9, "]]>");
                 if (!after)
                     return fail(p, QStringLiteral("unterminated CDATA section"));
+                if (const auto* nul =
+                        static_cast<const char*>(std::memchr(p, '\0', std::size_t(after - p))))
+                    return fail(nul, QStringLiteral("NUL character in text"));
                 for (const char* c = p + 9; c < after - 3; ++c) {
                     if (*c != '\r') {
                         m_text.push_back(*c);

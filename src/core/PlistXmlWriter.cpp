@@ -187,10 +187,11 @@ private:
                         } else {
                             *d++ = char(c);
                         }
-                    } else {
-                        // Carriage returns would be read as newlines and other control
-                        // characters cannot appear in XML text: references keep them intact.
+                    } else if (c == '\r') {
+                        // A raw carriage return would be read as a newline.
                         d = reference(d, c);
+                    } else {
+                        d = replacement(d);
                     }
                 } else if (c < 0x800) {
                     *d++ = char(0xC0 | (c >> 6));
@@ -204,8 +205,7 @@ private:
                     *d++ = char(0x80 | ((cp >> 6) & 0x3F));
                     *d++ = char(0x80 | (cp & 0x3F));
                 } else if ((c >= 0xD800 && c <= 0xDFFF) || c == 0xFFFE || c == 0xFFFF) {
-                    // An unpaired surrogate has no UTF-8 form; keep it as a reference.
-                    d = reference(d, c);
+                    d = replacement(d);
                 } else {
                     *d++ = char(0xE0 | (c >> 12));
                     *d++ = char(0x80 | ((c >> 6) & 0x3F));
@@ -214,6 +214,16 @@ private:
             }
             m_out.commit(d);
         }
+    }
+
+    // XML 1.0 cannot carry the other control characters, unpaired surrogates, U+FFFE and U+FFFF,
+    // not even as references, and the standard readers refuse a document holding them. They are
+    // written as U+FFFD REPLACEMENT CHARACTER, so that every document we write can be read by
+    // any reader; the binary form keeps them as they are.
+    static char* replacement(char* d)
+    {
+        std::memcpy(d, "\xEF\xBF\xBD", 3);
+        return d + 3;
     }
 
     static char* reference(char* d, char16_t c)
