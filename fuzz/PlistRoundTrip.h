@@ -5,6 +5,7 @@
 
 #include "core/PlistCodec.h"
 
+#include <QSet>
 #include <cstdint>
 #include <cstdlib>
 
@@ -14,14 +15,52 @@ using corvane::PlistValue;
 
 namespace {
 
+// The XML form cannot carry some characters (control characters but tab, newline and carriage
+// return; unpaired surrogates; U+FFFE, U+FFFF): they are written as U+FFFD.
+QString asXmlCarriesIt(QString text)
+{
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t u = text.at(i).unicode();
+        if (QChar::isHighSurrogate(u) && i + 1 < text.size() && text.at(i + 1).isLowSurrogate())
+            ++i;
+        else if ((u < 0x20 && u != u'\t' && u != u'\n' && u != u'\r') || QChar::isSurrogate(u) ||
+                 u == 0xFFFE || u == 0xFFFF)
+            text[i] = QChar(0xFFFD);
+    }
+    return text;
+}
+
+// Whether two keys of one dictionary become the same key in the XML form; the reader then keeps
+// only one of them.
+bool keysCollideInXml(const PlistValue& v)
+{
+    if (v.isDict()) {
+        QSet<QString> seen;
+        for (qsizetype i = 0; i < v.size(); ++i) {
+            const QString key = asXmlCarriesIt(v.keyAt(i));
+            if (seen.contains(key) || keysCollideInXml(v.valueAt(i)))
+                return true;
+            seen.insert(key);
+        }
+    } else if (v.isArray()) {
+        for (qsizetype i = 0; i < v.size(); ++i) {
+            if (keysCollideInXml(v.at(i)))
+                return true;
+        }
+    }
+    return false;
+}
+
 // The XML form keeps dates to the whole second within years 0000 to 9999, so two dates agree
-// when they are written the same.
+// when they are written the same; texts agree as the XML form carries them.
 bool sameAfterXml(const PlistValue& a, const PlistValue& b)
 {
     if (a.type() != b.type())
         return false;
     if (a.isDate())
         return PlistCodec::write(a) == PlistCodec::write(b);
+    if (a.isString())
+        return asXmlCarriesIt(a.toString()) == b.toString();
     if (a.isArray()) {
         if (a.size() != b.size())
             return false;
@@ -35,7 +74,8 @@ bool sameAfterXml(const PlistValue& a, const PlistValue& b)
         if (a.size() != b.size())
             return false;
         for (qsizetype i = 0; i < a.size(); ++i) {
-            if (!b.contains(a.keyAt(i)) || !sameAfterXml(a.valueAt(i), b.value(a.keyAt(i))))
+            const QString key = asXmlCarriesIt(a.keyAt(i));
+            if (!b.contains(key) || !sameAfterXml(a.valueAt(i), b.value(key)))
                 return false;
         }
         return true;
@@ -73,7 +113,13 @@ inline void checkRoundTrip(const std::uint8_t* data, std::size_t size)
         std::abort();
     const QByteArray xml = PlistCodec::write(first.value, PlistFormat::Xml);
     const auto fromXml = PlistCodec::read(xml);
-    if (!fromXml.ok || !sameAfterXml(first.value, fromXml.value))
+    if (!fromXml.ok)
+        std::abort();
+    // Keys that the XML form makes equal leave one entry of several; which one is the writer's
+    // business, and what it wrote still reads.
+    if (keysCollideInXml(first.value))
+        return;
+    if (!sameAfterXml(first.value, fromXml.value))
         std::abort();
     if (PlistCodec::write(fromXml.value, PlistFormat::Xml) != xml)
         std::abort();

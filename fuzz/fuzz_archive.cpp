@@ -51,6 +51,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const CorvaneModelData reread(first);
     if (written(reread) != first)
         std::abort();
+    // Whatever the model writes, the binary form reads back to the same tree: the writer's
+    // sharing and the reader's limits agree.
+    const corvane::PlistReadResult stored =
+        corvane::PlistCodec::read(corvane::PlistCodec::write(first, corvane::PlistFormat::Binary));
+    if (!stored.ok || stored.value != first)
+        std::abort();
 
     const CorvaneKeyset keyset(result.value, &modelData);
     corvane::PlistValue keysetArchive = corvane::PlistValue::makeDict(6);

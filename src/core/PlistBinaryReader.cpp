@@ -18,8 +18,6 @@ namespace {
 
 constexpr std::size_t kTrailerSize = 32;
 constexpr std::size_t kHeaderSize = 8;
-constexpr std::uint64_t kObjectsPerByte = 1024;
-constexpr std::uint64_t kBaseBudget = std::uint64_t(1) << 22;
 
 std::uint64_t bigEndian(const unsigned char* p, unsigned size)
 {
@@ -104,11 +102,9 @@ private:
         m_active.assign(std::size_t(m_count), 0);
         m_slot.assign(std::size_t(m_count), 0);
         // Shared containers let a few bytes stand for an enormous tree, which whoever walks it
-        // would pay for. Our own writer shares every repeated action, control and layer; every
-        // keyset still stores its own name and numbers, which keeps even a configuration of
-        // nothing but unassigned controls at a few hundred objects per byte. Anything past the
-        // limit is refused before it can grow without bound.
-        m_budget = m_n * kObjectsPerByte + kBaseBudget;
+        // would pay for: anything past the limit the writer also keeps to is refused before it
+        // can grow without bound.
+        m_budget = kMaxExpandedValues;
         return object(top, trailerAt, 1, out);
     }
 
@@ -161,12 +157,16 @@ private:
         if ((marker >> 4) == 0x5) {
             if (!fits(pos, count))
                 return tooLong(offset, count);
+            if (count > std::uint64_t(kMaxTextUnits))
+                return fail(offset, textLimitError());
             // Strictly ASCII; bytes above 0x7F from other writers are read as Latin-1.
             text = QString::fromLatin1(reinterpret_cast<const char*>(m_d + pos), qsizetype(count));
             return true;
         }
         if (count > m_table || !fits(pos, count * 2))
             return tooLong(offset, count);
+        if (count > std::uint64_t(kMaxTextUnits))
+            return fail(offset, textLimitError());
         text.resize(qsizetype(count));
         auto* d = reinterpret_cast<char16_t*>(text.data());
         const unsigned char* s = m_d + pos;
@@ -203,7 +203,8 @@ private:
     bool spend(std::uint64_t at, std::uint64_t objects = 1)
     {
         if (m_budget < objects)
-            return fail(at, QStringLiteral("object references expand beyond the document size"));
+            return fail(at, QStringLiteral("object references expand to more than %1 values")
+                                .arg(kMaxExpandedValues));
         m_budget -= objects;
         return true;
     }
@@ -294,6 +295,8 @@ private:
                 return false;
             if (!fits(pos, count))
                 return tooLong(offset, count);
+            if (count > std::uint64_t(kMaxDataBytes))
+                return fail(offset, dataLimitError());
             out =
                 PlistValue(QByteArray(reinterpret_cast<const char*>(m_d + pos), qsizetype(count)));
             return true;

@@ -118,9 +118,17 @@ public:
             result = leaf(Kind::Date, std::bit_cast<std::uint64_t>(PlistBuilder::realBits(v)));
             break;
         case PlistValue::Type::String:
+            if (PlistBuilder::text(v).size() > kMaxTextUnits) {
+                m_error = textLimitError();
+                return false;
+            }
             result = text(PlistBuilder::text(v));
             break;
         case PlistValue::Type::Data: {
+            if (PlistBuilder::bytes(v).size() > kMaxDataBytes) {
+                m_error = dataLimitError();
+                return false;
+            }
             Object o{};
             o.kind = Kind::Data;
             o.bytes = &PlistBuilder::bytes(v);
@@ -427,8 +435,15 @@ private:
         // Sorted like the XML form, so equal trees give equal bytes.
         m_keyOrder.sorted(entries, m_order);
         const std::size_t count = m_order.size() - mark;
-        for (std::size_t k = 0; k < count; ++k)
-            m_refs.push_back(key(entries[m_order[mark + k]].first));
+        for (std::size_t k = 0; k < count; ++k) {
+            const PlistKey& name = entries[m_order[mark + k]].first;
+            if (name.text().size() > kMaxTextUnits) {
+                m_order.resize(mark);
+                m_error = textLimitError();
+                return false;
+            }
+            m_refs.push_back(key(name));
+        }
         for (std::size_t k = 0; k < count; ++k) {
             std::uint32_t child;
             if (!add(entries[m_order[mark + k]].second, depth + 1, &child))
@@ -503,6 +518,11 @@ public:
             return false;
         m_table = &table;
         const std::vector<Object>& objects = table.objects();
+        if (expandedValues(table) > kMaxExpandedValues) {
+            m_error =
+                QStringLiteral("the tree expands to more than %1 values").arg(kMaxExpandedValues);
+            return false;
+        }
         m_refSize = bytesFor(objects.size() - 1);
         m_out.put("bplist00", 8);
         std::vector<std::uint64_t> offsets(objects.size());
@@ -559,6 +579,26 @@ private:
         };
         table.setSplit(&split);
         return table.add(value, 1, &top);
+    }
+
+    // The tree's size as the reader counts it: children come before their containers, so one
+    // pass gives every object its weight. Saturates just past the limit.
+    static std::uint64_t expandedValues(const ObjectTable& table)
+    {
+        const std::vector<Object>& objects = table.objects();
+        std::vector<std::uint64_t> weight(objects.size(), 1);
+        for (std::size_t i = 0; i < objects.size(); ++i) {
+            const Object& o = objects[i];
+            if (o.kind != Kind::Array && o.kind != Kind::Dict)
+                continue;
+            const std::size_t n = o.kind == Kind::Dict ? std::size_t(o.count) * 2 : o.count;
+            const std::uint32_t* refs = table.references(o);
+            std::uint64_t w = 1;
+            for (std::size_t k = 0; k < n; ++k)
+                w = std::min(w + weight[refs[k]], kMaxExpandedValues + 1);
+            weight[i] = w;
+        }
+        return objects.empty() ? 0 : weight.back();
     }
 
     void header(unsigned type, std::uint64_t count)

@@ -29,6 +29,8 @@ bool isBinary(const char* data, std::size_t size)
     return size >= 6 && std::memcmp(data, "bplist", 6) == 0;
 }
 
+PlistReadResult readWithin(const char* data, std::size_t size, const plist::PageRelease& release);
+
 PlistReadResult readBytes(const char* data, std::size_t size, const plist::PageRelease& release)
 {
     PlistReadResult result;
@@ -37,6 +39,25 @@ PlistReadResult readBytes(const char* data, std::size_t size, const plist::PageR
         result.error.reason = QStringLiteral("empty document");
         return result;
     }
+    if (size > plist::kMaxDocumentBytes) {
+        result.error.reason = QStringLiteral("the document is larger than the limit of %1 bytes")
+                                  .arg(plist::kMaxDocumentBytes);
+        return result;
+    }
+    // Every size a document may have is bounded, but memory may still run out: that is an
+    // error like any other, never the end of the program.
+    try {
+        return readWithin(data, size, release);
+    } catch (const std::bad_alloc&) {
+        result = PlistReadResult();
+        result.error.reason = QStringLiteral("not enough memory to read the document");
+        return result;
+    }
+}
+
+PlistReadResult readWithin(const char* data, std::size_t size, const plist::PageRelease& release)
+{
+    PlistReadResult result;
     if (isBinary(data, size)) {
         result.format = PlistFormat::Binary;
         if (size < 8 || std::memcmp(data + 6, "00", 2) != 0) {
@@ -281,6 +302,11 @@ private:
         // Blocking from here on: a regular file never waits, and plain reads are simplest.
         ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
         const auto expected = std::size_t(info.st_size);
+        if (expected > plist::kMaxDocumentBytes) {
+            reason = QStringLiteral("the file is larger than the limit of %1 bytes")
+                         .arg(plist::kMaxDocumentBytes);
+            return false;
+        }
         if (expected == 0)
             return readStream(fd, reason); // /proc and friends report 0 for content
         if (expected >= kMappedFrom) {
@@ -326,7 +352,8 @@ private:
     {
         for (;;) {
             if (m_small.size() > kMaxStream) {
-                reason = QStringLiteral("the file does not end");
+                reason = QStringLiteral("the file is larger than the limit of %1 bytes")
+                             .arg(plist::kMaxDocumentBytes);
                 return false;
             }
             const qsizetype at = m_small.size();
@@ -353,7 +380,7 @@ private:
     static constexpr std::size_t kMappedFrom = 256 << 10;
     static constexpr std::size_t kLargePage = 2 << 20;
     // A file whose size the system does not know is read as a stream up to this much.
-    static constexpr qsizetype kMaxStream = qsizetype(1) << 30;
+    static constexpr qsizetype kMaxStream = qsizetype(plist::kMaxDocumentBytes);
 
     QByteArray m_small;
     void* m_pages = nullptr;  // the whole anonymous mapping
@@ -368,8 +395,13 @@ PlistReadResult PlistCodec::readFile(const QString& path)
 {
     PlistReadResult result;
     FileBytes bytes;
-    if (!bytes.read(path, result.error.reason))
+    try {
+        if (!bytes.read(path, result.error.reason))
+            return result;
+    } catch (const std::bad_alloc&) {
+        result.error.reason = QStringLiteral("not enough memory to read the document");
         return result;
+    }
     const char* data = bytes.data();
     const std::size_t size = bytes.size();
     plist::PageRelease release;

@@ -20,6 +20,29 @@ namespace corvane::plist {
 // nesting cannot exhaust the stack and everything written can be read back.
 constexpr int kMaxDepth = 512;
 
+// The largest tree a binary document may stand for, counted as its readers walk it: every
+// value and every dictionary key, a shared container once for each place it stands. The reader
+// refuses a document beyond it and the writer never produces one, so whatever we write we read
+// back. A configuration of 50 keysets is about 4.2 million; the most keysets a configuration
+// may hold stay far below the limit.
+constexpr std::uint64_t kMaxExpandedValues = std::uint64_t(1) << 26;
+
+// Far above what a configuration holds (its largest values are icons of a few kilobytes) and far
+// below what could exhaust memory: one text (in UTF-16 units, keys included), one data value,
+// and a whole document in either form. Readers refuse and writers never produce more.
+constexpr qsizetype kMaxTextUnits = qsizetype(8) << 20;
+constexpr qsizetype kMaxDataBytes = qsizetype(16) << 20;
+constexpr std::size_t kMaxDocumentBytes = std::size_t(1) << 30;
+
+inline QString textLimitError()
+{
+    return QStringLiteral("text longer than the limit of %1 characters").arg(kMaxTextUnits);
+}
+inline QString dataLimitError()
+{
+    return QStringLiteral("data longer than the limit of %1 bytes").arg(kMaxDataBytes);
+}
+
 // Output buffer of the writers: grows one byte array, or hands full chunks to a device so that
 // a large configuration is never held twice in memory.
 class Sink

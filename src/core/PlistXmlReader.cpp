@@ -473,8 +473,14 @@ private:
 
     bool decode(std::string_view text, const char* at, QString& out)
     {
+        // UTF-8 takes at least one byte per UTF-16 unit: a text within the limit is never
+        // decoded only to be refused.
+        if (text.size() > std::size_t(kMaxTextUnits) * 3)
+            return fail(at, textLimitError());
         if (decodeUtf8(text, out) >= 0)
             return fail(at, QStringLiteral("invalid UTF-8"));
+        if (out.size() > kMaxTextUnits)
+            return fail(at, textLimitError());
         return true;
     }
 
@@ -667,8 +673,13 @@ private:
             if (!readText(tag, text))
                 return false;
             QByteArray bytes;
+            // Base64 takes four characters for three bytes, whitespace aside.
+            if (text.size() / 4 * 3 > std::size_t(kMaxDataBytes) * 2)
+                return fail(textAt, dataLimitError());
             if (!decodeBase64(text, bytes))
                 return fail(textAt, QStringLiteral("bad base64 in <data>"));
+            if (bytes.size() > kMaxDataBytes)
+                return fail(textAt, dataLimitError());
             out = PlistValue(bytes);
             return true;
         }

@@ -307,6 +307,10 @@ private:
             return true;
         case PlistValue::Type::String: {
             const QString& s = PlistBuilder::text(v);
+            if (s.size() > kMaxTextUnits) {
+                m_error = textLimitError();
+                return false;
+            }
             if (s.isEmpty()) {
                 line(depth, "<string/>\n");
                 return true;
@@ -317,6 +321,10 @@ private:
             return true;
         }
         case PlistValue::Type::Data:
+            if (PlistBuilder::bytes(v).size() > kMaxDataBytes) {
+                m_error = dataLimitError();
+                return false;
+            }
             data(PlistBuilder::bytes(v), depth);
             return true;
         case PlistValue::Type::Array: {
@@ -360,6 +368,10 @@ private:
         const std::size_t count = m_order.size() - mark;
         for (std::size_t k = 0; k < count; ++k) {
             const PlistEntry& entry = entries[m_order[mark + k]];
+            if (entry.first.text().size() > kMaxTextUnits) {
+                m_error = textLimitError();
+                return false;
+            }
             key(entry.first, depth + 1);
             if (!element(entry.second, depth + 1))
                 return false;

@@ -405,11 +405,29 @@ void TVKModelData::readFromArchive(const PlistValue& archive)
     }
 }
 
+QString TVKModelData::archiveLimitExceeded(const PlistValue& archive)
+{
+    const PlistValue& keysets = archive.value(u"TVKKeysets");
+    if (keysets.isArray() && keysets.size() > kMaxKeysets)
+        return QStringLiteral("the configuration holds %1 keysets, more than the limit of %2")
+            .arg(keysets.size())
+            .arg(kMaxKeysets);
+    return QString();
+}
+
 std::vector<std::unique_ptr<TVKKeyset>> TVKModelData::readKeysets(const PlistValue& keysets)
 {
     std::vector<std::unique_ptr<TVKKeyset>> list;
-    list.reserve(std::size_t(keysets.size()));
-    for (qsizetype i = 0; i < keysets.size(); ++i) {
+    const qsizetype count = std::min<qsizetype>(keysets.size(), kMaxKeysets);
+    if (keysets.size() > count)
+        corvane::ArchiveRepairLog::record(
+            {QString(), -1, -1, false, -1,
+             QStringLiteral("keysets %1 to %2 beyond the limit of %3 dropped")
+                 .arg(count)
+                 .arg(keysets.size() - 1)
+                 .arg(kMaxKeysets)});
+    list.reserve(std::size_t(count));
+    for (qsizetype i = 0; i < count; ++i) {
         const PlistValue& entry = keysets.at(i);
         // An entry that is no dictionary holds no keyset; read, it would become a nameless
         // keyset of fresh layers that the user never made.

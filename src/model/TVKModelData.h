@@ -34,6 +34,14 @@ public:
     TVKModelData(const TVKModelData&) = delete;
     TVKModelData& operator=(const TVKModelData&) = delete;
 
+    // The most keysets a configuration holds: one per application, far above real use, and
+    // far below the memory a few bytes of archive could otherwise ask for (every keyset holds
+    // four full layers whatever its archive says). Readers drop the keysets beyond it.
+    static constexpr int kMaxKeysets = 256;
+    // Why an archived configuration goes beyond what a configuration may hold (the reader would
+    // drop what is beyond); a null text when it does not.
+    static QString archiveLimitExceeded(const corvane::PlistValue& archive);
+
     static TVKModelData* defaultModelData();
     static void setDefaultModelData(TVKModelData* modelData);
 

@@ -4,6 +4,7 @@
 #include "core/PlistFormats.h"
 #include "core/PlistNodes.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -593,7 +594,7 @@ TEST(PlistCodec, MalformedBinaryIsRefusedWithPositionAndReason)
         {"null", binary({bytesOf({0x00})}), 8, "unsupported object type 0x00"},
         {"key", binary({bytesOf({0xD1, 0x01, 0x01}), bytesOf({0x10, 0x01})}), 11,
          "dictionary key (object 1) is not a string"},
-        {"expansion", binary(doubling), 8, "object references expand beyond the document size"},
+        {"expansion", binary(doubling), 8, "object references expand to more than 67108864 values"},
         {"depth",
          [] {
              std::vector<QByteArray> objects;
@@ -948,4 +949,87 @@ TEST(PlistCodec, TooDeepAnywhereInALargeDocumentIsRefused)
             }
         }
     }
+}
+
+// One limit for both sides of the binary form: the writer refuses exactly the shared trees the
+// reader would refuse to expand, so whatever we write we read back.
+TEST(PlistCodec, SharedTreesAreWrittenOnlyWhereTheyCanBeRead)
+{
+    // Level d of a list doubling the one below stands for 2^(d+1) - 1 values.
+    PlistValue level = PlistValue(true);
+    for (int d = 1; d <= 26; ++d) {
+        PlistValue twice = PlistValue::makeArray();
+        twice.append(level);
+        twice.append(level);
+        level = twice;
+        if (d < 25)
+            continue;
+        QString error;
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        const bool written = PlistCodec::write(buffer, level, PlistFormat::Binary, &error);
+        if (d == 25) {
+            // 2^26 - 1 values: just within the limit.
+            ASSERT_TRUE(written) << error.toStdString();
+            const PlistReadResult read = PlistCodec::read(buffer.data());
+            ASSERT_TRUE(read.ok) << read.error.toString().toStdString();
+            EXPECT_EQ(read.value, level);
+        } else {
+            EXPECT_FALSE(written);
+            EXPECT_EQ(error, QStringLiteral("the tree expands to more than 67108864 values"));
+        }
+    }
+}
+
+// Limits far above real use keep a small or hostile file from taking the memory it asks for;
+// each is refused with the limit named, and the writers never produce what the readers refuse.
+TEST(PlistCodec, ValuesAndDocumentsBeyondTheLimitsAreRefused)
+{
+    const QString longText(8 * 1024 * 1024 + 1, QLatin1Char('x'));
+    const QByteArray longData(16 * 1024 * 1024 + 1, 'x');
+    for (const PlistValue& value : {PlistValue(longText), PlistValue(longData)}) {
+        for (const PlistFormat format : {PlistFormat::Xml, PlistFormat::Binary}) {
+            QBuffer buffer;
+            buffer.open(QIODevice::WriteOnly);
+            QString error;
+            EXPECT_FALSE(PlistCodec::write(buffer, value, format, &error));
+            EXPECT_EQ(error,
+                      value.isString()
+                          ? QStringLiteral("text longer than the limit of 8388608 characters")
+                          : QStringLiteral("data longer than the limit of 16777216 bytes"));
+        }
+    }
+    PlistValue longKey = PlistValue::makeDict();
+    longKey.insert(longText, PlistValue(true));
+    EXPECT_TRUE(PlistCodec::write(longKey, PlistFormat::Binary).isEmpty());
+    EXPECT_TRUE(PlistCodec::write(longKey, PlistFormat::Xml).isEmpty());
+
+    // Written by hand, the readers refuse them.
+    const PlistReadResult text =
+        PlistCodec::read("<plist><string>" + longText.toLatin1() + "</string></plist>");
+    EXPECT_EQ(text.error.toString(),
+              QStringLiteral("offset 15: text longer than the limit of 8388608 characters"));
+    const PlistReadResult data =
+        PlistCodec::read("<plist><data>" + longData.toBase64() + "</data></plist>");
+    EXPECT_EQ(data.error.toString(),
+              QStringLiteral("offset 13: data longer than the limit of 16777216 bytes"));
+    QByteArray binary("bplist00\x4F\x13\x00\x00\x00\x00\x01\x00\x00\x01", 18);
+    binary += longData;
+    const qint64 table = binary.size();
+    binary += QByteArray("\x08", 1);
+    binary += QByteArray(6, 0) + char(1) + char(4) + QByteArray(7, 0) + char(1) + QByteArray(8, 0);
+    for (int shift = 56; shift >= 0; shift -= 8)
+        binary += char((table >> shift) & 0xFF);
+    EXPECT_EQ(PlistCodec::read(binary).error.toString(),
+              QStringLiteral("offset 8: data longer than the limit of 16777216 bytes"));
+
+    // A file beyond the document limit is refused before anything of it is read.
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("sparse.plist"));
+    QFile sparse(path);
+    ASSERT_TRUE(sparse.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(sparse.resize(qint64(1) << 30 | 1));
+    sparse.close();
+    EXPECT_EQ(PlistCodec::readFile(path).error.toString(),
+              QStringLiteral("the file is larger than the limit of 1073741824 bytes"));
 }

@@ -121,17 +121,41 @@ TEST_F(ArchiveTest, WholeConfigurationRoundTripsThroughTheTreeAndAFile)
 // there are.
 TEST_F(ArchiveTest, ConfigurationsOfUnassignedKeysetsReadBackFromTheBinaryForm)
 {
+    // As many keysets as a configuration may hold, all sharing their controls: the most
+    // compact file the writer makes for the largest tree, which the reader must still take.
     CorvaneModelData original;
-    for (int i = 1; i < 120; ++i)
+    for (int i = 1; i < TVKModelData::kMaxKeysets; ++i)
         original.addKeysetWithName(QStringLiteral("Keyset %1").arg(i), fourCC("AP00") + quint32(i));
     const PlistValue archive = archiveOf(original);
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("config.bplist"));
     ASSERT_TRUE(corvane::PlistCodec::writeFile(path, archive, corvane::PlistFormat::Binary));
-    EXPECT_LT(QFileInfo(path).size(), 120 * 1024);
+    EXPECT_LT(QFileInfo(path).size(), 256 * 1024);
     const corvane::PlistReadResult read = corvane::PlistCodec::readFile(path);
     ASSERT_TRUE(read.ok) << read.error.reason.toStdString();
     EXPECT_EQ(read.value, archive);
+}
+
+TEST_F(ArchiveTest, KeysetsBeyondTheLimitAreDroppedAndReported)
+{
+    // Entries that are no keysets are cheap to read; the one past the limit is a keyset.
+    PlistValue archive = PlistValue::makeDict();
+    PlistValue keysets = PlistValue::makeArray();
+    for (int i = 0; i < TVKModelData::kMaxKeysets; ++i)
+        keysets.append(PlistValue(qint64(i)));
+    keysets.append(archiveOf(CorvaneKeyset(QStringLiteral("Beyond"), fourCC("BYND"), nullptr)));
+    archive.insert(QStringLiteral("TVKKeysets"), keysets);
+    EXPECT_EQ(TVKModelData::archiveLimitExceeded(archive),
+              QStringLiteral("the configuration holds 257 keysets, more than the limit of 256"));
+
+    ArchiveRepairLog log;
+    const CorvaneModelData read(archive);
+    ASSERT_EQ(read.numberOfKeysets(), 1);
+    EXPECT_EQ(read.keysetAtIndex(0)->name(), QStringLiteral("Default"));
+    ASSERT_FALSE(log.repairs().empty());
+    EXPECT_EQ(log.repairs().front().what,
+              QStringLiteral("keysets 256 to 256 beyond the limit of 256 dropped"));
+    EXPECT_TRUE(TVKModelData::archiveLimitExceeded(archiveOf(read)).isNull());
 }
 
 TEST_F(ArchiveTest, ExportedKeysetImportsAsAnEqualKeyset)

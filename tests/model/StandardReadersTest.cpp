@@ -48,9 +48,10 @@ TEST_F(StandardReadersTest, EveryDocumentWeWriteIsAcceptedByXmllintPlistutilAndP
     CorvaneModelData model;
     model.addKeysetWithName(QStringLiteral("No signature"), 0, QStringLiteral("org.example.x"));
     TVKKeyset* keyset = model.keysetAtIndex(1);
-    const QString awkward = QStringLiteral("nul%1 bell%2 cr%3 esc%4 lone%5%6 non%7%8 fine\t\n\u00e9")
-                                .arg(QChar(0), QChar(7), QChar(u'\r'), QChar(0x1b),
-                                     QChar(0xD800), QChar(0xDC00), QChar(0xFFFE), QChar(0xFFFF));
+    const QString awkward =
+        QStringLiteral("nul%1 bell%2 cr%3 esc%4 lone%5%6 non%7%8 fine\t\n\u00e9")
+            .arg(QChar(0), QChar(7), QChar(u'\r'), QChar(0x1b), QChar(0xD800), QChar(0xDC00),
+                 QChar(0xFFFE), QChar(0xFFFF));
     keyset->setName(awkward);
     keyset->controlForLayer(0, 13, 0)->setUserName(awkward);
     model.setHasOwnerKeyset(true, std::nullopt, 0);

@@ -160,6 +160,13 @@ KeysetReadResult KeysetTool::readDocument(const QString& path)
         return result;
     }
 
+    const QString limit = TVKModelData::archiveLimitExceeded(
+        document.kind == KeysetDocumentKind::PreferenceStore ? stored : root);
+    if (!limit.isNull()) {
+        result.error = limit;
+        return result;
+    }
+
     ArchiveRepairLog repairs;
     switch (document.kind) {
     case KeysetDocumentKind::PreferenceStore:
@@ -341,7 +348,13 @@ int KeysetTool::run(const QStringList& arguments, QTextStream& out, QTextStream&
         return false;
     };
     const auto readOrReport = [&](const QString& path) {
-        KeysetReadResult read = readDocument(path);
+        KeysetReadResult read;
+        try {
+            read = readDocument(path);
+        } catch (const std::bad_alloc&) {
+            read = KeysetReadResult();
+            read.error = QStringLiteral("not enough memory to read it into the model");
+        }
         if (!read.ok)
             err << kProgram << ": cannot read " << path << ": " << read.error << '\n';
         return read;

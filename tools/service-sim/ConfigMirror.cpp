@@ -66,7 +66,18 @@ bool ConfigMirror::load(const QString& path, QString* reason)
         *reason = QStringLiteral("%1: \"TVKModelData\" is not a dictionary").arg(path);
         return false;
     }
-    m_model = std::make_unique<CorvaneModelData>(stored.isDict() ? stored : store.dictionary());
+    const PlistValue& configuration = stored.isDict() ? stored : store.dictionary();
+    const QString limit = TVKModelData::archiveLimitExceeded(configuration);
+    if (!limit.isNull()) {
+        *reason = QStringLiteral("%1: %2").arg(path, limit);
+        return false;
+    }
+    try {
+        m_model = std::make_unique<CorvaneModelData>(configuration);
+    } catch (const std::bad_alloc&) {
+        *reason = QStringLiteral("%1: not enough memory to read the configuration").arg(path);
+        return false;
+    }
     return true;
 }
 
@@ -152,6 +163,11 @@ bool ConfigMirror::applyDictionary(MessageID id, const PlistValue& dict, QString
     case msg::TUpK: {
         if (keyset < 0 || keyset > INT_MAX || (id == msg::TUpK && !keysetExists)) {
             *reason = QStringLiteral("no keyset at index %1").arg(keyset);
+            return false;
+        }
+        if (id == msg::TAdK && m_model->numberOfKeysets() >= TVKModelData::kMaxKeysets) {
+            *reason =
+                QStringLiteral("no room for more than %1 keysets").arg(TVKModelData::kMaxKeysets);
             return false;
         }
         std::unique_ptr<TVKKeyset> made = m_model->createKeysetFromArchive(dict);
