@@ -12,7 +12,7 @@ namespace corvane {
 QString TVKUserDefaults::defaultPath()
 {
     QString config = qEnvironmentVariable("XDG_CONFIG_HOME");
-    // The base directory specification: a relative value is invalid and is ignored.
+    // As the desktop treats it: a relative XDG_CONFIG_HOME is invalid and is ignored.
     if (config.isEmpty() || QDir::isRelativePath(config))
         config = QDir::homePath() + QStringLiteral("/.config");
     return config + QStringLiteral("/Tavrik/com.tavrik.CorvaneRS.plist");
