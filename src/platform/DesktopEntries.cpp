@@ -221,7 +221,8 @@ installedApplications(const QStringList& folders, const QString& language, bool 
     }
     std::sort(applications.begin(), applications.end(),
               [](const DesktopApplication& a, const DesktopApplication& b) {
-                  const int byName = QString::localeAwareCompare(a.name, b.name);
+                  // Case-insensitive rather than collated: the same list whatever the locale.
+                  const int byName = a.name.compare(b.name, Qt::CaseInsensitive);
                   return byName != 0 ? byName < 0 : a.id < b.id;
               });
     return applications;
