@@ -1,18 +1,14 @@
 #include "actions/BuiltInCommandCatalogue.h"
 
 #include "core/PlistCodec.h"
+#include "core/XdgFolders.h"
 #include "model/TVKKeyset.h"
-
-#include <QDir>
 
 namespace corvane {
 
 QString BuiltInCommandCatalogue::supportFolder()
 {
-    QString base = qEnvironmentVariable("XDG_DATA_HOME");
-    if (base.isEmpty() || !QDir::isAbsolutePath(base))
-        base = QDir::homePath() + QStringLiteral("/.local/share");
-    return base + QStringLiteral("/Tavrik");
+    return xdgDataHome() + QStringLiteral("/Tavrik");
 }
 
 QString BuiltInCommandCatalogue::defaultCataloguePath()

@@ -247,6 +247,12 @@ PlistReadResult PlistCodec::read(QByteArrayView bytes)
 
 namespace {
 
+// What the system said of the last call that failed.
+QString systemError()
+{
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
 // The file's bytes in private memory. A file is read, not mapped: another program may shorten a
 // mapped file while it is parsed, and touching the lost pages would kill the process. Large
 // files go into anonymous pages that the XML reader hands back as it passes them, so the file
@@ -275,7 +281,7 @@ public:
         // Non-blocking, so that a FIFO without a writer cannot hold the open forever.
         const int fd = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
         if (fd < 0) {
-            reason = QString::fromLocal8Bit(std::strerror(errno));
+            reason = systemError();
             return false;
         }
         const bool ok = readOpen(fd, reason);
@@ -288,7 +294,7 @@ private:
     {
         struct stat info;
         if (::fstat(fd, &info) != 0) {
-            reason = QString::fromLocal8Bit(std::strerror(errno));
+            reason = systemError();
             return false;
         }
         if (S_ISDIR(info.st_mode)) {
@@ -316,7 +322,7 @@ private:
             void* pages = ::mmap(nullptr, m_capacity, PROT_READ | PROT_WRITE,
                                  MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
             if (pages == MAP_FAILED) {
-                reason = QString::fromLocal8Bit(std::strerror(errno));
+                reason = systemError();
                 return false;
             }
             m_pages = pages;
@@ -333,7 +339,7 @@ private:
             if (got < 0 && errno == EINTR)
                 continue;
             if (got < 0) {
-                reason = QString::fromLocal8Bit(std::strerror(errno));
+                reason = systemError();
                 return false;
             }
             if (got == 0)
@@ -364,7 +370,7 @@ private:
                 continue;
             }
             if (got < 0) {
-                reason = QString::fromLocal8Bit(std::strerror(errno));
+                reason = systemError();
                 return false;
             }
             m_small.resize(at + got);

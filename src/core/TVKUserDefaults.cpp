@@ -1,6 +1,7 @@
 #include "core/TVKUserDefaults.h"
 
 #include "core/PlistCodec.h"
+#include "core/XdgFolders.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -11,11 +12,7 @@ namespace corvane {
 
 QString TVKUserDefaults::defaultPath()
 {
-    QString config = qEnvironmentVariable("XDG_CONFIG_HOME");
-    // As the desktop treats it: a relative XDG_CONFIG_HOME is invalid and is ignored.
-    if (config.isEmpty() || QDir::isRelativePath(config))
-        config = QDir::homePath() + QStringLiteral("/.config");
-    return config + QStringLiteral("/Tavrik/com.tavrik.CorvaneRS.plist");
+    return xdgConfigHome() + QStringLiteral("/Tavrik/com.tavrik.CorvaneRS.plist");
 }
 
 TVKUserDefaults::TVKUserDefaults(QString path) : m_path(std::move(path))

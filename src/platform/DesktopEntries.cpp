@@ -1,5 +1,7 @@
 #include "platform/DesktopEntries.h"
 
+#include "core/XdgFolders.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -14,14 +16,6 @@ namespace {
 
 // An entry larger than this is no desktop entry; reading stops rather than filling memory.
 constexpr qint64 kMaxEntryBytes = 1 << 20;
-
-QString dataHome()
-{
-    const QString home = qEnvironmentVariable("XDG_DATA_HOME");
-    return home.isEmpty() || QDir::isRelativePath(home)
-               ? QDir::homePath() + QStringLiteral("/.local/share")
-               : home;
-}
 
 QStringList dataDirs()
 {
@@ -118,11 +112,11 @@ QString userLanguage()
 
 QStringList applicationFolders()
 {
-    QStringList bases = {dataHome()};
+    QStringList bases = {xdgDataHome()};
     bases += dataDirs();
     // Applications installed through Flatpak and Snap export their entries here; most sessions
     // list these folders already.
-    for (const QString& extra : {dataHome() + QStringLiteral("/flatpak/exports/share"),
+    for (const QString& extra : {xdgDataHome() + QStringLiteral("/flatpak/exports/share"),
                                  QStringLiteral("/var/lib/flatpak/exports/share"),
                                  QStringLiteral("/var/lib/snapd/desktop")}) {
         if (!bases.contains(extra))

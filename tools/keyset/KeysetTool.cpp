@@ -9,7 +9,6 @@
 #include "model/TVKModelData.h"
 #include "surface/Corvane_Constant_Server.h"
 
-#include <QFileInfo>
 #include <QTextStream>
 #include <optional>
 
