@@ -110,6 +110,8 @@ bool TVK_CarbonCocoaMessenger::doesRemotePortExist() const
 
 bool TVK_CarbonCocoaMessenger::sendMessageWithId(MessageID msgid, const QByteArray& data)
 {
+    if (m_sendObserver)
+        m_sendObserver(msgid, data);
     if (!isRemotePortValid())
         return false;
     return m_remotePort->send(msgid, data, SendTimeoutMs) ==

@@ -7,6 +7,7 @@
 #include <QByteArray>
 #include <QObject>
 #include <QString>
+#include <functional>
 #include <memory>
 
 class QTimer;
@@ -47,6 +48,11 @@ public:
     bool isRemotePortValid() const;
     bool doesRemotePortExist() const;
 
+    // Sees every one-way message before it goes out, whether or not the service is there to
+    // receive it: the application keeps its recovery journal from what it tells the service.
+    using SendObserver = std::function<void(corvane::MessageID, const QByteArray&)>;
+    void setSendObserver(SendObserver observer) { m_sendObserver = std::move(observer); }
+
     bool sendMessageWithId(corvane::MessageID msgid, const QByteArray& data);
     // On failure returnData is left untouched.
     bool sendRequestWithId(corvane::MessageID msgid, QByteArray& returnData);
@@ -70,4 +76,5 @@ private:
     std::unique_ptr<corvane::LocalMessagePort> m_localPort;
     std::shared_ptr<corvane::RemoteMessagePort> m_remotePort;
     QString m_remotePortName;
+    SendObserver m_sendObserver;
 };

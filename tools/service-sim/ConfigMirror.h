@@ -30,7 +30,5 @@ public:
     CorvaneModelData& modelData() { return *m_model; }
 
 private:
-    bool applyDictionary(corvane::MessageID id, const corvane::PlistValue& dict, QString* reason);
-
     std::unique_ptr<CorvaneModelData> m_model;
 };

@@ -12,6 +12,7 @@
 #include <QSocketNotifier>
 #include <cstdio>
 #include <unistd.h>
+#include <utility>
 
 using corvane::MessageFrame;
 using corvane::MessageID;
@@ -150,6 +151,10 @@ QByteArray ServiceSimulator::receive(const MessageFrame& frame)
     }
 
     if (request) {
+        for (const Outgoing& held : std::exchange(m_beforeReply, {})) {
+            if (sendToApplication(held.id, held.body))
+                emitLine({{QStringLiteral("sent"), corvane::msg::codeText(held.id)}});
+        }
         if (frame.code == msg::RqCC) {
             QByteArray reply;
             for (const std::uint32_t field : {m_keyset, m_layer, m_group, m_control})
@@ -247,7 +252,8 @@ bool ServiceSimulator::runCommand(const QString& line)
     if (command == QLatin1String("quit"))
         return false;
 
-    if (command == QLatin1String("send") && words.size() >= 2) {
+    const bool beforeReply = command == QLatin1String("before-reply");
+    if ((command == QLatin1String("send") || beforeReply) && words.size() >= 2) {
         const QString& code = words.at(1);
         std::vector<std::uint32_t> fields;
         for (qsizetype i = 2; i < words.size(); ++i) {
@@ -258,21 +264,27 @@ bool ServiceSimulator::runCommand(const QString& line)
             }
             fields.push_back(*field);
         }
+        std::optional<Outgoing> message;
         if ((code == QLatin1String("TCtl") || code == QLatin1String("CurC")) &&
             fields.size() == 4) {
             const TVK_OutgoingControlStateSpec body{fields[0], fields[1], fields[2], fields[3]};
-            if (sendToApplication(code == QLatin1String("TCtl") ? msg::TCtl : msg::CurC,
-                                  body.data()))
-                emitLine({{QStringLiteral("sent"), code}});
+            message = Outgoing{code == QLatin1String("TCtl") ? msg::TCtl : msg::CurC, body.data()};
+        } else if (code == QLatin1String("CnSt") && fields.size() == 1) {
+            message = Outgoing{msg::CnSt, msg::encodeConnectionState(fields[0] != 0)};
+        }
+        if (!message) {
+            error(QStringLiteral("usage: send|before-reply TCtl <group> <control> <axis> <value> "
+                                 "| ... CurC <keyset> <layer> <group> <control> | ... CnSt <0|1>"));
             return true;
         }
-        if (code == QLatin1String("CnSt") && fields.size() == 1) {
-            if (sendToApplication(msg::CnSt, msg::encodeConnectionState(fields[0] != 0)))
-                emitLine({{QStringLiteral("sent"), code}});
-            return true;
+        if (beforeReply) {
+            // Held until the application's next request, then sent while it waits for the
+            // reply: what a busy service does when a touch and a request cross.
+            m_beforeReply.push_back(*message);
+            emitLine({{QStringLiteral("held"), code}});
+        } else if (sendToApplication(message->id, message->body)) {
+            emitLine({{QStringLiteral("sent"), code}});
         }
-        error(QStringLiteral("usage: send TCtl <group> <control> <axis> <value> | "
-                             "send CurC <keyset> <layer> <group> <control> | send CnSt <0|1>"));
         return true;
     }
     if (command == QLatin1String("surface") && words.size() == 2 &&

@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QString>
 #include <memory>
+#include <vector>
 
 class ConfigMirror;
 class QSocketNotifier;
@@ -40,6 +41,12 @@ Q_SIGNALS:
     void finished();
 
 private:
+    struct Outgoing
+    {
+        corvane::MessageID id;
+        QByteArray body;
+    };
+
     QByteArray receive(const corvane::MessageFrame& frame);
     void connectToApplication(std::uint32_t localID);
     void track(const corvane::MessageFrame& frame);
@@ -61,4 +68,5 @@ private:
     std::uint32_t m_group = 0;
     std::uint32_t m_control = 0;
     bool m_surfaceConnected = true;
+    std::vector<Outgoing> m_beforeReply;
 };

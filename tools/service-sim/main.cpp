@@ -33,6 +33,7 @@ int main(int argc, char** argv)
         "answers the application, mirrors its configuration and prints every message it "
         "receives as a JSON line. Commands on standard input: send TCtl <group> <control> "
         "<axis> <value> | send CurC <keyset> <layer> <group> <control> | send CnSt <0|1> | "
+        "before-reply <the same as send> (sent when the next request arrives) | "
         "surface <connected|disconnected> | dump <file> | quit."));
     parser.addHelpOption();
     const QCommandLineOption configOption(

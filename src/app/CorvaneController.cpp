@@ -1,0 +1,465 @@
+#include "app/CorvaneController.h"
+
+#include "core/Notifications.h"
+#include "core/PlistValue.h"
+#include "model/CorvaneKeyset.h"
+#include "model/CorvaneModelData.h"
+#include "service/CorvaneMessenger.h"
+#include "surface/Corvane_Constant_Server.h"
+
+#include <QAction>
+
+namespace note = corvane::note;
+using Command = TVKMenuCommand;
+using corvane::PlistValue;
+
+namespace {
+
+// Group 40 is the NV expander's first group on screen.
+constexpr qint64 kFirstNVGroup = 40;
+
+} // namespace
+
+CorvaneController::CorvaneController()
+{
+    m_constantServer = std::make_unique<Corvane_Constant_Server>();
+    addMenuItem(Command::ReverseRBButtons, tr("Reverse R and B Buttons"))->setCheckable(true);
+    for (const auto& [command, title] : {std::pair{Command::ShowExpander, tr("TL Expander")},
+                                         std::pair{Command::ShowTLW, tr("TLW Expander")},
+                                         std::pair{Command::ShowTLW2, tr("TLW2 Expander")},
+                                         std::pair{Command::ShowNV, tr("NV Expander")}})
+        addMenuItem(command, title)->setCheckable(true);
+}
+
+CorvaneController::~CorvaneController() = default;
+
+CorvaneModelData* CorvaneController::corvaneModelData() const
+{
+    return dynamic_cast<CorvaneModelData*>(m_modelData.get());
+}
+
+CorvaneMessenger* CorvaneController::corvaneMessenger() const
+{
+    return dynamic_cast<CorvaneMessenger*>(m_messenger.get());
+}
+
+std::unique_ptr<TVK_PrivateMessenger> CorvaneController::makeMessenger()
+{
+    return std::make_unique<CorvaneMessenger>(this);
+}
+
+std::unique_ptr<TVKModelData> CorvaneController::makeModelData()
+{
+    return std::make_unique<CorvaneModelData>();
+}
+
+std::unique_ptr<TVKModelData> CorvaneController::makeModelDataWithArchive(const PlistValue& archive)
+{
+    return std::make_unique<CorvaneModelData>(archive);
+}
+
+TVKInstallationNames CorvaneController::controllerName()
+{
+    return {QStringLiteral("corvaneEthernet"),
+            QStringLiteral("Corvane Ethernet"),
+            QStringLiteral("CorvaneEthernetMIDIDriver.plugin"),
+            QStringLiteral("com.tavrik.CorvaneRS.background.app"),
+            QStringLiteral("com.tavrik.CorvaneRS.background"),
+            QStringLiteral("Q7RM4XW2PN.com.tavrik.CorvaneRS.launcher.app"),
+            QStringLiteral("Q7RM4XW2PN.com.tavrik.CorvaneRS.launcher"),
+            QStringLiteral("Corvane uninstaller.app")};
+}
+
+std::unique_ptr<TVKKeyset> CorvaneController::makeKeysetFromArchive(const PlistValue& archive)
+{
+    return std::make_unique<CorvaneKeyset>(archive, m_modelData.get());
+}
+
+QString CorvaneController::keysetFileType() const
+{
+    return QStringLiteral("CvKs");
+}
+
+QString CorvaneController::inspectorNibName() const
+{
+    return QStringLiteral("ExpandersInspector");
+}
+
+void CorvaneController::awakeFromNib()
+{
+    TVKController::awakeFromNib();
+    m_notConnectedImage = QImage(QStringLiteral(":/images/corvane_connect_icon_off.png"));
+    m_connectedImage = QImage(QStringLiteral(":/images/corvane_connect_icon_on.png"));
+    m_hardwareImages = {QStringLiteral("CorvaneRS_Midnight.png"), QStringLiteral("CorvaneRS.png")};
+    checkConnection();
+    if (CorvaneModelData* model = corvaneModelData())
+        setHardwareGraphics(model->hardwareStyle());
+}
+
+void CorvaneController::getGlobalDefaults()
+{
+    CorvaneModelData* model = corvaneModelData();
+    if (!model || !m_defaults)
+        return;
+    const PlistValue& address = m_defaults->objectForKey(u"TVKIPAdr");
+    const PlistValue& port = m_defaults->objectForKey(u"TVKEnetPrt");
+    if (!address.isNull() && !port.isNull()) {
+        model->setIpAddress(address.toString());
+        model->setEthernetPort(uint(port.toUnsigned()));
+    }
+    // Only the TL switch is read back here; the others travel in the configuration itself.
+    const PlistValue& standaloneTL = m_defaults->objectForKey(u"TVKStandaloneTL");
+    if (!standaloneTL.isNull())
+        model->setStandaloneTL(standaloneTL.toInteger() != 0);
+    const PlistValue& style = m_defaults->objectForKey(u"TVKHardwareStyle");
+    if (!style.isNull())
+        model->setHardwareStyle(int(style.toInteger()));
+}
+
+void CorvaneController::saveGlobalDefaults()
+{
+    CorvaneModelData* model = corvaneModelData();
+    if (!model || !m_defaults)
+        return;
+    m_defaults->setObject(QStringLiteral("TVKIPAdr"), PlistValue(model->ipAddress()));
+    m_defaults->setObject(QStringLiteral("TVKEnetPrt"), PlistValue(qint64(model->ethernetPort())));
+    m_defaults->setObject(QStringLiteral("TVKStandaloneTL"),
+                          PlistValue(qint64(model->standaloneTL() ? 1 : 0)));
+    m_defaults->setObject(QStringLiteral("TVKStandaloneTLW"),
+                          PlistValue(qint64(model->standaloneTLW() ? 1 : 0)));
+    m_defaults->setObject(QStringLiteral("TVKStandaloneTLW2"),
+                          PlistValue(qint64(model->standaloneTLW2() ? 1 : 0)));
+    m_defaults->setObject(QStringLiteral("TVKHardwareStyle"),
+                          PlistValue(qint64(model->hardwareStyle())));
+    m_defaults->synchronize();
+}
+
+void CorvaneController::setHardwareGraphics(qint64 style)
+{
+    if (style >= 0 && style < m_hardwareImages.size())
+        m_views.windows->showHardwareImage(m_hardwareImages.at(style));
+    notifyWithMessage(note::HdwStyChg);
+}
+
+void CorvaneController::windowDidBecomeKey(TVKWindow window)
+{
+    TVKController::windowDidBecomeKey(window);
+    if (window != TVKWindow::Main || m_windowAlreadyBecameKey)
+        return;
+    m_windowAlreadyBecameKey = true;
+    CorvaneModelData* model = corvaneModelData();
+    if (!model)
+        return;
+    if (CorvaneMessenger* messenger = corvaneMessenger())
+        messenger->sendStandaloneTLState(model->standaloneTL());
+    if (model->standaloneTLW()) {
+        showTLW();
+    } else if (model->standaloneTLW2()) {
+        showTLW2();
+    } else if (model->standaloneTL()) {
+        showExpander();
+    } else if (model->standaloneNV()) {
+        showNV();
+        setSelectedGroup(kFirstNVGroup);
+        setSelectedControl(0);
+        notifyOfControlChange(m_selectedControl, m_selectedGroup);
+    }
+}
+
+void CorvaneController::handleMainWindowChange(TVKWindow window)
+{
+    if (window == TVKWindow::NV && !m_corvaneNVMenuActive) {
+        m_views.windows->showCorvaneNVMenu(true);
+        m_corvaneNVMenuActive = true;
+    } else if (window != TVKWindow::NV && m_corvaneNVMenuActive) {
+        m_views.windows->showCorvaneNVMenu(false);
+        m_corvaneNVMenuActive = false;
+    }
+}
+
+void CorvaneController::reverseRBButtons()
+{
+    auto* keyset = dynamic_cast<CorvaneKeyset*>(keysetAt(m_selectedKeyset));
+    if (!keyset)
+        return;
+    keyset->setReverseRBButtons(!keyset->reverseRBButtons());
+    if (m_messenger)
+        m_messenger->updateProperty(TVK_PrivateMessenger::ReverseButtonsProperty,
+                                    keyset->reverseRBButtons() ? 1 : 0, int(m_selectedKeyset));
+}
+
+void CorvaneController::showExpander()
+{
+    m_views.windows->show(TVKWindow::TL);
+}
+
+void CorvaneController::showTLW()
+{
+    m_views.windows->show(TVKWindow::TLW);
+    notifyWithMessage(note::SelectedLayerChange);
+}
+
+void CorvaneController::showTLW2()
+{
+    m_views.windows->show(TVKWindow::TLW2);
+    notifyWithMessage(note::SelectedLayerChange);
+}
+
+void CorvaneController::showNV()
+{
+    m_views.windows->show(TVKWindow::NV);
+    m_views.windows->makeKeyAndOrderFront(TVKWindow::NV);
+    notifyWithMessage(note::SelectedLayerChange);
+}
+
+void CorvaneController::radioController(qint64 value)
+{
+    const qint64 control = value & 0xff;
+    const qint64 group = qint32(value) >> 8;
+    handleTVKControl(control, group);
+}
+
+void CorvaneController::handleTVKDisplay(qint64 group, qint64 display)
+{
+    m_displaySelected = true;
+    int dataGroup = 0;
+    int dataDisplay = 0;
+    m_constantServer->onscreenDisplayGroup(int(group), int(display), dataGroup, dataDisplay);
+    setSelectedDisplay(dataDisplay, dataGroup);
+    notifyOfDisplaySelection(m_selectedDisplay, m_selectedDisplayGroup);
+}
+
+void CorvaneController::handleCorvaneNVMenuItems(QAction* item)
+{
+    if (CorvaneNVWindowCommands* window = m_views.windows->corvaneNVWindow())
+        window->handleCorvaneNVMenuItem(item);
+}
+
+void CorvaneController::updateCorvaneNVGroupMenus()
+{
+    const CorvaneModelData* model = corvaneModelData();
+    const qsizetype groups = model ? model->numCorvaneNVGroups() : 0;
+    const qsizetype items = qsizetype(m_addToGroupMenu.size());
+    const std::pair<std::vector<QAction*>*, Command> menus[] = {
+        {&m_addToGroupMenu, Command::HandleAddToGroupMenu},
+        {&m_deleteGroupMenu, Command::HandleDeleteGroupMenu},
+        {&m_selectGroupMenu, Command::HandleSelectGroupMenu}};
+    for (qsizetype i = 0; i < std::max(groups, items); ++i) {
+        if (i < groups) {
+            const PlistValue* group = model->corvaneNVGroupWithID(int(i));
+            const QString title = group ? group->value(u"TVKName").toString() : QString();
+            for (const auto& [menu, command] : menus) {
+                QAction* item = nullptr;
+                if (i < items) {
+                    item = (*menu)[size_t(i)];
+                } else {
+                    item = new QAction(this);
+                    QObject::connect(item, &QAction::triggered, this,
+                                     [this, item] { perform(item); });
+                    menu->push_back(item);
+                }
+                item->setText(title);
+                TVKMenuItems::setCommand(item, command, i);
+            }
+        } else {
+            for (const auto& [menu, command] : menus) {
+                if (qsizetype(menu->size()) > groups) {
+                    delete (*menu)[size_t(groups)];
+                    menu->erase(menu->begin() + groups);
+                }
+            }
+        }
+    }
+}
+
+void CorvaneController::handleAddToGroupMenu(QAction* item)
+{
+    if (CorvaneNVWindowCommands* window = m_views.windows->corvaneNVWindow())
+        window->addSelectionToGroup(int(TVKMenuItems::tag(item)));
+}
+
+void CorvaneController::handleDeleteGroupMenu(QAction* item)
+{
+    if (CorvaneNVWindowCommands* window = m_views.windows->corvaneNVWindow())
+        window->deleteGroup(int(TVKMenuItems::tag(item)));
+}
+
+void CorvaneController::handleSelectGroupMenu(QAction* item)
+{
+    if (CorvaneNVWindowCommands* window = m_views.windows->corvaneNVWindow())
+        window->selectGroup(int(TVKMenuItems::tag(item)));
+}
+
+bool CorvaneController::validateMenuItem(QAction* item)
+{
+    const CorvaneModelData* model = corvaneModelData();
+    const auto* keyset = dynamic_cast<const CorvaneKeyset*>(keysetAt(m_selectedKeyset));
+    const TVKWindows& windows = *m_views.windows;
+    const auto existsAndKey = [&](TVKWindow window) {
+        return windows.exists(window) && windows.isKey(window);
+    };
+    switch (TVKMenuItems::command(item)) {
+    case Command::ReverseRBButtons:
+        item->setChecked(keyset && keyset->reverseRBButtons());
+        return !(keyset && keyset->locked());
+    case Command::ShowExpander:
+        item->setChecked(existsAndKey(TVKWindow::TL));
+        return !(model &&
+                 (model->standaloneTLW() || model->standaloneTLW2() || model->standaloneNV()));
+    case Command::ShowTLW:
+        item->setChecked(existsAndKey(TVKWindow::TLW));
+        return model && model->standaloneTLW();
+    case Command::ShowTLW2:
+        // Looks at the TLW window's controller, not the TLW2's.
+        item->setChecked(windows.exists(TVKWindow::TLW) && windows.isKey(TVKWindow::TLW2));
+        return model && model->standaloneTLW2();
+    case Command::ShowNV:
+        item->setChecked(existsAndKey(TVKWindow::NV));
+        return model && model->standaloneNV();
+    case Command::HandleCorvaneNVMenuItems: {
+        CorvaneNVWindowCommands* window = windows.corvaneNVWindow();
+        return window && window->validateCorvaneNVMenuItem(item);
+    }
+    default:
+        return TVKController::validateMenuItem(item);
+    }
+}
+
+void CorvaneController::perform(QAction* item)
+{
+    switch (TVKMenuItems::command(item)) {
+    case Command::ReverseRBButtons:
+        reverseRBButtons();
+        break;
+    case Command::ShowExpander:
+        showExpander();
+        break;
+    case Command::ShowTLW:
+        showTLW();
+        break;
+    case Command::ShowTLW2:
+        showTLW2();
+        break;
+    case Command::ShowNV:
+        showNV();
+        break;
+    case Command::HandleCorvaneNVMenuItems:
+        handleCorvaneNVMenuItems(item);
+        break;
+    case Command::HandleAddToGroupMenu:
+        handleAddToGroupMenu(item);
+        break;
+    case Command::HandleDeleteGroupMenu:
+        handleDeleteGroupMenu(item);
+        break;
+    case Command::HandleSelectGroupMenu:
+        handleSelectGroupMenu(item);
+        break;
+    default:
+        TVKController::perform(item);
+        return;
+    }
+    validateMenuItems();
+}
+
+// --- Preferences ---------------------------------------------------------------------------------
+
+void CorvaneController::setupPreferencePanel()
+{
+    setupEthernetPreferences();
+    if (const CorvaneModelData* model = corvaneModelData()) {
+        m_preferenceFields.standaloneTL = model->standaloneTL();
+        m_preferenceFields.standaloneTLW = model->standaloneTLW();
+        m_preferenceFields.standaloneTLW2 = model->standaloneTLW2();
+        m_preferenceFields.standaloneNV = model->standaloneNV();
+        m_preferenceFields.hardwareStyle = model->hardwareStyle();
+    }
+    reapplyStandaloneEnabling();
+}
+
+void CorvaneController::handleStandaloneCheckBoxEnablingForTL(bool tl, bool tlw, bool tlw2, bool nv)
+{
+    m_preferenceFields.standaloneTLEnabled = !tlw && !tlw2 && !nv;
+    m_preferenceFields.standaloneTLWEnabled = !tl && !tlw2 && !nv;
+    m_preferenceFields.standaloneTLW2Enabled = !tl && !tlw && !nv;
+    m_preferenceFields.standaloneNVEnabled = !tl && !tlw && !tlw2;
+    m_views.sheets->refreshSheet(TVKSheet::Preferences);
+}
+
+void CorvaneController::reapplyStandaloneEnabling()
+{
+    const TVKPreferenceFields& f = m_preferenceFields;
+    handleStandaloneCheckBoxEnablingForTL(f.standaloneTL, f.standaloneTLW, f.standaloneTLW2,
+                                          f.standaloneNV);
+}
+
+void CorvaneController::handleStandaloneTLCheckBox(bool on)
+{
+    m_preferenceFields.standaloneTL = on;
+    reapplyStandaloneEnabling();
+}
+
+void CorvaneController::handleStandaloneTLWCheckBox(bool on)
+{
+    m_preferenceFields.standaloneTLW = on;
+    reapplyStandaloneEnabling();
+}
+
+void CorvaneController::handleStandaloneTLW2CheckBox(bool on)
+{
+    m_preferenceFields.standaloneTLW2 = on;
+    reapplyStandaloneEnabling();
+}
+
+void CorvaneController::handleStandaloneNVCheckBox(bool on)
+{
+    m_preferenceFields.standaloneNV = on;
+    reapplyStandaloneEnabling();
+}
+
+bool CorvaneController::validatePreferences()
+{
+    return validateEthernetPreferences();
+}
+
+void CorvaneController::collectPreferences()
+{
+    collectEthernetPreferences();
+    CorvaneModelData* model = corvaneModelData();
+    if (!model)
+        return;
+    CorvaneMessenger* messenger = corvaneMessenger();
+    const TVKPreferenceFields& f = m_preferenceFields;
+    model->setStandaloneTL(f.standaloneTL);
+    if (messenger)
+        messenger->sendStandaloneTLState(f.standaloneTL);
+    model->setStandaloneTLW(f.standaloneTLW);
+    if (messenger)
+        messenger->sendStandaloneTLWState(f.standaloneTLW);
+    model->setStandaloneTLW2(f.standaloneTLW2);
+    if (messenger)
+        messenger->sendStandaloneTLW2State(f.standaloneTLW2);
+    model->setStandaloneNV(f.standaloneNV);
+    if (messenger)
+        messenger->sendStandaloneNVState(f.standaloneNV);
+    model->setHardwareStyle(f.hardwareStyle);
+    setHardwareGraphics(f.hardwareStyle);
+
+    TVKWindows& windows = *m_views.windows;
+    if (f.standaloneTL)
+        showExpander();
+    else if (windows.isVisible(TVKWindow::TL))
+        windows.close(TVKWindow::TL);
+    if (f.standaloneTLW)
+        showTLW();
+    // The TLW window closes whenever TLW2 is off, and the TLW2 window is never closed here.
+    if (f.standaloneTLW2)
+        showTLW2();
+    else if (windows.isVisible(TVKWindow::TLW))
+        windows.close(TVKWindow::TLW);
+    if (f.standaloneNV)
+        showNV();
+    else if (windows.isVisible(TVKWindow::NV))
+        windows.close(TVKWindow::NV);
+    validateMenuItems();
+}

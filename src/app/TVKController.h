@@ -1,0 +1,368 @@
+#pragma once
+
+#include "app/TVKMenuCommand.h"
+#include "app/TVKSheetFields.h"
+#include "app/TVKUndoManager.h"
+#include "app/TVKViewInterfaces.h"
+#include "core/NotificationCenter.h"
+#include "core/PlistValue.h"
+#include "core/TVKUserDefaults.h"
+#include "service/MessageFrame.h"
+#include "service/TVKMessengerDelegate.h"
+
+#include <QImage>
+#include <QObject>
+#include <QString>
+#include <memory>
+#include <vector>
+
+class QAction;
+class TVKAction;
+class TVKControl;
+class TVKKeyset;
+class TVKModelData;
+class TVKRecoveryJournal;
+class TVK_Constant_Server;
+class TVK_PrivateMessenger;
+
+// The application's one main controller: owns the model data, the messenger, the surface
+// constants and the undo stack, keeps the selection in both numberings, applies every edit the
+// views post (changing the model, registering the undo step, telling the service) and keeps the
+// service's connection watched. It is abstract: what depends on the surface family is made by
+// factory operations that CorvaneController overrides.
+//
+// The windows are reached through the interfaces of TVKViewInterfaces.h; the controller owns
+// the menu items (QActions) and validates them itself, so that everything here runs without a
+// widget. Its parts live in one file each: start-up and selection (this class's .cpp), the
+// keyset commands, the control edits, the connection, the menus and the preferences.
+class TVKController : public QObject, public TVKMessengerDelegate
+{
+    Q_OBJECT
+
+public:
+    using ActionList = std::vector<std::shared_ptr<const TVKAction>>;
+
+    struct Views
+    {
+        TVKDialogs* dialogs = nullptr;
+        TVKWindows* windows = nullptr;
+        TVKSheets* sheets = nullptr;
+        TVKInstallation* installation = nullptr;
+    };
+
+    // init: becomes the single instance.
+    TVKController();
+    ~TVKController() override;
+
+    static TVKController* c();
+
+    // Before awakeFromNib. Without views the controller acts as if every panel was cancelled
+    // and no window was shown.
+    void setViews(const Views& views);
+    // The preference store to read at start-up and write on quit (default: the user's).
+    void setStorePath(const QString& path) { m_storePath = path; }
+    const QString& storePath() const { return m_storePath; }
+
+    // --- Life -------------------------------------------------------------------------------
+    virtual void awakeFromNib();
+    void windowIsAwake();
+    void applicationDidFinishLaunching();
+    virtual void windowDidBecomeKey(TVKWindow window);
+    virtual void handleMainWindowChange(TVKWindow window);
+    // The application will terminate: writes everything, once.
+    void handleTerminateMessage();
+    void installIfNeeded();
+    void triggerAXAlert();
+    // Writes the model and the global settings to the store and flushes it.
+    bool writeDataToDefaults();
+
+    bool isAwake() const { return m_amIAwake; }
+    bool installDone() const { return m_installDone; }
+
+    // --- Factories ------------------------------------------------------------------------
+    virtual std::unique_ptr<TVK_PrivateMessenger> makeMessenger();
+    virtual std::unique_ptr<TVKModelData> makeModelData();
+    virtual std::unique_ptr<TVKModelData>
+    makeModelDataWithArchive(const corvane::PlistValue& archive);
+    // The eight installation names (out-parameters in one struct); the base gives none.
+    virtual TVKInstallationNames controllerName();
+    virtual std::unique_ptr<TVKKeyset> makeKeysetFromArchive(const corvane::PlistValue& archive);
+    virtual QString keysetFileType() const;
+    virtual void setOpenStatesForPeripheralWindows();
+    virtual void saveOpenStatesForPeripheralWindows();
+    virtual void openPeripheralWindow(qint64 tag);
+    virtual void getGlobalDefaults();
+    virtual void saveGlobalDefaults();
+    virtual QString inspectorNibName() const;
+    virtual bool needsSetup() const { return false; }
+    virtual bool installPlugin() const { return false; }
+
+    // --- State ----------------------------------------------------------------------------
+    TVKModelData* modelData() const override { return m_modelData.get(); }
+    TVK_PrivateMessenger* messenger() const { return m_messenger.get(); }
+    TVK_Constant_Server* constantServer() const { return m_constantServer.get(); }
+    TVKUndoManager& undoManager() { return m_undoManager; }
+    corvane::TVKUserDefaults& defaults() { return *m_defaults; }
+
+    qint64 selectedKeyset() const { return m_selectedKeyset; }
+    qint64 selectedLayer() const { return m_selectedLayer; }
+    qint64 selectedGroup() const { return m_selectedGroup; }
+    qint64 selectedControl() const { return m_selectedControl; }
+    qint64 modelDataGroupIndex() const { return m_modelDataGroupIndex; }
+    qint64 modelDataControlIndex() const { return m_modelDataControlIndex; }
+    qint64 selectedBank() const { return m_selectedBank; }
+    bool displaySelected() const { return m_displaySelected; }
+    bool capturing() const { return m_capturing; }
+    bool connected() const { return m_connected; }
+    const QImage& genericAppIcon() const { return m_genericAppIcon; }
+    const QImage& shownKeysetIcon() const { return m_shownKeysetIcon; }
+
+    // --- Selection ------------------------------------------------------------------------
+    void setSelectedKeyset(qint64 index);
+    void setSelectedLayer(qint64 index);
+    void setSelectedGroup(qint64 group);
+    void setSelectedControl(qint64 control);
+    void setSelectedDisplay(qint64 display, qint64 group);
+    void selectedDisplay(qint64& display, qint64& group) const;
+    void setIconForKeyset(const TVKKeyset* keyset);
+
+    void showInspector();
+    void showMainWindow();
+    void showSummary();
+    bool keysetSummaryIsVisible() const;
+    void showAboutBox();
+
+    // A click on a surface control (on-screen numbering) and on a multi-state button.
+    void handleTVKControl(qint64 control, qint64 group);
+    void handleMultiStateTVKButton(qint64 group, qint64 value);
+    void updateHardwareControlsPreviousGroup(qint64 previousGroup, qint64 previousControl,
+                                             qint64 newGroup, qint64 newControl);
+    void keysetChangedInSummaryWindow(qint64 keyset);
+    void layerChangedInSummaryWindow(qint64 layer);
+    void selectionChangedInSummaryWindowToGroup(qint64 group, qint64 control);
+
+    // --- Notifications --------------------------------------------------------------------
+    void notifyWithMessage(const QString& name);
+    void notifyOfControlChange(qint64 control, qint64 group);
+    void notifyOfControlChange(qint64 control, qint64 group, qint64 layer);
+    void notifyOfDisplaySelection(qint64 display, qint64 group);
+    void notifyOfDisplaySelection(qint64 display, qint64 group, qint64 layer);
+    void notifyOfRemoteControlChange(qint64 control, qint64 group, bool visibleEditorUpdate);
+    void notifyOfRemoteDisplayChange(qint64 display, qint64 group, bool visibleEditorUpdate);
+    void notifyOfControlOnColorChange(qint64 color, qint64 group, qint64 control);
+    void notifyOfControlOffColorChange(qint64 color, qint64 group, qint64 control);
+    void notifyOfControlPropertyChange(TVKControl* control);
+    void notifyOfControlUserNameChange(TVKControl* control);
+    void notifyKeysetSummaryNeedsUpdate();
+
+    // --- The service's messages and the connection ------------------------------------------
+    void hardwareControlChangeForGroup(qint64 group, qint64 control, qint64 axis,
+                                       qint64 value) override;
+    void handleCurrentControlInfoForKeyset(qint64 keyset, qint64 layer, qint64 group,
+                                           qint64 control) override;
+    void handleConnectionStateChange(bool connected) override;
+    bool checkConnection();
+    void deferedCheckConnection();
+    void keepConnectionAlive();
+    void updateConnectionMenu(bool connected);
+    void attemptReconnect();
+    void handleTVKLayerSelector(qint64 layer);
+    void handleDisplay(qint64 display, qint64 group);
+    virtual void handleTVKDisplay(qint64 group, qint64 display);
+
+    // --- Keyset commands ------------------------------------------------------------------
+    void handleNewKeyset();
+    void handleImportKeyset();
+    void handleExportKeyset();
+    void handleCopyKeyset();
+    void handlePasteKeyset();
+    void handleClearKeyset();
+    void handleDeleteKeyset();
+    void handleLockUnlockMenu();
+    void handleLockUnlockButton(bool buttonState);
+    void setKeysetLockState(bool locked);
+    void handleOwnerMenu();
+    void handleSetOneTouchRecord();
+    void handleDefaultOneTouchRecord();
+    void handleEmulationMenu(qint64 mode);
+    void handleSetAllMenuItems(qint64 mode);
+    void handleKeysetsMenu(QAction* item);
+    void updateKeysetsMenu();
+    void undoableDeleteKeyset(qint64 index);
+    void undoableRestoreKeyset(std::unique_ptr<TVKKeyset> keyset, qint64 index);
+    void undoableSwapKeyset(std::unique_ptr<TVKKeyset> keyset, qint64 index,
+                            const QString& actionName);
+    void handleEndCapture();
+
+    // --- Menus ------------------------------------------------------------------------------
+    // The controller's menu items; the views put them into their menus.
+    QAction* menuItem(TVKMenuCommand command, qint64 tag = 0) const;
+    const std::vector<QAction*>& menuItems() const { return m_menuItems; }
+    // The Keysets menu: item 0 fixed, item 1 keyset 0, item k + 1 keyset k.
+    const std::vector<QAction*>& keysetsMenu() const { return m_keysetsMenu; }
+    QAction* undoMenuItem() const { return m_undoItem; }
+    QAction* redoMenuItem() const { return m_redoItem; }
+    QAction* connectionMenu() const { return m_connectionMenu; }
+    QAction* connectionMenuItem() const { return m_connectionMenuItem; }
+    // Enables, checks and titles the item; true when it is enabled.
+    virtual bool validateMenuItem(QAction* item);
+    // Validates every item (a menu is about to show, or the state behind the items changed).
+    void validateMenuItems();
+    // Runs the item's command.
+    virtual void perform(QAction* item);
+
+    // --- Control edits ----------------------------------------------------------------------
+    void undoableSetUserName(const QString& name, qint64 keyset, qint64 layer, qint64 group,
+                             qint64 control, bool copyToAllLayers);
+    void undoableSetDisplayUserName(const QString& name, qint64 keyset, qint64 layer, qint64 group,
+                                    qint64 display, bool copyToAllLayers);
+    void undoableSetLatchStyle(const std::vector<bool>& latched, qint64 keyset, qint64 layer,
+                               qint64 group, qint64 control, bool copyToAllLayers);
+    void undoableSetOnColor(const std::vector<qint64>& colors, qint64 keyset, qint64 layer,
+                            qint64 group, qint64 control, bool copyToAllLayers);
+    void undoableSetOffColor(const std::vector<qint64>& colors, qint64 keyset, qint64 layer,
+                             qint64 group, qint64 control, bool copyToAllLayers);
+    void undoableSetBrightness(const std::vector<qint64>& values, qint64 keyset, qint64 layer,
+                               qint64 group, qint64 control, bool copyToAllLayers);
+    void undoableSetJogSensitivity(const std::vector<qint64>& values, qint64 keyset, qint64 layer,
+                                   qint64 group, qint64 control, bool copyToAllLayers);
+    void undoableSetJoystickSensitivity(const std::vector<qint64>& values, qint64 keyset,
+                                        qint64 layer, qint64 group, qint64 control,
+                                        bool copyToAllLayers);
+    void undoableInsertAction(const ActionList& actions, qint64 keyset, qint64 layer, qint64 group,
+                              qint64 control, const QString& undoName, bool copyToAllLayers);
+    void undoableInsertDisplayAction(std::shared_ptr<const TVKAction> action, qint64 keyset,
+                                     qint64 layer, qint64 group, qint64 display,
+                                     const QString& undoName);
+
+    // --- Preferences and application ports --------------------------------------------------
+    QString ipAddress() const;
+    void setIpAddress(const QString& address);
+    uint ethernetPort() const;
+    void setEthernetPort(uint port);
+    TVKPreferenceFields& preferenceFields() { return m_preferenceFields; }
+    TVKAppPortFields& appPortFields() { return m_appPortFields; }
+    void showPreferencePanel();
+    virtual void setupPreferencePanel();
+    void setupEthernetPreferences();
+    static QString nextFieldFromIpAddress(const QString& text, qsizetype& position);
+    void okPrefsWindow();
+    void cancelPrefsWindow();
+    void prefsDidEnd(int returnCode);
+    virtual bool validatePreferences();
+    bool validateEthernetPreferences();
+    virtual void collectPreferences();
+    void collectEthernetPreferences();
+    bool validateTextField(TVKSheetField field);
+    void showAppPortPanel();
+    void okAppPortWindow();
+    void cancelAppPortWindow();
+    void appPortDidEnd(int returnCode);
+    // Searches down from 65534 for a port nothing listens on and no other keyset uses.
+    void findAvailablePort();
+    void appPortChanged();
+
+Q_SIGNALS:
+    // The Keysets menu's items were added, removed or retitled.
+    void keysetsMenuChanged();
+    // The application has written everything and may quit.
+    void terminated();
+
+protected:
+    // Reads the store and the recovery journal into the model; start-up step 1.
+    void readStoredModel();
+    // Applies what the recovery journal holds over the stored configuration; step 2.2.
+    void replayJournal();
+    void registerForNotifications();
+    // The window-awake part of start-up (step 8), with or without the second showInspector.
+    void windowAndControllerAwake(bool secondInspector);
+    // Shows what start-up has to tell the user (a store moved aside, edits recovered).
+    void showStartupNotices();
+    void showKeysetNameAndIcon();
+    TVKKeyset* keysetAt(qint64 index) const;
+    TVKControl* controlAt(qint64 keyset, qint64 layer, qint64 group, qint64 control) const;
+    // The layers a copy-to-all-layers edit visits, or just the given one.
+    std::vector<qint64> affectedLayers(qint64 layer, bool copyToAllLayers) const;
+    bool toOnscreen(qint64 group, qint64 control, qint64& onscreenGroup,
+                    qint64& onscreenControl) const;
+    // Moves the model's selection and the surface highlight to an edited control.
+    void selectEditedControl(qint64 keyset, qint64 layer, qint64 group, qint64 control);
+    // After a latch or colour edit: moves the selection to the edited control, or announces the
+    // change of the selected one.
+    void finishControlEdit(const std::vector<TVKControl*>& visited, bool copyToAllLayers,
+                           qint64 keyset, qint64 layer, qint64 group, qint64 control);
+    QAction* addMenuItem(TVKMenuCommand command, const QString& title, qint64 tag = 0);
+    void makeMenuItems();
+    void journal(corvane::MessageID id, const QByteArray& body);
+    void validateTitledKeysetItem(QAction* item, const QString& verb, bool enabled);
+
+    // Edit notifications (posted by the inspector).
+    void handleUserNameChange(const corvane::Notification& note);
+    void handleDisplayUserNameChange(const corvane::Notification& note);
+    void handleLatchStyleChange(const corvane::Notification& note);
+    void handleOnColorChange(const corvane::Notification& note);
+    void handleOffColorChange(const corvane::Notification& note);
+    void handleBrightnessChange(const corvane::Notification& note);
+    void handleJogSensitivityChange(const corvane::Notification& note);
+    void handleJoystickSensitivityChange(const corvane::Notification& note);
+    void handleInsertEditedAction(const corvane::Notification& note);
+    void handleDeleteAction(const corvane::Notification& note);
+    void handleInsertEditedDisplayAction(const corvane::Notification& note);
+    void handleDeleteDisplayAction(const corvane::Notification& note);
+    void handleInspectorNeedsUpdate(const corvane::Notification& note);
+    void handleStartCapture(const corvane::Notification& note);
+
+    // Every edit primitive of one value per layer runs through here.
+    template <typename Apply>
+    std::vector<TVKControl*> forEachAffectedControl(qint64 keyset, qint64 layer, qint64 group,
+                                                    qint64 control, bool copyToAllLayers,
+                                                    Apply apply);
+
+    Views m_views;
+    QString m_storePath;
+    std::unique_ptr<corvane::TVKUserDefaults> m_defaults;
+    std::unique_ptr<TVKRecoveryJournal> m_journal;
+    std::unique_ptr<TVKModelData> m_modelData;
+    std::unique_ptr<TVK_PrivateMessenger> m_messenger;
+    std::unique_ptr<TVK_Constant_Server> m_constantServer;
+    TVKUndoManager m_undoManager;
+    std::vector<corvane::NotificationCenter::Observation> m_observations;
+
+    std::vector<QAction*> m_menuItems;
+    std::vector<QAction*> m_keysetsMenu;
+    QAction* m_undoItem = nullptr;
+    QAction* m_redoItem = nullptr;
+    QAction* m_connectionMenu = nullptr;
+    QAction* m_connectionMenuItem = nullptr;
+    QImage m_connectedImage;
+    QImage m_notConnectedImage;
+    QImage m_genericAppIcon;
+    QImage m_shownKeysetIcon;
+
+    TVKPreferenceFields m_preferenceFields;
+    TVKAppPortFields m_appPortFields;
+
+    qint64 m_selectedKeyset = 0;
+    qint64 m_selectedLayer = 0;
+    qint64 m_selectedGroup = 0;
+    qint64 m_selectedControl = 0;
+    qint64 m_selectedDisplay = 0;
+    qint64 m_selectedDisplayGroup = 0;
+    qint64 m_selectedBank = 0;
+    qint64 m_modelDataGroupIndex = 0;
+    qint64 m_modelDataControlIndex = 0;
+    qint64 m_peripheralIndex = 0;
+
+    bool m_capturing = false;
+    bool m_isWindowAwake = false;
+    bool m_amIAwake = false;
+    bool m_isAppFinishedLaunching = false;
+    bool m_isWindowKey = false;
+    bool m_displaySelected = false;
+    bool m_connected = false;
+    bool m_installDone = false;
+    bool m_terminated = false;
+
+    // What start-up has to tell the user once the application runs.
+    std::vector<TVKAlert> m_startupNotices;
+};

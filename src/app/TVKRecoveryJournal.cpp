@@ -1,0 +1,263 @@
+#include "app/TVKRecoveryJournal.h"
+
+#include "core/Log.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+#include <QTimer>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr char kMagic[8] = {'C', 'v', 'J', 'r', 'n', 'l', '0', '1'};
+constexpr qsizetype kHeaderSize = sizeof(kMagic) + 8;
+constexpr qsizetype kRecordHeaderSize = 8;
+constexpr qsizetype kPayloadHeaderSize = 8;
+// A keyset's archive is far smaller; a longer length can only be damage.
+constexpr quint32 kMaxPayload = 64u << 20;
+constexpr int kSyncDelayMs = 1000;
+
+void put32(char* out, quint32 value)
+{
+    for (int i = 0; i < 4; ++i)
+        out[i] = char((value >> (8 * i)) & 0xff);
+}
+
+quint32 get32(const char* in)
+{
+    quint32 value = 0;
+    for (int i = 0; i < 4; ++i)
+        value |= quint32(quint8(in[i])) << (8 * i);
+    return value;
+}
+
+quint64 get64(const char* in)
+{
+    return quint64(get32(in)) | (quint64(get32(in + 4)) << 32);
+}
+
+const std::array<quint32, 256>& crcTable()
+{
+    static const std::array<quint32, 256> table = [] {
+        std::array<quint32, 256> t{};
+        for (quint32 i = 0; i < 256; ++i) {
+            quint32 c = i;
+            for (int k = 0; k < 8; ++k)
+                c = (c & 1) ? 0xEDB88320u ^ (c >> 1) : c >> 1;
+            t[i] = c;
+        }
+        return t;
+    }();
+    return table;
+}
+
+bool writeAll(int fd, const char* data, qsizetype size)
+{
+    while (size > 0) {
+        const ssize_t written = ::write(fd, data, size_t(size));
+        if (written < 0) {
+            if (errno == EINTR)
+                continue;
+            return false;
+        }
+        data += written;
+        size -= written;
+    }
+    return true;
+}
+
+// The whole records of a journal's bytes, and where the last one ends.
+qsizetype parse(const QByteArray& bytes, std::vector<TVKRecoveryJournal::Record>* records)
+{
+    qsizetype at = kHeaderSize;
+    while (bytes.size() - at >= kRecordHeaderSize) {
+        const quint32 length = get32(bytes.constData() + at);
+        const quint32 crc = get32(bytes.constData() + at + 4);
+        if (length < kPayloadHeaderSize || length > kMaxPayload ||
+            qsizetype(length) > bytes.size() - at - kRecordHeaderSize)
+            break;
+        const char* payload = bytes.constData() + at + kRecordHeaderSize;
+        if (TVKRecoveryJournal::crc32(payload, length) != crc)
+            break;
+        if (records) {
+            TVKRecoveryJournal::Record record;
+            record.id = corvane::MessageID(get32(payload));
+            record.editedKeyset = int(qint32(get32(payload + 4)));
+            record.body = QByteArray(payload + kPayloadHeaderSize, length - kPayloadHeaderSize);
+            records->push_back(std::move(record));
+        }
+        at += kRecordHeaderSize + length;
+    }
+    return at;
+}
+
+} // namespace
+
+TVKRecoveryJournal::TVKRecoveryJournal(QString path) : m_path(std::move(path)) {}
+
+TVKRecoveryJournal::~TVKRecoveryJournal()
+{
+    if (m_dirty)
+        sync();
+    close();
+    delete m_syncTimer;
+}
+
+QString TVKRecoveryJournal::pathBeside(const QString& storePath)
+{
+    return QFileInfo(storePath).absolutePath() + QStringLiteral("/com.tavrik.CorvaneRS.journal");
+}
+
+quint32 TVKRecoveryJournal::crc32(const char* data, qsizetype size, quint32 crc)
+{
+    const std::array<quint32, 256>& table = crcTable();
+    crc = ~crc;
+    for (qsizetype i = 0; i < size; ++i)
+        crc = table[(crc ^ quint8(data[i])) & 0xff] ^ (crc >> 8);
+    return ~crc;
+}
+
+TVKRecoveryJournal::Contents TVKRecoveryJournal::read() const
+{
+    Contents contents;
+    QFile file(m_path);
+    if (!file.exists())
+        return contents;
+    if (!file.open(QIODevice::ReadOnly)) {
+        contents.error = QStringLiteral("%1: %2").arg(m_path, file.errorString());
+        return contents;
+    }
+    const QByteArray bytes = file.readAll();
+    if (bytes.isEmpty())
+        return contents;
+    if (bytes.size() < kHeaderSize || std::memcmp(bytes.constData(), kMagic, sizeof(kMagic)) != 0) {
+        contents.error = QStringLiteral("%1: not a recovery journal").arg(m_path);
+        return contents;
+    }
+    contents.epoch = get64(bytes.constData() + sizeof(kMagic));
+    const qsizetype end = parse(bytes, &contents.records);
+    contents.tornTail = end < bytes.size();
+    return contents;
+}
+
+bool TVKRecoveryJournal::open(QString* error)
+{
+    close();
+    QDir().mkpath(QFileInfo(m_path).absolutePath());
+    const int fd =
+        ::open(QFile::encodeName(m_path).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (fd < 0) {
+        if (error)
+            *error = QStringLiteral("%1: %2").arg(m_path, QString::fromLocal8Bit(strerror(errno)));
+        return false;
+    }
+    QFile file;
+    QByteArray bytes;
+    if (file.open(fd, QIODevice::ReadOnly, QFileDevice::DontCloseHandle))
+        bytes = file.readAll();
+    file.close();
+    qsizetype keep = 0;
+    m_records = 0;
+    if (bytes.size() >= kHeaderSize &&
+        std::memcmp(bytes.constData(), kMagic, sizeof(kMagic)) == 0) {
+        std::vector<Record> records;
+        keep = parse(bytes, &records);
+        m_records = qint64(records.size());
+        m_epoch = get64(bytes.constData() + sizeof(kMagic));
+    }
+    m_fd = fd;
+    // A torn record is cut off, so the next record follows the last whole one.
+    bool ok = ::ftruncate(fd, keep) == 0 && ::lseek(fd, keep, SEEK_SET) == keep;
+    if (ok && keep == 0)
+        ok = writeHeader();
+    if (!ok) {
+        m_fd = -1;
+        if (error)
+            *error = QStringLiteral("%1: %2").arg(m_path, QString::fromLocal8Bit(strerror(errno)));
+        ::close(fd);
+        return false;
+    }
+    return true;
+}
+
+bool TVKRecoveryJournal::append(corvane::MessageID id, int editedKeyset, const QByteArray& body)
+{
+    if (m_fd < 0)
+        return false;
+    const qsizetype payload = kPayloadHeaderSize + body.size();
+    QByteArray record(kRecordHeaderSize + payload, Qt::Uninitialized);
+    char* out = record.data();
+    put32(out + kRecordHeaderSize, quint32(id));
+    put32(out + kRecordHeaderSize + 4, quint32(qint32(editedKeyset)));
+    std::memcpy(out + kRecordHeaderSize + kPayloadHeaderSize, body.constData(),
+                size_t(body.size()));
+    put32(out, quint32(payload));
+    put32(out + 4, crc32(out + kRecordHeaderSize, payload));
+    if (!writeAll(m_fd, record.constData(), record.size())) {
+        corvane::log(QStringLiteral("recovery journal %1: %2")
+                         .arg(m_path, QString::fromLocal8Bit(strerror(errno))));
+        close();
+        return false;
+    }
+    ++m_records;
+    scheduleSync();
+    return true;
+}
+
+bool TVKRecoveryJournal::clear()
+{
+    m_records = 0;
+    m_dirty = false;
+    if (m_fd < 0)
+        return QFile::remove(m_path) || !QFile::exists(m_path);
+    const bool ok = ::ftruncate(m_fd, 0) == 0 && ::lseek(m_fd, 0, SEEK_SET) == 0 && writeHeader();
+    if (ok)
+        ::fdatasync(m_fd);
+    return ok;
+}
+
+void TVKRecoveryJournal::sync()
+{
+    if (m_fd >= 0)
+        ::fdatasync(m_fd);
+    m_dirty = false;
+}
+
+void TVKRecoveryJournal::scheduleSync()
+{
+    // The write already survives the process; the disk flush is gathered, so that a series of
+    // edits costs one flush, not one each.
+    m_dirty = true;
+    if (!m_syncTimer) {
+        m_syncTimer = new QTimer;
+        m_syncTimer->setSingleShot(true);
+        m_syncTimer->setInterval(kSyncDelayMs);
+        QObject::connect(m_syncTimer, &QTimer::timeout, [this] { sync(); });
+    }
+    if (!m_syncTimer->isActive())
+        m_syncTimer->start();
+}
+
+bool TVKRecoveryJournal::writeHeader()
+{
+    m_epoch = QRandomGenerator::system()->generate64();
+    char header[kHeaderSize];
+    std::memcpy(header, kMagic, sizeof(kMagic));
+    put32(header + sizeof(kMagic), quint32(m_epoch));
+    put32(header + sizeof(kMagic) + 4, quint32(m_epoch >> 32));
+    return writeAll(m_fd, header, kHeaderSize);
+}
+
+void TVKRecoveryJournal::close()
+{
+    if (m_fd >= 0)
+        ::close(m_fd);
+    m_fd = -1;
+}
