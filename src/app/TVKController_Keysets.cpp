@@ -139,9 +139,12 @@ void TVKController::handleImportKeyset()
         return;
     }
 
-    const int found = isNoSignature(keyset->signature())
+    // A keyset with neither signature nor bundle identifier matches nothing.
+    const int found = !isNoSignature(keyset->signature())
+                          ? m_modelData->indexOfKeysetWithSignature(keyset->signature())
+                      : !keyset->bundleID().isEmpty()
                           ? m_modelData->indexOfKeysetWithBundleID(keyset->bundleID())
-                          : m_modelData->indexOfKeysetWithSignature(keyset->signature());
+                          : -1;
     if (found >= 0) {
         const int button = m_views.dialogs->runAlert(
             {tr("Keyset Already Exists"),
@@ -341,7 +344,8 @@ void TVKController::handleOwnerMenu()
     if (!keyset)
         return;
     m_modelData->setHasOwnerKeyset(
-        true, keyset->hasBundleID() ? std::optional<QString>(keyset->bundleID()) : std::nullopt,
+        true,
+        keyset->bundleID().isEmpty() ? std::nullopt : std::optional<QString>(keyset->bundleID()),
         keyset->signature());
     if (m_messenger)
         m_messenger->sendOwnerKeysetChange(true, keyset->bundleID(), keyset->signature());

@@ -191,7 +191,10 @@ bool TVKController::validateMenuItem(QAction* item)
                               .arg(QStringLiteral("Set"), keyset ? keyset->name() : QString()));
             return m_selectedKeyset != 0;
         }
-        int owner = m_modelData->indexOfKeysetWithBundleID(m_modelData->ownerKeysetBundleID());
+        // An owner without a bundle identifier is found by its signature alone.
+        int owner = !m_modelData->ownerKeysetBundleID().isEmpty()
+                        ? m_modelData->indexOfKeysetWithBundleID(m_modelData->ownerKeysetBundleID())
+                        : -1;
         if (owner < 0)
             owner = m_modelData->indexOfKeysetWithSignature(m_modelData->ownerKeysetSignature());
         if (owner < 0)

@@ -103,6 +103,7 @@ public:
     std::optional<QJsonObject> waitForEvent(const QString& event, qsizetype from = 0);
     int count(const std::function<bool(const QJsonObject&)>& match) const;
     qsizetype lineCount() const { return qsizetype(m_lines.size()); }
+    const std::vector<QJsonObject>& lines() const { return m_lines; }
     void terminate();
     void kill();
     QProcess& process() { return m_process; }

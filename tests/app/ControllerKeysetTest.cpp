@@ -1,0 +1,312 @@
+#include "ControllerFixture.h"
+#include "core/FourCharCode.h"
+#include "core/Log.h"
+#include "core/Notifications.h"
+#include "core/PlistCodec.h"
+#include "model/CorvaneKeyset.h"
+#include "model/CorvaneModelData.h"
+#include "model/TVKKeyset.h"
+
+#include <QAction>
+#include <QDir>
+#include <QFile>
+
+using namespace corvane;
+using namespace corvane::test;
+
+namespace {
+
+class KeysetCommandTest : public ControllerTest
+{
+protected:
+    void SetUp() override
+    {
+        ControllerTest::SetUp();
+        CorvaneModelData model;
+        model.addKeysetWithName(QStringLiteral("Editor"), fourCC("EdIt"));
+        model.addKeysetWithName(QStringLiteral("Mixer"), 0, QStringLiteral("org.example.mixer"));
+        model.addKeysetWithName(QStringLiteral("Grader"), fourCC("GrAd"));
+        storeConfiguration(model);
+        ASSERT_TRUE(startService());
+        startController();
+    }
+
+    void writeFile(const QString& path, const QByteArray& bytes)
+    {
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+
+    CorvaneController& c() { return *controller; }
+    int keysets() { return c().modelData()->numberOfKeysets(); }
+};
+
+} // namespace
+
+TEST_F(KeysetCommandTest, NewKeysetForAnInstalledApplication)
+{
+    writeFile(home.path() + QStringLiteral("/data/applications/org.example.Cutter.desktop"),
+              "[Desktop Entry]\nType=Application\nName=Cutter\nExec=cutter\nIcon=cutter\n");
+    views.chosenApplication = DesktopApplication{};
+    views.chosenApplication->id = QStringLiteral("org.example.Cutter");
+    views.chosenApplication->name = QStringLiteral("Cutter");
+
+    qsizetype from = mark();
+    c().handleNewKeyset();
+    ASSERT_EQ(keysets(), 5);
+    const TVKKeyset* made = c().modelData()->keysetAtIndex(4);
+    EXPECT_EQ(made->name(), QStringLiteral("Cutter"));
+    EXPECT_EQ(made->bundleID(), QStringLiteral("org.example.Cutter"));
+    EXPECT_EQ(made->signature(), fourCC("????"));
+    EXPECT_EQ(c().selectedKeyset(), 4);
+    EXPECT_EQ(c().keysetsMenu().size(), 6u);
+    EXPECT_EQ(c().keysetsMenu().back()->text(), QStringLiteral("Cutter"));
+    EXPECT_TRUE(std::any_of(
+        views.offeredApplications.begin(), views.offeredApplications.end(),
+        [](const DesktopApplication& a) { return a.id == QStringLiteral("org.example.Cutter"); }));
+    ASSERT_TRUE(waitForCount(QStringLiteral("TAdK"), 1, from));
+    EXPECT_TRUE(serviceInStep());
+    EXPECT_FALSE(c().undoManager().canUndo()) << "making a keyset is not undoable";
+
+    // The same application again: matched by its identifier, since it has no signature.
+    from = mark();
+    c().handleNewKeyset();
+    EXPECT_EQ(keysets(), 5);
+    ASSERT_EQ(views.alerts.size(), 1u);
+    EXPECT_EQ(views.alerts[0].message, QStringLiteral("Keyset Already Exists"));
+    EXPECT_EQ(
+        views.alerts[0].informativeText,
+        QStringLiteral("A keyset for \"Cutter\" already exists in the list of active keysets"));
+    spinFor(50);
+    EXPECT_TRUE(received(QStringLiteral("TAdK"), from).empty());
+}
+
+TEST_F(KeysetCommandTest, ExportAndImportKeysetFiles)
+{
+    const QString file = home.path() + QStringLiteral("/Editor.CvKs");
+    c().setSelectedKeyset(1);
+    views.savePanelAnswers.push_back(file);
+    c().handleExportKeyset();
+    ASSERT_EQ(views.proposedNames.size(), 1u);
+    EXPECT_EQ(views.proposedNames[0], QStringLiteral("Editor.CvKs"));
+    ASSERT_TRUE(QFile::exists(file));
+
+    // Not keysets: the alert names the file and why; nothing changes, nothing is sent.
+    const QString list = home.path() + QStringLiteral("/list.CvKs");
+    writeFile(list, PlistCodec::write(PlistValue::makeArray()));
+    const QString cut = home.path() + QStringLiteral("/cut.CvKs");
+    QFile source(file);
+    ASSERT_TRUE(source.open(QIODevice::ReadOnly));
+    writeFile(cut, source.readAll().left(300));
+    qsizetype from = mark();
+    for (const QString& bad : {list, cut}) {
+        LogCapture log;
+        views.openPanelAnswers.push_back(bad);
+        c().handleImportKeyset();
+        EXPECT_TRUE(
+            log.lines().filter(QStringLiteral("handleImportKeyset exception name:")).size() == 1);
+        ASSERT_FALSE(views.alerts.empty());
+        EXPECT_TRUE(views.alerts.back().informativeText.contains(QFileInfo(bad).fileName()));
+    }
+    EXPECT_EQ(views.openPanelTypes.back(), QStringList{QStringLiteral("CvKs")});
+    EXPECT_EQ(keysets(), 4);
+
+    // The keyset is there already: replaced only when asked to.
+    views.alertAnswers = {1};
+    views.openPanelAnswers.push_back(file);
+    c().handleImportKeyset();
+    views.alertAnswers = {0};
+    views.openPanelAnswers.push_back(file);
+    c().setSelectedKeyset(3);
+    c().handleImportKeyset();
+    EXPECT_EQ(views.alerts.back().buttons,
+              (QStringList{QStringLiteral("Replace Existing Keyset"),
+                           QStringLiteral("Don't Replace Existing Keyset")}));
+    EXPECT_EQ(keysets(), 4);
+    EXPECT_EQ(c().selectedKeyset(), 1);
+    ASSERT_TRUE(waitForCount(QStringLiteral("TUpK"), 1, from));
+    EXPECT_TRUE(received(QStringLiteral("TAdK"), from).empty());
+
+    // Gone from the list, it comes back as a new keyset at the end.
+    views.alertAnswers = {0};
+    c().handleDeleteKeyset();
+    views.openPanelAnswers.push_back(file);
+    c().handleImportKeyset();
+    EXPECT_EQ(keysets(), 4);
+    EXPECT_EQ(c().modelData()->keysetAtIndex(3)->name(), QStringLiteral("Editor"));
+    EXPECT_TRUE(serviceInStep());
+}
+
+TEST_F(KeysetCommandTest, KeysetSwapsUndoAndRedoWithTheServiceInStep)
+{
+    c().setSelectedKeyset(1);
+    c().handleCopyKeyset();
+    c().setSelectedKeyset(3);
+    TVKKeyset* grader = c().modelData()->keysetAtIndex(3);
+    grader->setEmulationMode(1);
+
+    struct Step
+    {
+        std::function<void()> run;
+        QString name;
+    };
+    const std::vector<Step> steps = {
+        {[&] { c().handlePasteKeyset(); }, QStringLiteral("Paste Keyset")},
+        {[&] { c().handleClearKeyset(); }, QStringLiteral("Clear Keyset")},
+        {[&] { c().handleSetAllMenuItems(1); }, QStringLiteral("Set All Controls to Native MIDI")},
+        {[&] { c().handleEmulationMenu(0); }, QStringLiteral("Disable Emulation")},
+    };
+    for (const Step& step : steps) {
+        SCOPED_TRACE(step.name.toStdString());
+        const TVKKeyset* before = c().modelData()->keysetAtIndex(3);
+        const qsizetype from = mark();
+        step.run();
+        const TVKKeyset* after = c().modelData()->keysetAtIndex(3);
+        ASSERT_NE(after, before);
+        // Which application the keyset serves never changes.
+        EXPECT_EQ(after->name(), QStringLiteral("Grader"));
+        EXPECT_EQ(after->signature(), fourCC("GrAd"));
+        EXPECT_EQ(c().undoManager().undoActionName(), step.name);
+        EXPECT_TRUE(serviceInStep());
+        c().undoManager().undo();
+        EXPECT_EQ(c().modelData()->keysetAtIndex(3), before);
+        EXPECT_EQ(c().undoManager().redoActionName(), step.name);
+        EXPECT_TRUE(serviceInStep());
+        c().undoManager().redo();
+        EXPECT_EQ(c().modelData()->keysetAtIndex(3), after);
+        EXPECT_TRUE(serviceInStep());
+        EXPECT_EQ(received(QStringLiteral("TUpK"), from).size(), 3u);
+    }
+    // Paste kept the icon and target of the keyset pasted into; clear keeps neither.
+    c().undoManager().undo();
+    c().undoManager().undo();
+    c().undoManager().undo();
+    EXPECT_EQ(c().modelData()->keysetAtIndex(3)->targetID(), grader->targetID());
+}
+
+TEST_F(KeysetCommandTest, DeleteAsksFirstAndUndoPutsTheKeysetBack)
+{
+    c().setSelectedKeyset(3);
+    views.alertAnswers = {1};
+    c().handleDeleteKeyset();
+    EXPECT_EQ(keysets(), 4) << "Don't Delete";
+    EXPECT_EQ(views.alerts.back().informativeText,
+              QStringLiteral("Do you really want to delete the keyset \"Grader\"?"));
+
+    const qsizetype from = mark();
+    TVKKeyset* grader = c().modelData()->keysetAtIndex(3);
+    views.alertAnswers = {0};
+    c().handleDeleteKeyset();
+    EXPECT_EQ(keysets(), 3);
+    EXPECT_EQ(c().selectedKeyset(), 2) << "the last keyset's deletion selects the one before";
+    EXPECT_EQ(c().keysetsMenu().size(), 4u);
+    EXPECT_TRUE(serviceInStep());
+    c().undoManager().undo();
+    EXPECT_EQ(keysets(), 4);
+    EXPECT_EQ(c().modelData()->keysetAtIndex(3), grader);
+    EXPECT_EQ(c().selectedKeyset(), 3);
+    EXPECT_TRUE(serviceInStep());
+    c().undoManager().redo();
+    EXPECT_EQ(keysets(), 3);
+    EXPECT_TRUE(serviceInStep());
+    EXPECT_EQ(received(QStringLiteral("TDlK"), from).size(), 2u);
+    EXPECT_EQ(received(QStringLiteral("TAdK"), from).size(), 1u);
+
+    // A middle keyset: the same index now shows the next one. Keyset 0 is never deleted.
+    c().setSelectedKeyset(1);
+    c().handleDeleteKeyset();
+    EXPECT_EQ(c().selectedKeyset(), 1);
+    EXPECT_EQ(c().modelData()->keysetAtIndex(1)->name(), QStringLiteral("Mixer"));
+    c().setSelectedKeyset(0);
+    c().handleDeleteKeyset();
+    EXPECT_EQ(keysets(), 2);
+    EXPECT_TRUE(serviceInStep());
+}
+
+TEST_F(KeysetCommandTest, KeysetsMenuFollowsTheListAndSelects)
+{
+    const std::vector<QAction*>& menu = c().keysetsMenu();
+    ASSERT_EQ(menu.size(), 5u);
+    const QString fixedTitle = menu[1]->text();
+    EXPECT_EQ(menu[2]->text(), QStringLiteral("Editor"));
+    EXPECT_EQ(TVKMenuItems::tag(menu[3]), qint64(fourCC("????"))) << "no signature";
+
+    c().handleKeysetsMenu(menu[3]);
+    EXPECT_EQ(c().selectedKeyset(), 2) << "found by its title";
+    c().handleKeysetsMenu(menu[4]);
+    EXPECT_EQ(c().selectedKeyset(), 3) << "found by its signature";
+    c().validateMenuItems();
+    EXPECT_TRUE(menu[4]->isChecked());
+    EXPECT_FALSE(menu[2]->isChecked());
+
+    for (int i = 0; i < 2; ++i)
+        c().modelData()->addKeysetWithName(QStringLiteral("More %1").arg(i), 0);
+    c().updateKeysetsMenu();
+    EXPECT_EQ(menu.size(), 7u);
+    while (keysets() > 2)
+        c().modelData()->deleteKeysetAtIndex(keysets() - 1);
+    c().updateKeysetsMenu();
+    ASSERT_EQ(menu.size(), 3u);
+    EXPECT_EQ(menu[1]->text(), fixedTitle) << "keyset 0's item keeps its title";
+    EXPECT_EQ(menu[2]->text(), QStringLiteral("Editor"));
+}
+
+TEST_F(KeysetCommandTest, MenuItemsFollowTheSelectedKeysetAndItsLock)
+{
+    const auto item = [&](TVKMenuCommand command, qint64 tag = 0) {
+        QAction* action = c().menuItem(command, tag);
+        c().validateMenuItems();
+        return action;
+    };
+    EXPECT_FALSE(item(TVKMenuCommand::HandleExportKeyset)->isEnabled()) << "keyset 0";
+    EXPECT_FALSE(item(TVKMenuCommand::HandleDeleteKeyset)->isEnabled());
+    EXPECT_FALSE(item(TVKMenuCommand::HandleOwnerMenu)->isEnabled());
+    EXPECT_TRUE(item(TVKMenuCommand::HandleCopyKeyset)->isEnabled());
+
+    c().setSelectedKeyset(1);
+    EXPECT_EQ(item(TVKMenuCommand::HandleLockUnlockMenu)->text(),
+              QStringLiteral("Lock Editor keyset"));
+    EXPECT_EQ(item(TVKMenuCommand::HandlePasteKeyset)->text(),
+              QStringLiteral("Paste to Editor keyset"));
+    EXPECT_EQ(item(TVKMenuCommand::HandleDeleteKeyset)->text(),
+              QStringLiteral("Delete Editor keyset"));
+    EXPECT_EQ(item(TVKMenuCommand::HandleOwnerMenu)->text(),
+              QStringLiteral("Set Editor as Control Surface Owner"));
+    EXPECT_EQ(item(TVKMenuCommand::ShowAppPortPanel)->text(),
+              QStringLiteral("Set Ethernet Port for Editor Keyset"));
+    EXPECT_FALSE(item(TVKMenuCommand::HandleSetAllMenuItems, 3)->isEnabled()) << "no Ethernet";
+    EXPECT_FALSE(item(TVKMenuCommand::HandleSetAllMenuItems, 2)->isEnabled()) << "no emulation";
+    EXPECT_TRUE(item(TVKMenuCommand::HandleEmulationMenu, 0)->isChecked());
+
+    const qsizetype from = mark();
+    c().handleOwnerMenu();
+    c().setSelectedKeyset(2);
+    EXPECT_EQ(item(TVKMenuCommand::HandleOwnerMenu)->text(),
+              QStringLiteral("Remove Editor as Control Surface Owner"))
+        << "names the owner, not the selected keyset";
+    c().handleOwnerMenu();
+    ASSERT_TRUE(waitForCount(QStringLiteral("TChO"), 2, from));
+    EXPECT_FALSE(c().modelData()->controlSurfaceHasOwnerKeyset());
+
+    c().handleEmulationMenu(2);
+    EXPECT_TRUE(item(TVKMenuCommand::HandleSetAllMenuItems, 2)->isEnabled());
+    EXPECT_TRUE(item(TVKMenuCommand::HandleEmulationMenu, 2)->isChecked());
+    ASSERT_TRUE(waitForCount(QStringLiteral("Emul"), 1, from));
+
+    c().handleLockUnlockMenu();
+    EXPECT_TRUE(views.lockButton);
+    EXPECT_EQ(item(TVKMenuCommand::HandleLockUnlockMenu)->text(),
+              QStringLiteral("Unlock Mixer keyset"));
+    for (const TVKMenuCommand locked :
+         {TVKMenuCommand::HandlePasteKeyset, TVKMenuCommand::HandleClearKeyset,
+          TVKMenuCommand::HandleDeleteKeyset, TVKMenuCommand::HandleDefaultOneTouchRecord,
+          TVKMenuCommand::ReverseRBButtons})
+        EXPECT_FALSE(item(locked)->isEnabled());
+    EXPECT_FALSE(item(TVKMenuCommand::HandleEmulationMenu, 1)->isEnabled());
+    c().handleLockUnlockButton(false);
+    EXPECT_TRUE(item(TVKMenuCommand::HandleClearKeyset)->isEnabled());
+    EXPECT_TRUE(views.lockButton) << "the button's own handler leaves the button alone";
+    EXPECT_TRUE(serviceInStep());
+}

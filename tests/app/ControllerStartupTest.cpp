@@ -1,0 +1,287 @@
+#include "ControllerFixture.h"
+#include "TestConfig.h"
+#include "app/TVKRecoveryJournal.h"
+#include "core/Log.h"
+#include "core/Notifications.h"
+#include "core/PlistCodec.h"
+#include "core/TVKUserDefaults.h"
+#include "model/CorvaneModelData.h"
+#include "model/TVKKeyset.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <csignal>
+
+using namespace corvane;
+using namespace corvane::test;
+
+namespace {
+
+std::unique_ptr<CorvaneModelData> threeKeysets()
+{
+    auto model = std::make_unique<CorvaneModelData>();
+    model->addKeysetWithName(QStringLiteral("Editor"), fourCC("EdIt"));
+    model->addKeysetWithName(QStringLiteral("Mixer"), 0, QStringLiteral("org.example.mixer"));
+    return model;
+}
+
+} // namespace
+
+TEST_F(ControllerTest, StartsFromTheStoreAndTakesOverTheSelectionTheServiceHolds)
+{
+    storeConfiguration(*threeKeysets());
+    ASSERT_TRUE(startService());
+    // An earlier run left the service with keyset 2, layer 1 and a control selected.
+    {
+        CorvaneController& first = startController();
+        first.setSelectedKeyset(2);
+        first.setSelectedLayer(1);
+        first.hardwareControlChangeForGroup(1, 3, 0, 1);
+        ASSERT_TRUE(waitForCount(QStringLiteral("TCtl"), 2, 0));
+        controller.reset();
+    }
+    const qsizetype from = mark();
+    CorvaneController& c = startController();
+    EXPECT_TRUE(waitForCount(QStringLiteral("RqCC"), 1, from));
+    EXPECT_EQ(c.modelData()->numberOfKeysets(), 3);
+    EXPECT_EQ(c.selectedKeyset(), 2);
+    EXPECT_EQ(c.selectedLayer(), 1);
+    EXPECT_EQ(c.modelDataGroupIndex(), 1);
+    EXPECT_EQ(c.modelDataControlIndex(), 3);
+    EXPECT_EQ(c.modelData()->selectedKeysetIndex(), 2);
+    EXPECT_EQ(c.modelData()->selectedControlIndex(), 3);
+    EXPECT_EQ(views.keysetName, QStringLiteral("Mixer"));
+    // No icon of its own: the generic one, 32 x 32.
+    EXPECT_EQ(views.keysetIcon.size(), QSize(32, 32));
+    // The first connection check runs at the end of start-up, and the finish is shown.
+    EXPECT_TRUE(waitForCount(QStringLiteral("Cnct"), 1, from));
+    ASSERT_FALSE(views.hardwareImages.empty());
+    EXPECT_EQ(views.hardwareImages.back(), QStringLiteral("CorvaneRS_Midnight.png"));
+}
+
+TEST_F(ControllerTest, InstallationCheckRunsOnceInEitherWakeUpOrder)
+{
+    for (const bool windowFirst : {false, true}) {
+        SCOPED_TRACE(windowFirst ? "window first" : "controller first");
+        views = ScriptedViews();
+        controller = std::make_unique<CorvaneController>();
+        controller->setViews(views.interfaces());
+        views.existing.insert(TVKWindow::Main);
+        if (windowFirst)
+            controller->windowIsAwake();
+        controller->awakeFromNib();
+        if (!windowFirst)
+            controller->windowIsAwake();
+        EXPECT_EQ(views.installs, 0);
+        controller->windowDidBecomeKey(TVKWindow::Main);
+        EXPECT_EQ(views.installs, 0) << "launching has not finished";
+        controller->applicationDidFinishLaunching();
+        EXPECT_EQ(views.installs, 1);
+        controller->windowDidBecomeKey(TVKWindow::Main);
+        controller->applicationDidFinishLaunching();
+        EXPECT_EQ(views.installs, 1);
+        EXPECT_TRUE(views.installNeedsSetup);
+        EXPECT_EQ(views.installNames.driverName,
+                  QStringLiteral("CorvaneEthernetMIDIDriver.plugin"));
+        EXPECT_TRUE(views.installNames.applicationName.isEmpty()) << "fetched but not passed";
+        // The accessibility query goes 20 points into the main window.
+        ASSERT_EQ(views.axQueries.size(), 1u);
+        EXPECT_EQ(views.axQueries.front(), QPointF(120, 70));
+        controller.reset();
+    }
+}
+
+TEST_F(ControllerTest, UnreadableStoreIsMovedAsideAndNeverWrittenOver)
+{
+    QDir().mkpath(QFileInfo(storePath).path());
+    const QByteArray damaged = "<?xml version=\"1.0\"?><plist><dict><key>TVKModelData";
+    {
+        QFile file(storePath);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(damaged);
+    }
+    CorvaneController& c = startController();
+    ASSERT_EQ(views.alerts.size(), 1u);
+    EXPECT_EQ(views.alerts[0].message,
+              QStringLiteral("The Stored Configuration Could Not Be Read"));
+    const QStringList aside = QDir(QFileInfo(storePath).path())
+                                  .entryList({QStringLiteral("*.unreadable-*")}, QDir::Files);
+    ASSERT_EQ(aside.size(), 1);
+    EXPECT_TRUE(views.alerts[0].informativeText.contains(aside.first()));
+    QFile moved(QFileInfo(storePath).path() + u'/' + aside.first());
+    ASSERT_TRUE(moved.open(QIODevice::ReadOnly));
+    EXPECT_EQ(moved.readAll(), damaged);
+    EXPECT_EQ(c.modelData()->numberOfKeysets(), 1);
+    EXPECT_EQ(c.modelData()->keysetAtIndex(0)->name(), QStringLiteral("Default"));
+    c.handleTerminateMessage();
+    EXPECT_EQ(TVKUserDefaults(storePath).state(), TVKUserDefaults::State::Loaded);
+}
+
+TEST_F(ControllerTest, QuittingWritesTheConfigurationAndTheGlobalSettings)
+{
+    CorvaneController& c = startController();
+    c.modelData()->addKeysetWithName(QStringLiteral("Grader"), fourCC("GrAd"));
+    c.setIpAddress(QStringLiteral("10.0.0.7"));
+    c.setEthernetPort(4321);
+    c.handleTerminateMessage();
+    c.handleTerminateMessage(); // once only
+    const TVKUserDefaults store(storePath);
+    ASSERT_EQ(store.state(), TVKUserDefaults::State::Loaded);
+    EXPECT_EQ(CorvaneModelData(store.objectForKey(u"TVKModelData")).numberOfKeysets(), 2);
+    EXPECT_EQ(store.objectForKey(u"TVKIPAdr").toString(), QStringLiteral("10.0.0.7"));
+    EXPECT_EQ(store.objectForKey(u"TVKEnetPrt").toInteger(), 4321);
+    EXPECT_EQ(store.objectForKey(u"TVKStandaloneTLW").toInteger(), 0);
+}
+
+TEST_F(ControllerTest, StandaloneTLWInTheStoreAloneDoesNotOpenItsWindow)
+{
+    PlistValue globals = PlistValue::makeDict();
+    globals.insert(QStringLiteral("TVKStandaloneTLW"), PlistValue(qint64(1)));
+    globals.insert(QStringLiteral("TVKStandaloneTL"), PlistValue(qint64(1)));
+    storeConfiguration(CorvaneModelData(), globals);
+    CorvaneController& c = startController();
+    c.windowDidBecomeKey(TVKWindow::Main);
+    EXPECT_TRUE(c.corvaneModelData()->standaloneTL());
+    EXPECT_FALSE(c.corvaneModelData()->standaloneTLW());
+    EXPECT_EQ(std::count(views.shown.begin(), views.shown.end(), TVKWindow::TL), 1);
+    EXPECT_EQ(std::count(views.shown.begin(), views.shown.end(), TVKWindow::TLW), 0);
+}
+
+TEST_F(ControllerTest, NVStandaloneOpensItsWindowAndSelectsItsFirstGroup)
+{
+    CorvaneModelData model;
+    model.setStandaloneNV(true);
+    storeConfiguration(model);
+    CorvaneController& c = startController();
+    c.windowDidBecomeKey(TVKWindow::Main);
+    EXPECT_EQ(std::count(views.shown.begin(), views.shown.end(), TVKWindow::NV), 1);
+    EXPECT_EQ(views.key, TVKWindow::NV);
+    EXPECT_EQ(c.selectedGroup(), 40);
+    EXPECT_EQ(c.selectedControl(), 0);
+    c.handleMainWindowChange(TVKWindow::NV);
+    EXPECT_TRUE(views.nvMenuShown);
+    c.handleMainWindowChange(TVKWindow::Main);
+    EXPECT_FALSE(views.nvMenuShown);
+}
+
+// --- The application process ended by a signal, or killed ---------------------------------------
+
+namespace {
+
+class Driver
+{
+public:
+    explicit Driver(const QString& home)
+    {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("XDG_CONFIG_HOME"), home + QStringLiteral("/config"));
+        env.insert(QStringLiteral("XDG_DATA_HOME"), home + QStringLiteral("/data"));
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        m_process.setProcessEnvironment(env);
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_process.start(QStringLiteral(CORVANE_BINARY_DIR "/tests/app/corvane-controller-driver"));
+    }
+    ~Driver()
+    {
+        if (m_process.state() != QProcess::NotRunning) {
+            m_process.kill();
+            m_process.waitForFinished();
+        }
+    }
+
+    // Runs one command and waits for its answer; the lines before it are kept.
+    bool run(const QString& command)
+    {
+        m_process.write(command.toUtf8() + '\n');
+        return waitFor(QStringLiteral("ok ") + command.section(QLatin1Char(' '), 0, 0));
+    }
+    bool waitFor(const QString& line)
+    {
+        while (!m_lines.contains(line)) {
+            if (!m_process.waitForReadyRead(10000))
+                return false;
+            while (m_process.canReadLine())
+                m_lines << QString::fromUtf8(m_process.readLine()).trimmed();
+        }
+        return true;
+    }
+    const QStringList& lines() const { return m_lines; }
+    QProcess& process() { return m_process; }
+
+private:
+    QProcess m_process;
+    QStringList m_lines;
+};
+
+PlistValue readConfiguration(const QString& path)
+{
+    const PlistReadResult read = PlistCodec::readFile(path);
+    return read.ok ? read.value : PlistValue();
+}
+
+const QStringList kEdits = {
+    QStringLiteral("select 0 2"), QStringLiteral("latch 1 1"),       QStringLiteral("color 37 0"),
+    QStringLiteral("name Punch"), QStringLiteral("delete-action 1"), QStringLiteral("set-all 1"),
+    QStringLiteral("undo"),       QStringLiteral("set-all 0"),       QStringLiteral("emulation 2"),
+    QStringLiteral("layer 2"),    QStringLiteral("latch 1 0"),       QStringLiteral("undo"),
+    QStringLiteral("redo")};
+
+} // namespace
+
+TEST_F(ControllerTest, KilledAfterEditsTheNextStartRecoversEveryOne)
+{
+    storeConfiguration(*threeKeysets());
+    const QString before = home.path() + QStringLiteral("/before.plist");
+    {
+        Driver driver(home.path());
+        ASSERT_TRUE(driver.waitFor(QStringLiteral("ready")));
+        ASSERT_TRUE(driver.run(QStringLiteral("keyset 1")));
+        for (const QString& edit : kEdits)
+            ASSERT_TRUE(driver.run(edit)) << edit.toStdString();
+        ASSERT_TRUE(driver.run(QStringLiteral("dump ") + before));
+        ::kill(pid_t(driver.process().processId()), SIGKILL);
+        driver.process().waitForFinished();
+    }
+    const PlistValue edited = readConfiguration(before);
+    ASSERT_TRUE(edited.isDict());
+    EXPECT_NE(servicePart(edited), servicePart(readConfiguration(storePath).value(u"TVKModelData")))
+        << "the store was not written before the kill";
+
+    const QString after = home.path() + QStringLiteral("/after.plist");
+    Driver second(home.path());
+    ASSERT_TRUE(second.waitFor(QStringLiteral("ready")));
+    ASSERT_TRUE(second.run(QStringLiteral("dump ") + after));
+    EXPECT_TRUE(second.lines().filter(QStringLiteral("alert Unsaved Edits Recovered")).size() == 1)
+        << second.lines().join(u'\n').toStdString();
+    const PlistValue recovered = readConfiguration(after);
+    EXPECT_EQ(readablePart(recovered.value(u"TVKKeysets")),
+              readablePart(edited.value(u"TVKKeysets")));
+    // Made safe at once: the store holds it and the journal starts again.
+    EXPECT_EQ(
+        readablePart(TVKUserDefaults(storePath).objectForKey(u"TVKModelData").value(u"TVKKeysets")),
+        readablePart(edited.value(u"TVKKeysets")));
+    EXPECT_TRUE(
+        TVKRecoveryJournal(TVKRecoveryJournal::pathBeside(storePath)).read().records.empty());
+}
+
+TEST_F(ControllerTest, TerminationSignalsWriteTheStoreOnceAndExitCleanly)
+{
+    for (const int signalNumber : {SIGTERM, SIGINT, SIGHUP}) {
+        SCOPED_TRACE(signalNumber);
+        const QString dump = home.path() + QStringLiteral("/live-%1.plist").arg(signalNumber);
+        Driver driver(home.path());
+        ASSERT_TRUE(driver.waitFor(QStringLiteral("ready")));
+        ASSERT_TRUE(driver.run(QStringLiteral("set-all %1").arg(signalNumber % 2)));
+        ASSERT_TRUE(driver.run(QStringLiteral("latch 1 1")));
+        ASSERT_TRUE(driver.run(QStringLiteral("dump ") + dump));
+        ::kill(pid_t(driver.process().processId()), signalNumber);
+        ASSERT_TRUE(driver.process().waitForFinished(10000));
+        EXPECT_EQ(driver.process().exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(driver.process().exitCode(), 0);
+        EXPECT_EQ(TVKUserDefaults(storePath).objectForKey(u"TVKModelData").value(u"TVKKeysets"),
+                  readConfiguration(dump).value(u"TVKKeysets"));
+        EXPECT_TRUE(
+            TVKRecoveryJournal(TVKRecoveryJournal::pathBeside(storePath)).read().records.empty());
+    }
+}
