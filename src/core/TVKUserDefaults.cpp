@@ -24,6 +24,7 @@ TVKUserDefaults::State TVKUserDefaults::reload()
 {
     m_values = PlistValue::makeDict();
     m_error.clear();
+    m_changed = false;
     const QFileInfo info(m_path);
     if (!info.exists() && !info.isSymLink()) {
         m_state = State::Missing;
@@ -50,12 +51,18 @@ const PlistValue& TVKUserDefaults::objectForKey(QStringView key) const
 
 void TVKUserDefaults::setObject(const QString& key, PlistValue object)
 {
+    if (m_values.contains(key) && m_values.value(key) == object)
+        return;
     m_values.insert(key, std::move(object));
+    m_changed = true;
 }
 
 void TVKUserDefaults::removeObjectForKey(QStringView key)
 {
+    if (!m_values.contains(key))
+        return;
     m_values.remove(key);
+    m_changed = true;
 }
 
 bool TVKUserDefaults::synchronize(QString* errorMessage)
@@ -65,6 +72,9 @@ bool TVKUserDefaults::synchronize(QString* errorMessage)
             *errorMessage = QStringLiteral("%1 could not be read and is left as it is").arg(m_path);
         return false;
     }
+    // The file already holds every value: writing it again would change nothing.
+    if (m_state == State::Loaded && !m_changed && QFileInfo::exists(m_path))
+        return true;
     const QString folder = QFileInfo(m_path).absolutePath();
     if (!QDir().mkpath(folder)) {
         if (errorMessage)
@@ -74,6 +84,7 @@ bool TVKUserDefaults::synchronize(QString* errorMessage)
     if (!PlistCodec::writeFile(m_path, m_values, PlistFormat::Xml, errorMessage))
         return false;
     m_state = State::Loaded;
+    m_changed = false;
     return true;
 }
 

@@ -44,7 +44,8 @@ public:
     // The whole store.
     const PlistValue& dictionary() const { return m_values; }
 
-    // Writes the store to its file atomically (XML), creating its folder when missing. False,
+    // Writes the store to its file atomically (XML), creating its folder when missing; a store
+    // whose file already holds every value is not written again. False,
     // with the reason in errorMessage, when the write failed or the file is unreadable and still
     // in place; the file then keeps its previous contents.
     bool synchronize(QString* errorMessage = nullptr);
@@ -59,6 +60,7 @@ private:
     PlistValue m_values;
     State m_state = State::Missing;
     QString m_error;
+    bool m_changed = false;
 };
 
 } // namespace corvane

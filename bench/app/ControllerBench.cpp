@@ -1,0 +1,297 @@
+// The controller against a service over the real sockets: how long start-up takes to the first
+// connection check, how fast a touch on the surface comes back as the two highlight messages,
+// what an edit copied to all layers and its undo cost, how long quitting takes with fifty
+// keysets, and one record of the recovery journal.
+#include "ConfigGenerator.h"
+#include "actions/TVKMIDIAction.h"
+#include "app/CorvaneController.h"
+#include "app/TVKRecoveryJournal.h"
+#include "core/Notifications.h"
+#include "core/PlistCodec.h"
+#include "core/TVKUserDefaults.h"
+#include "model/CorvaneModelData.h"
+#include "model/TVKControl.h"
+#include "service/MessageCatalogue.h"
+#include "service/MessagePort.h"
+#include "service/TVK_MessageSpecs.h"
+
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <chrono>
+#include <vector>
+
+namespace msg = corvane::msg;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+double residentKB()
+{
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    if (!statm.open(QIODevice::ReadOnly))
+        return 0;
+    const QList<QByteArray> fields = statm.readAll().split(' ');
+    return fields.size() > 1 ? fields[1].toDouble() * 4.0 : 0;
+}
+
+void percentiles(benchmark::State& state, std::vector<double> micros, const char* prefix = "")
+{
+    if (micros.empty())
+        return;
+    std::sort(micros.begin(), micros.end());
+    state.counters[std::string(prefix) + "median_us"] = micros[micros.size() / 2];
+    state.counters[std::string(prefix) + "p99_us"] =
+        micros[std::min(micros.size() - 1, micros.size() * 99 / 100)];
+}
+
+double since(Clock::time_point start)
+{
+    return std::chrono::duration<double, std::micro>(Clock::now() - start).count();
+}
+
+// A private configuration folder and port folder, with a store holding the configuration.
+class Home
+{
+public:
+    explicit Home(const corvane::PlistValue& configuration = {})
+    {
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_dir.path()));
+        qputenv("TVK_PORT_DIR", QFile::encodeName(m_dir.path()));
+        if (configuration.isDict()) {
+            corvane::TVKUserDefaults store;
+            store.setObject(QStringLiteral("TVKModelData"), configuration);
+            store.synchronize();
+        }
+    }
+    QString path() const { return m_dir.path(); }
+
+private:
+    QTemporaryDir m_dir;
+};
+
+const corvane::PlistValue& fiftyKeysets()
+{
+    static const corvane::PlistValue configuration = [] {
+        corvane::PlistValue dict = corvane::PlistValue::makeDict();
+        corvane::ConfigGenerator().generateConfiguration(50)->writeTo(dict);
+        return dict;
+    }();
+    return configuration;
+}
+
+const corvane::PlistValue& sample()
+{
+    static const corvane::PlistValue configuration =
+        corvane::PlistCodec::readFile(QStringLiteral(CORVANE_SAMPLE)).value;
+    return configuration;
+}
+
+// Start-up as the application runs it, to the first "Cnct" answered by the simulator.
+void startup(benchmark::State& state, const corvane::PlistValue& configuration)
+{
+    Home home(configuration);
+    QProcess sim;
+    sim.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    sim.start(QStringLiteral(CORVANE_SERVICE_SIM), {QStringLiteral("--quiet")});
+    const QDeadlineTimer deadline(30000);
+    while (!sim.readAllStandardOutput().contains("listening") && !deadline.hasExpired())
+        sim.waitForReadyRead(100);
+    std::vector<double> micros;
+    for (auto _ : state) {
+        const Clock::time_point start = Clock::now();
+        auto controller = std::make_unique<CorvaneController>();
+        controller->awakeFromNib(); // ends with the first connection check
+        micros.push_back(since(start));
+        if (!controller->connected())
+            state.SkipWithError("the simulator did not answer");
+        state.PauseTiming();
+        controller.reset();
+        QCoreApplication::processEvents();
+        state.ResumeTiming();
+    }
+    percentiles(state, micros);
+    sim.closeWriteChannel();
+    sim.waitForFinished(5000);
+}
+
+void BM_StartupFiftyKeysets(benchmark::State& state)
+{
+    startup(state, fiftyKeysets());
+}
+BENCHMARK(BM_StartupFiftyKeysets)->Iterations(5)->Unit(benchmark::kMillisecond);
+
+void BM_StartupSample(benchmark::State& state)
+{
+    startup(state, sample());
+}
+BENCHMARK(BM_StartupSample)->Iterations(10)->Unit(benchmark::kMillisecond);
+
+// The service played in this process over the real sockets: it answers the controller's
+// requests and counts the highlight messages that come back.
+class InProcessService
+{
+public:
+    InProcessService()
+    {
+        m_port = corvane::LocalMessagePort::create(
+            QStringLiteral("TVK_Corvane"),
+            [this](corvane::LocalMessagePort*, const corvane::MessageFrame& frame) {
+                if (frame.code == msg::MPCn && !m_application)
+                    m_application =
+                        corvane::RemoteMessagePort::create(QStringLiteral("TVK_MessagePort_Crvn"));
+                if (frame.code == msg::RqCC)
+                    return QByteArray(16, '\0');
+                if (frame.code == msg::Cnct)
+                    return TVK_OneIntSpec(1).data();
+                if (frame.code == msg::TCtl)
+                    ++echoes;
+                return QByteArray();
+            });
+    }
+    bool touch(std::uint32_t group, std::uint32_t control)
+    {
+        const TVK_OutgoingControlStateSpec body{group, control, 0, 1};
+        return m_application && m_application->send(msg::TCtl, body.data(), 50) ==
+                                    corvane::RemoteMessagePort::Status::Success;
+    }
+    int echoes = 0;
+
+private:
+    std::unique_ptr<corvane::LocalMessagePort> m_port;
+    std::shared_ptr<corvane::RemoteMessagePort> m_application;
+};
+
+void BM_TouchToBothEchoes(benchmark::State& state)
+{
+    Home home;
+    InProcessService service;
+    CorvaneController controller;
+    controller.awakeFromNib();
+    constexpr int touches = 10000;
+    std::vector<double> micros;
+    micros.reserve(touches);
+    double before = 0;
+    for (auto _ : state) {
+        micros.clear();
+        for (int i = 0; i < touches; ++i) {
+            if (i == 1000)
+                before = residentKB();
+            const int target = service.echoes + 2;
+            const Clock::time_point start = Clock::now();
+            if (!service.touch(1, std::uint32_t(i % 2 ? 3 : 4))) {
+                state.SkipWithError("the application's port is not there");
+                return;
+            }
+            while (service.echoes < target)
+                QCoreApplication::processEvents(QEventLoop::AllEvents);
+            micros.push_back(since(start));
+        }
+    }
+    percentiles(state, micros);
+    state.counters["rss_growth_kB"] = residentKB() - before;
+}
+BENCHMARK(BM_TouchToBothEchoes)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+// An edit copied to all four layers and its undo, with no service to write to.
+void BM_EditAllLayersAndUndo(benchmark::State& state)
+{
+    Home home;
+    CorvaneController controller;
+    controller.awakeFromNib();
+    controller.hardwareControlChangeForGroup(1, 3, 0, 1);
+    TVKButtonMIDIAction edited(controller.modelData()->controlForKeyset(0, 0, 1, 3));
+    struct Edited final : TVKDialogs, TVKWindows
+    {
+        const TVKAction* action = nullptr;
+        QString runOpenPanel(const QStringList&) override { return {}; }
+        QString runSavePanel(const QString&, const QString&) override { return {}; }
+        int runAlert(const TVKAlert&) override { return 0; }
+        std::optional<corvane::DesktopApplication>
+        chooseApplication(const std::vector<corvane::DesktopApplication>&) override
+        {
+            return std::nullopt;
+        }
+        bool exists(TVKWindow) const override { return false; }
+        bool isVisible(TVKWindow) const override { return false; }
+        bool isKey(TVKWindow) const override { return false; }
+        void show(TVKWindow) override {}
+        void makeKeyAndOrderFront(TVKWindow) override {}
+        void close(TVKWindow) override {}
+        std::optional<QPointF> mainWindowOrigin() const override { return std::nullopt; }
+        void showKeysetName(const QString&) override {}
+        void showKeysetIcon(const QImage&) override {}
+        void setLockButtonState(bool) override {}
+        void showHardwareImage(const QString&) override {}
+        void showCorvaneNVMenu(bool) override {}
+        const TVKAction* inspectorEditedAction() const override { return action; }
+        CorvaneNVWindowCommands* corvaneNVWindow() const override { return nullptr; }
+    } views;
+    views.action = &edited;
+    controller.setViews({&views, &views, nullptr, nullptr});
+    std::vector<double> edits;
+    std::vector<double> undos;
+    const QVariantMap copy{{corvane::info::CopyToLayers, true}};
+    for (auto _ : state) {
+        Clock::time_point start = Clock::now();
+        corvane::NotificationCenter::defaultCenter().post(corvane::note::InsertEditedAction,
+                                                          nullptr, copy);
+        edits.push_back(since(start));
+        start = Clock::now();
+        controller.undoManager().undo();
+        undos.push_back(since(start));
+    }
+    percentiles(state, edits, "edit_");
+    percentiles(state, undos, "undo_");
+}
+BENCHMARK(BM_EditAllLayersAndUndo)->Iterations(2000)->Unit(benchmark::kMicrosecond);
+
+// Quitting with fifty keysets: the store written, flushed and the journal emptied.
+void BM_QuitFiftyKeysets(benchmark::State& state)
+{
+    Home home(fiftyKeysets());
+    CorvaneController controller;
+    controller.awakeFromNib();
+    for (auto _ : state) {
+        // An edit since the last write, as on every real quit.
+        controller.modelData()->setOneTouchRecordDefault(
+            !controller.modelData()->oneTouchRecordDefault());
+        if (!controller.writeDataToDefaults())
+            state.SkipWithError("the store was not written");
+    }
+}
+BENCHMARK(BM_QuitFiftyKeysets)->Iterations(5)->Unit(benchmark::kMillisecond);
+
+void BM_JournalAppend(benchmark::State& state)
+{
+    QTemporaryDir dir;
+    TVKRecoveryJournal journal(dir.filePath(QStringLiteral("journal")));
+    journal.open();
+    // A typical action message: a key sequence's dictionary with its indices.
+    const QByteArray body(420, 'k');
+    std::vector<double> micros;
+    for (auto _ : state) {
+        const Clock::time_point start = Clock::now();
+        journal.append(msg::InAc, 3, body);
+        micros.push_back(since(start));
+    }
+    percentiles(state, micros);
+}
+BENCHMARK(BM_JournalAppend)->Iterations(20000)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
