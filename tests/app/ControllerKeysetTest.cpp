@@ -310,3 +310,30 @@ TEST_F(KeysetCommandTest, MenuItemsFollowTheSelectedKeysetAndItsLock)
     EXPECT_TRUE(views.lockButton) << "the button's own handler leaves the button alone";
     EXPECT_TRUE(serviceInStep());
 }
+
+TEST_F(KeysetCommandTest, NVGroupMenusFollowTheGroupsAndReversedButtonsAreSent)
+{
+    CorvaneModelData* model = c().corvaneModelData();
+    for (const char* name : {"Drums", "Bass", "Keys", "Vox", "FX"})
+        model->createCorvaneNVGroupNamed(QString::fromLatin1(name));
+    c().updateCorvaneNVGroupMenus();
+    ASSERT_EQ(c().addToGroupMenu().size(), 5u);
+    EXPECT_EQ(c().selectGroupMenu()[3]->text(), QStringLiteral("Vox"));
+    EXPECT_EQ(TVKMenuItems::tag(c().deleteGroupMenu()[4]), 4);
+    model->deleteCorvaneNVGroup(4);
+    model->deleteCorvaneNVGroup(3);
+    c().updateCorvaneNVGroupMenus();
+    for (const auto* menu : {&c().addToGroupMenu(), &c().deleteGroupMenu(), &c().selectGroupMenu()})
+        EXPECT_EQ(menu->size(), 3u);
+
+    c().setSelectedKeyset(2);
+    const qsizetype from = mark();
+    c().reverseRBButtons();
+    ASSERT_TRUE(waitForCount(QStringLiteral("RvRB"), 1, from));
+    EXPECT_TRUE(
+        dynamic_cast<CorvaneKeyset*>(c().modelData()->keysetAtIndex(2))->reverseRBButtons());
+    // A radio control packs the control into the low byte and the group above it.
+    c().radioController((3 << 8) | 2);
+    EXPECT_EQ(c().selectedGroup(), 3);
+    EXPECT_EQ(c().selectedControl(), 2);
+}
