@@ -5,6 +5,7 @@
 #include "ConfigGenerator.h"
 #include "actions/TVKMIDIAction.h"
 #include "app/CorvaneController.h"
+#include "app/TVKNoViews.h"
 #include "app/TVKRecoveryJournal.h"
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
@@ -205,34 +206,13 @@ void BM_EditAllLayersAndUndo(benchmark::State& state)
     controller.awakeFromNib();
     controller.hardwareControlChangeForGroup(1, 3, 0, 1);
     TVKButtonMIDIAction edited(controller.modelData()->controlForKeyset(0, 0, 1, 3));
-    struct Edited final : TVKDialogs, TVKWindows
+    struct Edited final : TVKNoViews
     {
         const TVKAction* action = nullptr;
-        QString runOpenPanel(const QStringList&) override { return {}; }
-        QString runSavePanel(const QString&, const QString&) override { return {}; }
-        int runAlert(const TVKAlert&) override { return 0; }
-        std::optional<corvane::DesktopApplication>
-        chooseApplication(const std::vector<corvane::DesktopApplication>&) override
-        {
-            return std::nullopt;
-        }
-        bool exists(TVKWindow) const override { return false; }
-        bool isVisible(TVKWindow) const override { return false; }
-        bool isKey(TVKWindow) const override { return false; }
-        void show(TVKWindow) override {}
-        void makeKeyAndOrderFront(TVKWindow) override {}
-        void close(TVKWindow) override {}
-        std::optional<QPointF> mainWindowOrigin() const override { return std::nullopt; }
-        void showKeysetName(const QString&) override {}
-        void showKeysetIcon(const QImage&) override {}
-        void setLockButtonState(bool) override {}
-        void showHardwareImage(const QString&) override {}
-        void showCorvaneNVMenu(bool) override {}
         const TVKAction* inspectorEditedAction() const override { return action; }
-        CorvaneNVWindowCommands* corvaneNVWindow() const override { return nullptr; }
     } views;
     views.action = &edited;
-    controller.setViews({&views, &views, nullptr, nullptr});
+    controller.setViews({&views, &views, &views, &views});
     std::vector<double> edits;
     std::vector<double> undos;
     const QVariantMap copy{{corvane::info::CopyToLayers, true}};

@@ -1,5 +1,6 @@
 #include "app/TVKController.h"
 
+#include "app/TVKNoViews.h"
 #include "app/TVKRecoveryJournal.h"
 #include "core/Log.h"
 #include "core/Notifications.h"
@@ -25,49 +26,9 @@ namespace {
 
 TVKController* g_controller = nullptr;
 
-// Stands in for the views until they exist (and for a controller run without any): every panel
-// is cancelled, every alert ends on its first button, no window is there.
-class NoViews final : public TVKDialogs, public TVKWindows, public TVKSheets, public TVKInstallation
+TVKNoViews& noViews()
 {
-public:
-    QString runOpenPanel(const QStringList&) override { return {}; }
-    QString runSavePanel(const QString&, const QString&) override { return {}; }
-    int runAlert(const TVKAlert&) override { return 0; }
-    std::optional<corvane::DesktopApplication>
-    chooseApplication(const std::vector<corvane::DesktopApplication>&) override
-    {
-        return std::nullopt;
-    }
-
-    bool exists(TVKWindow) const override { return false; }
-    bool isVisible(TVKWindow) const override { return false; }
-    bool isKey(TVKWindow) const override { return false; }
-    void show(TVKWindow) override {}
-    void makeKeyAndOrderFront(TVKWindow) override {}
-    void close(TVKWindow) override {}
-    std::optional<QPointF> mainWindowOrigin() const override { return std::nullopt; }
-    void showKeysetName(const QString&) override {}
-    void showKeysetIcon(const QImage&) override {}
-    void setLockButtonState(bool) override {}
-    void showHardwareImage(const QString&) override {}
-    void showCorvaneNVMenu(bool) override {}
-    const TVKAction* inspectorEditedAction() const override { return nullptr; }
-    CorvaneNVWindowCommands* corvaneNVWindow() const override { return nullptr; }
-
-    void beginSheet(TVKSheet) override {}
-    void endSheet(TVKSheet) override {}
-    void refreshSheet(TVKSheet) override {}
-    void selectFieldText(TVKSheetField) override {}
-
-    // Until the installer exists everything counts as installed, and nothing lies under the
-    // pointer.
-    void startInstallForController(const TVKInstallationNames&, bool) override {}
-    bool getAXObjects(TVKAXObjectInfo&, QPointF) override { return false; }
-};
-
-NoViews& noViews()
-{
-    static NoViews views;
+    static TVKNoViews views;
     return views;
 }
 

@@ -312,6 +312,11 @@ protected:
     void handleInspectorNeedsUpdate(const corvane::Notification& note);
     void handleStartCapture(const corvane::Notification& note);
 
+    // The handlers of one value per layer: the value and the copy flag read from the
+    // notification, the target from the model's selection.
+    template <typename T, typename Primitive>
+    void handleValueEdit(const corvane::Notification& note, const QString& key,
+                         Primitive primitive);
     // Every edit primitive of one value per layer runs through here.
     template <typename Apply>
     std::vector<TVKControl*> forEachAffectedControl(qint64 keyset, qint64 layer, qint64 group,

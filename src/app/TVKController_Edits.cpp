@@ -108,76 +108,50 @@ void TVKController::handleDisplayUserNameChange(const corvane::Notification& n)
                                m_selectedDisplay, n.userInfo.value(info::CopyToLayers).toBool());
 }
 
-void TVKController::handleLatchStyleChange(const corvane::Notification& n)
+template <typename T, typename Primitive>
+void TVKController::handleValueEdit(const corvane::Notification& n, const QString& key,
+                                    Primitive primitive)
 {
     if (!m_modelData)
         return;
-    const bool copy = n.userInfo.value(info::CopyToLayers).toBool();
-    undoableSetLatchStyle(repeated(n.userInfo.value(info::BOOL).toBool(), copy,
-                                   m_constantServer ? m_constantServer->numLayers() : 0),
-                          m_modelData->selectedKeysetIndex(), m_modelData->selectedLayerIndex(),
-                          m_modelData->selectedGroupIndex(), m_modelData->selectedControlIndex(),
-                          copy);
-}
-
-void TVKController::handleOnColorChange(const corvane::Notification& n)
-{
-    if (!m_modelData)
-        return;
-    const bool copy = n.userInfo.value(info::CopyToLayers).toBool();
-    undoableSetOnColor(repeated(n.userInfo.value(info::Color).toLongLong(), copy,
+    // The value goes to every layer when copied, else to the selected control's layer.
+    const bool copy = n.userInfo.value(corvane::info::CopyToLayers).toBool();
+    (this->*primitive)(repeated(n.userInfo.value(key).value<T>(), copy,
                                 m_constantServer ? m_constantServer->numLayers() : 0),
                        m_modelData->selectedKeysetIndex(), m_modelData->selectedLayerIndex(),
                        m_modelData->selectedGroupIndex(), m_modelData->selectedControlIndex(),
                        copy);
 }
 
+void TVKController::handleLatchStyleChange(const corvane::Notification& n)
+{
+    handleValueEdit<bool>(n, info::BOOL, &TVKController::undoableSetLatchStyle);
+}
+
+void TVKController::handleOnColorChange(const corvane::Notification& n)
+{
+    handleValueEdit<qint64>(n, info::Color, &TVKController::undoableSetOnColor);
+}
+
 void TVKController::handleOffColorChange(const corvane::Notification& n)
 {
-    if (!m_modelData)
-        return;
-    const bool copy = n.userInfo.value(info::CopyToLayers).toBool();
-    undoableSetOffColor(repeated(n.userInfo.value(info::OffColor).toLongLong(), copy,
-                                 m_constantServer ? m_constantServer->numLayers() : 0),
-                        m_modelData->selectedKeysetIndex(), m_modelData->selectedLayerIndex(),
-                        m_modelData->selectedGroupIndex(), m_modelData->selectedControlIndex(),
-                        copy);
+    handleValueEdit<qint64>(n, info::OffColor, &TVKController::undoableSetOffColor);
 }
 
 void TVKController::handleBrightnessChange(const corvane::Notification& n)
 {
-    if (!m_modelData)
-        return;
-    const bool copy = n.userInfo.value(info::CopyToLayers).toBool();
-    undoableSetBrightness(repeated(n.userInfo.value(info::Brightness).toLongLong(), copy,
-                                   m_constantServer ? m_constantServer->numLayers() : 0),
-                          m_modelData->selectedKeysetIndex(), m_modelData->selectedLayerIndex(),
-                          m_modelData->selectedGroupIndex(), m_modelData->selectedControlIndex(),
-                          copy);
+    handleValueEdit<qint64>(n, info::Brightness, &TVKController::undoableSetBrightness);
 }
 
 void TVKController::handleJogSensitivityChange(const corvane::Notification& n)
 {
-    if (!m_modelData)
-        return;
-    const bool copy = n.userInfo.value(info::CopyToLayers).toBool();
-    undoableSetJogSensitivity(repeated(n.userInfo.value(info::JogSens).toLongLong(), copy,
-                                       m_constantServer ? m_constantServer->numLayers() : 0),
-                              m_modelData->selectedKeysetIndex(), m_modelData->selectedLayerIndex(),
-                              m_modelData->selectedGroupIndex(),
-                              m_modelData->selectedControlIndex(), copy);
+    handleValueEdit<qint64>(n, info::JogSens, &TVKController::undoableSetJogSensitivity);
 }
 
 void TVKController::handleJoystickSensitivityChange(const corvane::Notification& n)
 {
-    if (!m_modelData)
-        return;
-    const bool copy = n.userInfo.value(info::CopyToLayers).toBool();
-    undoableSetJoystickSensitivity(
-        repeated(n.userInfo.value(QStringLiteral("TVKJoySens")).toLongLong(), copy,
-                 m_constantServer ? m_constantServer->numLayers() : 0),
-        m_modelData->selectedKeysetIndex(), m_modelData->selectedLayerIndex(),
-        m_modelData->selectedGroupIndex(), m_modelData->selectedControlIndex(), copy);
+    handleValueEdit<qint64>(n, QStringLiteral("TVKJoySens"),
+                            &TVKController::undoableSetJoystickSensitivity);
 }
 
 void TVKController::handleInsertEditedAction(const corvane::Notification& n)
