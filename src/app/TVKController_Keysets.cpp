@@ -408,7 +408,7 @@ void TVKController::updateKeysetsMenu()
     const qsizetype items = qsizetype(m_keysetsMenu.size());
     const qsizetype keysets = m_modelData->numberOfKeysets();
     const qsizetype retitled = std::min(items - 1, keysets);
-    const auto describe = [this](QAction* item, const TVKKeyset* keyset) {
+    const auto describe = [](QAction* item, const TVKKeyset* keyset) {
         item->setText(keyset->name());
         const FourCharCode signature = keyset->signature();
         TVKMenuItems::setCommand(item, TVKMenuCommand::HandleKeysetsMenu,
