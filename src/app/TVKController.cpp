@@ -283,19 +283,9 @@ void TVKController::awakeFromNib()
         m_messenger->requestKeyset(m_selectedKeyset, m_selectedLayer, m_modelDataGroupIndex,
                                    m_modelDataControlIndex);
     }
-    if (m_constantServer) {
-        int group = 0;
-        int control = 0;
-        m_constantServer->modelDataGroupID(int(m_modelDataGroupIndex), int(m_modelDataControlIndex),
-                                           group, control);
-        m_selectedGroup = group;
-        m_selectedControl = control;
-    }
+    toOnscreen(m_modelDataGroupIndex, m_modelDataControlIndex, m_selectedGroup, m_selectedControl);
     if (m_modelData) {
-        m_modelData->setSelectedKeysetIndex(int(m_selectedKeyset));
-        m_modelData->setSelectedLayerIndex(int(m_selectedLayer));
-        m_modelData->setSelectedGroupIndex(int(m_modelDataGroupIndex));
-        m_modelData->setSelectedControlIndex(int(m_modelDataControlIndex));
+        copySelectionToModelData();
         showKeysetNameAndIcon();
     }
     registerForNotifications();
@@ -445,6 +435,16 @@ TVKKeyset* TVKController::keysetAt(qint64 index) const
     if (!m_modelData || index < 0 || index >= m_modelData->numberOfKeysets())
         return nullptr;
     return m_modelData->keysetAtIndex(int(index));
+}
+
+void TVKController::copySelectionToModelData()
+{
+    if (!m_modelData)
+        return;
+    m_modelData->setSelectedKeysetIndex(int(m_selectedKeyset));
+    m_modelData->setSelectedLayerIndex(int(m_selectedLayer));
+    m_modelData->setSelectedGroupIndex(int(m_modelDataGroupIndex));
+    m_modelData->setSelectedControlIndex(int(m_modelDataControlIndex));
 }
 
 void TVKController::showKeysetNameAndIcon()

@@ -287,6 +287,11 @@ protected:
                     qint64& onscreenControl) const;
     // Moves the model's selection and the surface highlight to an edited control.
     void selectEditedControl(qint64 keyset, qint64 layer, qint64 group, qint64 control);
+    // The on and the off colour edits: one pattern, two properties.
+    void undoableSetColor(bool off, const std::vector<qint64>& colors, qint64 keyset, qint64 layer,
+                          qint64 group, qint64 control, bool copyToAllLayers);
+    // Makes the model data's selection the controller's (keyset, layer, model group and control).
+    void copySelectionToModelData();
     // After a latch or colour edit: moves the selection to the edited control, or announces the
     // change of the selected one.
     void finishControlEdit(const std::vector<TVKControl*>& visited, bool copyToAllLayers,

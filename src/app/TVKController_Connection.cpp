@@ -63,12 +63,7 @@ void TVKController::handleCurrentControlInfoForKeyset(qint64 keyset, qint64 laye
     m_modelDataGroupIndex = group;
     m_modelDataControlIndex = control;
     toOnscreen(group, control, m_selectedGroup, m_selectedControl);
-    if (m_modelData) {
-        m_modelData->setSelectedKeysetIndex(int(m_selectedKeyset));
-        m_modelData->setSelectedLayerIndex(int(m_selectedLayer));
-        m_modelData->setSelectedGroupIndex(int(m_modelDataGroupIndex));
-        m_modelData->setSelectedControlIndex(int(m_modelDataControlIndex));
-    }
+    copySelectionToModelData();
     showKeysetNameAndIcon();
     notifyWithMessage(note::SelectedKeysetChange);
     notifyOfRemoteControlChange(m_selectedControl, m_selectedGroup, true);

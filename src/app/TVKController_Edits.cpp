@@ -345,65 +345,49 @@ void TVKController::undoableSetOnColor(const std::vector<qint64>& colors, qint64
                                        qint64 layer, qint64 group, qint64 control,
                                        bool copyToAllLayers)
 {
-    std::vector<qint64> old;
-    qint64 shown = 0;
-    const std::vector<TVKControl*> visited = forEachAffectedControl(
-        keyset, layer, group, control, copyToAllLayers,
-        [&](size_t i, qint64 l, TVKControl* target) {
-            const std::optional<qint64> color = colorOf(target, false);
-            if (!color || i >= colors.size())
-                return;
-            old.push_back(*color);
-            setColorOf(target, false, colors[i]);
-            if (!copyToAllLayers || l == m_selectedLayer)
-                shown = colors[i];
-            if (m_messenger)
-                m_messenger->updateProperty(Property::OnColorProperty, int(keyset), int(l),
-                                            int(group), int(control));
-        });
-    m_undoManager.registerUndo(
-        [this, old, keyset, layer, group, control, copyToAllLayers] {
-            undoableSetOnColor(old, keyset, layer, group, control, copyToAllLayers);
-        },
-        tr("Change Color"));
-    qint64 onscreenGroup = 0;
-    qint64 onscreenControl = 0;
-    toOnscreen(group, control, onscreenGroup, onscreenControl);
-    notifyOfControlOnColorChange(shown, onscreenGroup, onscreenControl);
-    finishControlEdit(visited, copyToAllLayers, keyset, layer, group, control);
-    setSelectedGroup(onscreenGroup);
-    setSelectedControl(onscreenControl);
+    undoableSetColor(false, colors, keyset, layer, group, control, copyToAllLayers);
 }
 
 void TVKController::undoableSetOffColor(const std::vector<qint64>& colors, qint64 keyset,
                                         qint64 layer, qint64 group, qint64 control,
                                         bool copyToAllLayers)
 {
+    undoableSetColor(true, colors, keyset, layer, group, control, copyToAllLayers);
+}
+
+void TVKController::undoableSetColor(bool off, const std::vector<qint64>& colors, qint64 keyset,
+                                     qint64 layer, qint64 group, qint64 control,
+                                     bool copyToAllLayers)
+{
     std::vector<qint64> old;
     qint64 shown = 0;
-    const std::vector<TVKControl*> visited = forEachAffectedControl(
-        keyset, layer, group, control, copyToAllLayers,
-        [&](size_t i, qint64 l, TVKControl* target) {
-            const std::optional<qint64> color = colorOf(target, true);
-            if (!color || i >= colors.size())
-                return;
-            old.push_back(*color);
-            setColorOf(target, true, colors[i]);
-            if (!copyToAllLayers || l == m_selectedLayer)
-                shown = colors[i];
-            if (m_messenger)
-                m_messenger->updateProperty(Property::OffColorProperty, int(keyset), int(l),
-                                            int(group), int(control));
-        });
+    const int property = off ? Property::OffColorProperty : Property::OnColorProperty;
+    const std::vector<TVKControl*> visited =
+        forEachAffectedControl(keyset, layer, group, control, copyToAllLayers,
+                               [&](size_t i, qint64 l, TVKControl* target) {
+                                   const std::optional<qint64> color = colorOf(target, off);
+                                   if (!color || i >= colors.size())
+                                       return;
+                                   old.push_back(*color);
+                                   setColorOf(target, off, colors[i]);
+                                   if (!copyToAllLayers || l == m_selectedLayer)
+                                       shown = colors[i];
+                                   if (m_messenger)
+                                       m_messenger->updateProperty(property, int(keyset), int(l),
+                                                                   int(group), int(control));
+                               });
     m_undoManager.registerUndo(
-        [this, old, keyset, layer, group, control, copyToAllLayers] {
-            undoableSetOffColor(old, keyset, layer, group, control, copyToAllLayers);
+        [this, off, old, keyset, layer, group, control, copyToAllLayers] {
+            undoableSetColor(off, old, keyset, layer, group, control, copyToAllLayers);
         },
         tr("Change Color"));
     qint64 onscreenGroup = 0;
     qint64 onscreenControl = 0;
     toOnscreen(group, control, onscreenGroup, onscreenControl);
-    notifyOfControlOffColorChange(shown, onscreenGroup, onscreenControl);
+    if (off)
+        notifyOfControlOffColorChange(shown, onscreenGroup, onscreenControl);
+    else
+        notifyOfControlOnColorChange(shown, onscreenGroup, onscreenControl);
     finishControlEdit(visited, copyToAllLayers, keyset, layer, group, control);
     setSelectedGroup(onscreenGroup);
     setSelectedControl(onscreenControl);
