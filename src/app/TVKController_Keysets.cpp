@@ -121,7 +121,7 @@ void TVKController::handleImportKeyset()
         reason = read.error.toString();
     else if (!read.value.isDict())
         reason = tr("it holds a list or a single value, not a keyset");
-    else if (!TVKModelData::archiveLimitExceeded(read.value).isNull())
+    else
         reason = TVKModelData::archiveLimitExceeded(read.value);
     std::unique_ptr<TVKKeyset> keyset;
     if (reason.isEmpty()) {
