@@ -41,6 +41,13 @@ public:
     // The installed application chosen for a new keyset, or none when cancelled.
     virtual std::optional<corvane::DesktopApplication>
     chooseApplication(const std::vector<corvane::DesktopApplication>& applications) = 0;
+    // A line of text (a name) asked for with a title, a prompt and a proposal; none when
+    // cancelled. Without a way to ask, the answer is none.
+    virtual std::optional<QString> runTextInput(const QString& /*title*/, const QString& /*label*/,
+                                                const QString& /*text*/)
+    {
+        return std::nullopt;
+    }
 };
 
 // The windows the controller shows, closes and asks about.

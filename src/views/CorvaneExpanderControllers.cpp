@@ -1,0 +1,366 @@
+#include "views/CorvaneExpanderControllers.h"
+
+#include "app/CorvaneController.h"
+#include "app/TVKMenuCommand.h"
+#include "core/Notifications.h"
+#include "model/CorvaneModelData.h"
+#include "model/TVKKeyset.h"
+#include "views/CorvanePictures.h"
+#include "views/CorvaneSurfaceView.h"
+#include "views/TVKDisplayView.h"
+#include "views/TVKMenuBar.h"
+
+#include <QCloseEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+namespace note = corvane::note;
+
+namespace {
+
+// The NV's on-screen groups.
+constexpr int kNVLCDButtons = 40;
+constexpr int kNVBankButtons = 41;
+constexpr int kNVFirstFunctionKeys = 42;
+constexpr int kNVSecondFunctionKeys = 43;
+constexpr int kNVParameters = 44;
+constexpr int kNVActions = 45;
+constexpr int kNVFirstButtonDisplays = 7;
+constexpr int kNVLastButtonDisplays = 10;
+constexpr int kNVBanks = 10;
+constexpr int kNVButtonsPerBank = 24;
+constexpr int kNVFunctionKeys = 8;
+constexpr int kNVParametersPerFunction = 5;
+constexpr int kNVActionsPerParameter = 4;
+
+QString unitForNib(const QString& nibName)
+{
+    return nibName == QStringLiteral("ExpanderNib") ? QStringLiteral("Expander") : nibName;
+}
+
+} // namespace
+
+CorvaneExpanderWindowController::CorvaneExpanderWindowController(CorvaneController& master,
+                                                                 const QString& nibName,
+                                                                 TVKMenuBar* menuBar)
+    : m_master(master), m_menuBar(menuBar)
+{
+    setObjectName(nibName);
+    setMenuBar(menuBar);
+    auto* central = new QWidget(this);
+    auto* column = new QVBoxLayout(central);
+    column->setContentsMargins(10, 10, 10, 6);
+    m_surface = new CorvaneSurfaceView(unitForNib(nibName), central);
+    column->addWidget(m_surface, 0, Qt::AlignCenter);
+    setCentralWidget(central);
+    m_status = new QLabel(this);
+    statusBar()->addWidget(m_status, 1);
+    statusBar()->setSizeGripEnabled(false);
+
+    corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
+    for (const QString& name : {note::SelectedLayerChange, note::RemoteLayerChange,
+                                note::SelectedKeysetChange, note::KeysetCountChange}) {
+        m_observations.push_back(center.addObserver(
+            name, nullptr, [this](const corvane::Notification&) { updateStatus(); }));
+    }
+    updateStatus();
+}
+
+void CorvaneExpanderWindowController::showWindow()
+{
+    show();
+    raise();
+    activateWindow();
+}
+
+void CorvaneExpanderWindowController::closeEvent(QCloseEvent* event)
+{
+    QMainWindow::closeEvent(event);
+    Q_EMIT windowClosed();
+}
+
+QString CorvaneExpanderWindowController::describeState() const
+{
+    const TVKModelData* model = m_master.modelData();
+    const TVKKeyset* keyset =
+        model ? model->keysetAtIndex(int(m_master.selectedKeyset())) : nullptr;
+    return tr("%1 — Layer %2")
+        .arg(keyset ? keyset->name() : QString())
+        .arg(m_master.selectedLayer() + 1);
+}
+
+void CorvaneExpanderWindowController::updateStatus()
+{
+    m_status->setText(describeState());
+}
+
+CorvaneExpanderController::CorvaneExpanderController(CorvaneController& master, TVKMenuBar* menuBar)
+    : CorvaneExpanderWindowController(master, QStringLiteral("ExpanderNib"), menuBar)
+{
+    setWindowTitle(tr("TL Expander"));
+}
+
+CorvaneTLWController::CorvaneTLWController(CorvaneController& master, TVKMenuBar* menuBar)
+    : CorvaneExpanderWindowController(master, QStringLiteral("CorvaneTLW"), menuBar)
+{
+    setWindowTitle(tr("TLW Expander"));
+}
+
+CorvaneTLW2Controller::CorvaneTLW2Controller(CorvaneController& master, TVKMenuBar* menuBar)
+    : CorvaneExpanderWindowController(master, QStringLiteral("CorvaneTLW2"), menuBar)
+{
+    setWindowTitle(tr("TLW2 Expander"));
+}
+
+CorvaneDZController::CorvaneDZController(CorvaneController& master, TVKMenuBar* menuBar)
+    : CorvaneExpanderWindowController(master, QStringLiteral("CorvaneDZ"), menuBar)
+{
+    setWindowTitle(tr("DZ Displays"));
+}
+
+// --- The NV ------------------------------------------------------------------------------------
+
+CorvaneNVController::CorvaneNVController(CorvaneController& master, TVKMenuBar* menuBar,
+                                         TVKDialogs& dialogs)
+    : CorvaneExpanderWindowController(master, QStringLiteral("CorvaneNV"), menuBar),
+      m_dialogs(dialogs)
+{
+    setWindowTitle(tr("NV Expander"));
+    m_menu = new QMenu(tr("&NV"), this);
+    const auto command = [this, &master](const QString& title, NVCommand tag,
+                                         const QKeySequence& shortcut = {}) {
+        auto* item = new QAction(title, this);
+        TVKMenuItems::setCommand(item, TVKMenuCommand::HandleCorvaneNVMenuItems, tag);
+        item->setShortcut(shortcut);
+        connect(item, &QAction::triggered, &master, [&master, item] { master.perform(item); });
+        m_menu->addAction(item);
+        return item;
+    };
+    command(tr("New Group…"), NewGroup, QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_G));
+    m_addMenu = m_menu->addMenu(tr("Add Selection to Group"));
+    command(tr("Remove Selection from Group"), RemoveFromGroup);
+    m_selectMenu = m_menu->addMenu(tr("Select Group"));
+    m_deleteMenu = m_menu->addMenu(tr("Delete Group"));
+    m_menu->addSeparator();
+    command(tr("Previous Bank"), PreviousBank, QKeySequence(Qt::CTRL | Qt::Key_BracketLeft));
+    command(tr("Next Bank"), NextBank, QKeySequence(Qt::CTRL | Qt::Key_BracketRight));
+    connect(m_menu, &QMenu::aboutToShow, this, [this] {
+        rebuildGroupMenus();
+        for (QAction* item : m_menu->actions()) {
+            if (TVKMenuItems::command(item) == TVKMenuCommand::HandleCorvaneNVMenuItems)
+                item->setEnabled(m_master.validateMenuItem(item));
+        }
+    });
+
+    corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
+    for (const QString& name : {note::SelectionChange, note::RemoteSelectionChange}) {
+        m_observations.push_back(center.addObserver(
+            name, nullptr, [this](const corvane::Notification&) { followSelection(); }));
+    }
+    applyBanks();
+}
+
+int CorvaneNVController::selectedButton() const
+{
+    if (m_master.displaySelected() || m_master.selectedGroup() != kNVLCDButtons)
+        return -1;
+    return int(m_master.modelDataControlIndex());
+}
+
+void CorvaneNVController::followSelection()
+{
+    if (m_master.displaySelected())
+        return;
+    const qint64 control = m_master.selectedControl();
+    switch (m_master.selectedGroup()) {
+    case kNVLCDButtons:
+        setBank(int(control / kNVButtonsPerBank));
+        break;
+    case kNVBankButtons:
+        setBank(int(control));
+        break;
+    case kNVFirstFunctionKeys:
+    case kNVSecondFunctionKeys:
+        setFunctionKey(int(control));
+        break;
+    case kNVParameters:
+        setFunctionKey(int(control / kNVParametersPerFunction));
+        setParameter(int(control % kNVParametersPerFunction));
+        break;
+    case kNVActions: {
+        const int parameter = int(control / kNVActionsPerParameter);
+        setFunctionKey(parameter / kNVParametersPerFunction);
+        setParameter(parameter % kNVParametersPerFunction);
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+void CorvaneNVController::setBank(int bank)
+{
+    if (bank < 0 || bank >= kNVBanks || bank == m_bank)
+        return;
+    m_bank = bank;
+    applyBanks();
+}
+
+void CorvaneNVController::setFunctionKey(int function)
+{
+    if (function < 0 || function >= kNVFunctionKeys || function == m_function)
+        return;
+    m_function = function;
+    applyBanks();
+}
+
+void CorvaneNVController::setParameter(int parameter)
+{
+    if (parameter < 0 || parameter >= kNVParametersPerFunction || parameter == m_parameter)
+        return;
+    m_parameter = parameter;
+    applyBanks();
+}
+
+void CorvaneNVController::applyBanks()
+{
+    for (TVKMultiStateButton* button : m_surface->buttons()) {
+        auto* banked = dynamic_cast<CorvaneBankedPicture*>(button);
+        if (!banked)
+            continue;
+        if (banked->tag() == kNVLCDButtons)
+            banked->setBank(m_bank);
+        else if (banked->tag() == kNVParameters)
+            banked->setBank(m_function);
+        else if (banked->tag() == kNVActions)
+            banked->setBank(m_function * kNVParametersPerFunction + m_parameter);
+    }
+    for (TVKDisplayView* display : m_surface->displays()) {
+        if (display->tag() >= kNVFirstButtonDisplays && display->tag() <= kNVLastButtonDisplays)
+            display->setBank(m_bank);
+    }
+    updateStatus();
+}
+
+QString CorvaneNVController::describeState() const
+{
+    return tr("%1  ·  Bank %2  ·  F%3  ·  Parameter %4")
+        .arg(CorvaneExpanderWindowController::describeState())
+        .arg(m_bank + 1)
+        .arg(m_function + 1)
+        .arg(m_parameter + 1);
+}
+
+void CorvaneNVController::rebuildGroupMenus()
+{
+    m_master.updateCorvaneNVGroupMenus();
+    const std::pair<QMenu*, const std::vector<QAction*>*> menus[] = {
+        {m_addMenu, &m_master.addToGroupMenu()},
+        {m_deleteMenu, &m_master.deleteGroupMenu()},
+        {m_selectMenu, &m_master.selectGroupMenu()}};
+    for (const auto& [menu, items] : menus) {
+        menu->clear();
+        for (QAction* item : *items)
+            menu->addAction(item);
+        menu->setEnabled(!items->empty());
+    }
+}
+
+void CorvaneNVController::addSelectionToGroup(int group)
+{
+    auto* model = m_master.corvaneModelData();
+    const int button = selectedButton();
+    if (!model || button < 0)
+        return;
+    model->addButtonID(button, group);
+    m_surface->update();
+    corvane::NotificationCenter::defaultCenter().post(note::CorvaneNVSelectGroup, this);
+}
+
+void CorvaneNVController::deleteGroup(int group)
+{
+    if (auto* model = m_master.corvaneModelData()) {
+        model->deleteCorvaneNVGroup(group);
+        m_master.updateCorvaneNVGroupMenus();
+        corvane::NotificationCenter::defaultCenter().post(note::CorvaneNVSelectGroup, this);
+    }
+}
+
+void CorvaneNVController::selectGroup(int group)
+{
+    const auto* model = m_master.corvaneModelData();
+    const corvane::PlistValue* found = model ? model->corvaneNVGroupWithID(group) : nullptr;
+    if (!found)
+        return;
+    const corvane::PlistValue& members = found->value(u"TVKGrpMem");
+    if (members.size() == 0)
+        return;
+    // The group's first button, in its bank.
+    const int button = members.at(0).toString().toInt();
+    setBank(button / kNVButtonsPerBank);
+    m_master.handleTVKControl(button, kNVLCDButtons);
+}
+
+bool CorvaneNVController::validateCorvaneNVMenuItem(QAction* item)
+{
+    const auto* model = m_master.corvaneModelData();
+    const TVKKeyset* keyset =
+        model ? model->keysetAtIndex(int(m_master.selectedKeyset())) : nullptr;
+    const bool editable = keyset && !keyset->locked();
+    switch (TVKMenuItems::tag(item)) {
+    case NewGroup:
+        return editable && model->numCorvaneNVGroups() < 8;
+    case RemoveFromGroup:
+        return editable && selectedButton() >= 0 &&
+               model->corvaneNVGroupForButtonWithID(selectedButton()) >= 0;
+    case PreviousBank:
+        return m_bank > 0;
+    case NextBank:
+        return m_bank < kNVBanks - 1;
+    default:
+        return false;
+    }
+}
+
+void CorvaneNVController::handleCorvaneNVMenuItem(QAction* item)
+{
+    auto* model = m_master.corvaneModelData();
+    if (!model)
+        return;
+    switch (TVKMenuItems::tag(item)) {
+    case NewGroup: {
+        const std::optional<QString> name =
+            m_dialogs.runTextInput(tr("New Group"), tr("Name of the new button group:"),
+                                   tr("Group %1").arg(model->numCorvaneNVGroups() + 1));
+        if (!name || name->trimmed().isEmpty())
+            return;
+        model->createCorvaneNVGroupNamed(name->trimmed());
+        m_master.updateCorvaneNVGroupMenus();
+        // The selected button joins the group it was made for.
+        if (selectedButton() >= 0)
+            addSelectionToGroup(model->numCorvaneNVGroups() - 1);
+        break;
+    }
+    case RemoveFromGroup: {
+        const int button = selectedButton();
+        const int group = button >= 0 ? model->corvaneNVGroupForButtonWithID(button) : -1;
+        if (group >= 0) {
+            model->deleteButtonID(button, group);
+            m_master.updateCorvaneNVGroupMenus();
+            m_surface->update();
+            corvane::NotificationCenter::defaultCenter().post(note::CorvaneNVSelectGroup, this);
+        }
+        break;
+    }
+    case PreviousBank:
+        setBank(m_bank - 1);
+        break;
+    case NextBank:
+        setBank(m_bank + 1);
+        break;
+    default:
+        break;
+    }
+}

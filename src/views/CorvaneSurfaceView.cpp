@@ -1,0 +1,146 @@
+#include "views/CorvaneSurfaceView.h"
+
+#include "core/Notifications.h"
+#include "model/CorvaneModelData.h"
+#include "views/CorvanePictures.h"
+#include "views/TVKBundle.h"
+#include "views/TVKDisplayView.h"
+#include "views/TVKMultiStateButton.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+
+using corvane::PlistValue;
+
+namespace {
+
+QRect rectFrom(const PlistValue& value)
+{
+    return QRect(int(value.at(0).toInteger()), int(value.at(1).toInteger()),
+                 int(value.at(2).toInteger()), int(value.at(3).toInteger()));
+}
+
+TVKMultiStateButton* makeButton(const PlistValue& entry, QWidget* parent)
+{
+    const QString key = entry.value(u"InfoKey").toString();
+    const QString cls = entry.value(u"Class").toString();
+    const int bank = int(entry.value(u"Bank").toInteger());
+    if (cls == QStringLiteral("ring"))
+        return new CorvaneTrackballRingControl(int(entry.value(u"TrackballNumber").toInteger()),
+                                               parent);
+    if (cls == QStringLiteral("lcdbutton")) {
+        std::vector<CorvaneLCDButtonPicture::ControlFrame> frames;
+        const PlistValue& controls = entry.value(u"Controls");
+        for (qsizetype i = 0; i < controls.size(); ++i) {
+            frames.push_back({int(controls.at(i).value(u"Control").toInteger()),
+                              rectFrom(controls.at(i).value(u"Frame"))});
+        }
+        return new CorvaneLCDButtonPicture(key, bank, std::move(frames), parent);
+    }
+    if (bank > 0)
+        return new CorvaneBankedPicture(key, bank, parent);
+    if (key == JogShuttleControl::infoKey())
+        return new CorvaneJogShuttleControl(parent);
+    if (key == VStickControl::infoKey())
+        return new VStickControl(parent);
+    if (key == JoystickControl::infoKey())
+        return new JoystickControl(parent);
+    return new TVKMultiStateButton(key, parent);
+}
+
+TVKDisplayView::Kind kindFrom(const QString& kind)
+{
+    if (kind == QStringLiteral("timecode"))
+        return TVKDisplayView::Kind::Timecode;
+    if (kind == QStringLiteral("lcdbutton"))
+        return TVKDisplayView::Kind::LcdButton;
+    return TVKDisplayView::Kind::Lcd;
+}
+
+} // namespace
+
+CorvaneSurfaceView::CorvaneSurfaceView(const QString& unit, QWidget* parent)
+    : QWidget(parent), m_unit(unit)
+{
+    const PlistValue& table = TVKBundle::mainBundle().surface(unit);
+    m_silver = table.value(u"Picture").toString();
+    m_midnight = table.value(u"MidnightPicture").toString();
+    const PlistValue& size = table.value(u"Size");
+    setFixedSize(int(size.at(0).toInteger()), int(size.at(1).toInteger()));
+    setAttribute(Qt::WA_OpaquePaintEvent);
+
+    const PlistValue& buttons = table.value(u"Buttons");
+    for (qsizetype i = 0; i < buttons.size(); ++i) {
+        TVKMultiStateButton* button = makeButton(buttons.at(i), this);
+        button->setGeometry(rectFrom(buttons.at(i).value(u"Frame")));
+        button->awakeFromNib();
+        m_buttons.push_back(button);
+    }
+    const PlistValue& displays = table.value(u"Displays");
+    for (qsizetype i = 0; i < displays.size(); ++i) {
+        const PlistValue& group = displays.at(i);
+        const PlistValue& cellList = group.value(u"Cells");
+        QRect united;
+        for (qsizetype c = 0; c < cellList.size(); ++c)
+            united = united.united(rectFrom(cellList.at(c).value(u"Frame")));
+        std::vector<TVKDisplayView::Cell> cells;
+        for (qsizetype c = 0; c < cellList.size(); ++c) {
+            cells.push_back(
+                {int(cellList.at(c).value(u"Display").toInteger()),
+                 rectFrom(cellList.at(c).value(u"Frame")).translated(-united.topLeft())});
+        }
+        auto* view = new TVKDisplayView(
+            int(group.value(u"Group").toInteger()), kindFrom(group.value(u"Kind").toString()),
+            int(group.value(u"Characters").toInteger()), std::move(cells), this);
+        view->setGeometry(united);
+        m_displays.push_back(view);
+    }
+    m_observations.push_back(corvane::NotificationCenter::defaultCenter().addObserver(
+        corvane::note::HdwStyChg, nullptr,
+        [this](const corvane::Notification&) { followHardwareStyle(); }));
+    followHardwareStyle();
+}
+
+void CorvaneSurfaceView::followHardwareStyle()
+{
+    const auto* model = dynamic_cast<const CorvaneModelData*>(TVKModelData::defaultModelData());
+    const int style = model ? model->hardwareStyle() : 0;
+    showPicture(style == 1 ? m_silver : m_midnight);
+}
+
+void CorvaneSurfaceView::showPicture(const QString& name)
+{
+    QString picture = name;
+    if (picture.endsWith(QStringLiteral(".png")))
+        picture.chop(4);
+    if (picture == m_picture)
+        return;
+    m_picture = picture;
+    update();
+}
+
+TVKMultiStateButton* CorvaneSurfaceView::buttonWithTag(qint64 tag) const
+{
+    for (TVKMultiStateButton* button : m_buttons) {
+        if (button->tag() == tag)
+            return button;
+    }
+    return nullptr;
+}
+
+TVKDisplayView* CorvaneSurfaceView::displayWithTag(int tag) const
+{
+    for (TVKDisplayView* view : m_displays) {
+        if (view->tag() == tag)
+            return view;
+    }
+    return nullptr;
+}
+
+void CorvaneSurfaceView::paintEvent(QPaintEvent* event)
+{
+    QPainter painter(this);
+    // The panel's rounded corners show the window behind them.
+    painter.fillRect(event->rect(), palette().color(QPalette::Window));
+    painter.drawPixmap(0, 0, TVKBundle::mainBundle().sheet(m_picture, devicePixelRatioF()));
+}

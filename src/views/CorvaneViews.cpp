@@ -1,0 +1,345 @@
+#include "views/CorvaneViews.h"
+
+#include "app/CorvaneController.h"
+#include "views/CorvaneExpanderControllers.h"
+#include "views/TVKAboutBox.h"
+#include "views/TVKMainWindow.h"
+#include "views/TVKMenuBar.h"
+#include "views/TVKQtDialogs.h"
+#include "views/TVKSheetDialogs.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QLineEdit>
+#include <QWindow>
+
+using corvane::PlistValue;
+
+namespace {
+
+// Where the windows were, by window, and which optional windows were open.
+const QString kWindowFramesKey = QStringLiteral("CorvaneWindowFrames");
+const QString kOpenWindowsKey = QStringLiteral("CorvaneOpenWindows");
+
+} // namespace
+
+CorvaneViews::CorvaneViews(CorvaneController& controller, TVKDialogs& dialogs)
+    : m_controller(controller), m_dialogs(dialogs)
+{
+    m_dzAction = new QAction(tr("DZ Displays"), this);
+    m_dzAction->setCheckable(true);
+    connect(m_dzAction, &QAction::triggered, this, [this](bool on) { showDZ(on); });
+    connect(qApp, &QGuiApplication::focusWindowChanged, this, &CorvaneViews::focusWindowChanged);
+}
+
+CorvaneViews::~CorvaneViews()
+{
+    // Windows go before the controller they observe.
+    for (QWidget* w : std::initializer_list<QWidget*>{m_preferences, m_appPort, m_aboutBox, m_tl,
+                                                      m_tlw, m_tlw2, m_nv, m_dz, m_main})
+        delete w;
+}
+
+TVKMenuBar* CorvaneViews::makeMenuBar()
+{
+    auto* bar = new TVKMenuBar(m_controller, {m_dzAction}, [this] { quit(); });
+    m_menuBars.push_back(bar);
+    if (m_nvMenuShown && m_nv)
+        bar->showCorvaneNVMenu(m_nv->corvaneNVMenu(), true);
+    return bar;
+}
+
+void CorvaneViews::start()
+{
+    m_controller.setViews({&m_dialogs, this, this, this});
+    m_main = new TVKMainWindow(m_controller, makeMenuBar(), [this] { quit(); });
+    if (auto* standard = dynamic_cast<TVKQtDialogs*>(&m_dialogs))
+        standard->setParentWindow(m_main);
+    m_controller.awakeFromNib();
+    m_main->makeSurface();
+    restoreGeometry(m_main);
+    m_main->show();
+    m_controller.windowIsAwake();
+    m_controller.applicationDidFinishLaunching();
+    const PlistValue& open = m_controller.defaults().objectForKey(kOpenWindowsKey);
+    for (qsizetype i = 0; i < open.size(); ++i) {
+        if (open.at(i).toString() == QStringLiteral("DZ"))
+            showDZ(true);
+    }
+    m_main->raise();
+    m_main->activateWindow();
+}
+
+void CorvaneViews::quit()
+{
+    saveWindowState();
+    m_controller.handleTerminateMessage();
+}
+
+QString CorvaneViews::windowName(const QWidget* window)
+{
+    return window->objectName();
+}
+
+void CorvaneViews::saveWindowState()
+{
+    PlistValue frames = m_controller.defaults().objectForKey(kWindowFramesKey);
+    if (!frames.isDict())
+        frames = PlistValue::makeDict();
+    for (QWidget* w : std::initializer_list<QWidget*>{m_main, m_tl, m_tlw, m_tlw2, m_nv, m_dz}) {
+        if (w)
+            frames.insert(windowName(w), PlistValue(w->saveGeometry()));
+    }
+    m_controller.defaults().setObject(kWindowFramesKey, frames);
+    PlistValue open = PlistValue::makeArray();
+    if (m_dz && m_dz->isVisible())
+        open.append(PlistValue(QStringLiteral("DZ")));
+    m_controller.defaults().setObject(kOpenWindowsKey, open);
+}
+
+void CorvaneViews::restoreGeometry(QWidget* window)
+{
+    const PlistValue& frame =
+        m_controller.defaults().objectForKey(kWindowFramesKey).value(windowName(window));
+    if (frame.isData())
+        window->restoreGeometry(frame.toData());
+}
+
+QWidget* CorvaneViews::window(TVKWindow window) const
+{
+    switch (window) {
+    case TVKWindow::Main:
+        return m_main;
+    case TVKWindow::AboutBox:
+        return m_aboutBox;
+    case TVKWindow::TL:
+        return m_tl;
+    case TVKWindow::TLW:
+        return m_tlw;
+    case TVKWindow::TLW2:
+        return m_tlw2;
+    case TVKWindow::NV:
+        return m_nv;
+    case TVKWindow::Inspector:
+    case TVKWindow::Summary:
+        break;
+    }
+    return nullptr;
+}
+
+CorvaneExpanderWindowController* CorvaneViews::expander(TVKWindow window) const
+{
+    return dynamic_cast<CorvaneExpanderWindowController*>(this->window(window));
+}
+
+QWidget* CorvaneViews::make(TVKWindow window)
+{
+    if (QWidget* existing = this->window(window))
+        return existing;
+    QWidget* made = nullptr;
+    switch (window) {
+    case TVKWindow::AboutBox:
+        made = m_aboutBox = new TVKAboutBox(m_main);
+        break;
+    case TVKWindow::TL:
+        made = m_tl = new CorvaneExpanderController(m_controller, makeMenuBar());
+        break;
+    case TVKWindow::TLW:
+        made = m_tlw = new CorvaneTLWController(m_controller, makeMenuBar());
+        break;
+    case TVKWindow::TLW2:
+        made = m_tlw2 = new CorvaneTLW2Controller(m_controller, makeMenuBar());
+        break;
+    case TVKWindow::NV:
+        made = m_nv = new CorvaneNVController(m_controller, makeMenuBar(), m_dialogs);
+        break;
+    case TVKWindow::Main:
+    case TVKWindow::Inspector:
+    case TVKWindow::Summary:
+        return nullptr;
+    }
+    if (window != TVKWindow::AboutBox)
+        restoreGeometry(made);
+    return made;
+}
+
+void CorvaneViews::showDZ(bool shown)
+{
+    if (shown && !m_dz) {
+        m_dz = new CorvaneDZController(m_controller, makeMenuBar());
+        restoreGeometry(m_dz);
+        connect(m_dz, &CorvaneExpanderWindowController::windowClosed, m_dzAction,
+                [this] { m_dzAction->setChecked(false); });
+    }
+    if (m_dz) {
+        if (shown)
+            m_dz->showWindow();
+        else
+            m_dz->hide();
+    }
+    m_dzAction->setChecked(shown);
+}
+
+bool CorvaneViews::exists(TVKWindow window) const
+{
+    return this->window(window) != nullptr;
+}
+
+bool CorvaneViews::isVisible(TVKWindow window) const
+{
+    const QWidget* w = this->window(window);
+    return w && w->isVisible();
+}
+
+bool CorvaneViews::isKey(TVKWindow window) const
+{
+    const QWidget* w = this->window(window);
+    return w && w->isVisible() && w->isActiveWindow();
+}
+
+void CorvaneViews::show(TVKWindow window)
+{
+    QWidget* w = make(window);
+    if (!w)
+        return;
+    w->show();
+    w->raise();
+    w->activateWindow();
+    if (window == TVKWindow::AboutBox)
+        m_aboutBox->play();
+}
+
+void CorvaneViews::makeKeyAndOrderFront(TVKWindow window)
+{
+    if (QWidget* w = this->window(window)) {
+        w->show();
+        w->raise();
+        w->activateWindow();
+    }
+}
+
+void CorvaneViews::close(TVKWindow window)
+{
+    if (QWidget* w = this->window(window))
+        w->hide();
+}
+
+std::optional<QPointF> CorvaneViews::mainWindowOrigin() const
+{
+    if (!m_main)
+        return std::nullopt;
+    return QPointF(m_main->frameGeometry().topLeft());
+}
+
+void CorvaneViews::showKeysetName(const QString& name)
+{
+    if (m_main)
+        m_main->showKeysetName(name);
+}
+
+void CorvaneViews::showKeysetIcon(const QImage& icon)
+{
+    if (m_main)
+        m_main->showKeysetIcon(icon);
+}
+
+void CorvaneViews::setLockButtonState(bool locked)
+{
+    if (m_main)
+        m_main->setLockButtonState(locked);
+}
+
+void CorvaneViews::showHardwareImage(const QString& imageName)
+{
+    if (m_main)
+        m_main->showHardwareImage(imageName);
+}
+
+void CorvaneViews::showCorvaneNVMenu(bool shown)
+{
+    m_nvMenuShown = shown;
+    if (!m_nv)
+        return;
+    for (TVKMenuBar* bar : m_menuBars)
+        bar->showCorvaneNVMenu(m_nv->corvaneNVMenu(), shown);
+}
+
+CorvaneNVWindowCommands* CorvaneViews::corvaneNVWindow() const
+{
+    return m_nv;
+}
+
+void CorvaneViews::focusWindowChanged(QWindow* focused)
+{
+    if (!focused)
+        return;
+    for (const TVKWindow which :
+         {TVKWindow::Main, TVKWindow::TL, TVKWindow::TLW, TVKWindow::TLW2, TVKWindow::NV}) {
+        const QWidget* w = window(which);
+        if (w && w->windowHandle() == focused) {
+            m_controller.windowDidBecomeKey(which);
+            m_controller.handleMainWindowChange(which);
+            return;
+        }
+    }
+    // The DZ shows the main unit's displays; for the menus it counts as the main unit.
+    if (m_dz && m_dz->windowHandle() == focused)
+        m_controller.handleMainWindowChange(TVKWindow::Main);
+}
+
+void CorvaneViews::beginSheet(TVKSheet sheet)
+{
+    if (sheet == TVKSheet::Preferences) {
+        if (!m_preferences)
+            m_preferences = new TVKPreferencesSheet(m_controller, m_main);
+        m_preferences->refresh();
+        m_preferences->open();
+    } else {
+        if (!m_appPort)
+            m_appPort = new TVKAppPortSheet(m_controller, m_main);
+        m_appPort->refresh();
+        m_appPort->open();
+    }
+}
+
+void CorvaneViews::endSheet(TVKSheet sheet)
+{
+    QDialog* dialog = sheet == TVKSheet::Preferences ? static_cast<QDialog*>(m_preferences)
+                                                     : static_cast<QDialog*>(m_appPort);
+    if (dialog)
+        dialog->hide();
+}
+
+void CorvaneViews::refreshSheet(TVKSheet sheet)
+{
+    if (sheet == TVKSheet::Preferences && m_preferences)
+        m_preferences->refresh();
+    else if (sheet == TVKSheet::ApplicationPort && m_appPort)
+        m_appPort->refresh();
+}
+
+void CorvaneViews::selectFieldText(TVKSheetField field)
+{
+    QLineEdit* edit = nullptr;
+    switch (field) {
+    case TVKSheetField::IpAddress0:
+    case TVKSheetField::IpAddress1:
+    case TVKSheetField::IpAddress2:
+    case TVKSheetField::IpAddress3:
+        if (m_preferences)
+            edit = m_preferences->addressField(int(field) - int(TVKSheetField::IpAddress0));
+        break;
+    case TVKSheetField::EthernetPort:
+        if (m_preferences)
+            edit = m_preferences->portField();
+        break;
+    case TVKSheetField::ApplicationPort:
+        if (m_appPort)
+            edit = m_appPort->portField();
+        break;
+    }
+    if (edit) {
+        edit->setFocus();
+        edit->selectAll();
+    }
+}

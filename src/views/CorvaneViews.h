@@ -1,0 +1,100 @@
+#pragma once
+
+#include "app/TVKViewInterfaces.h"
+
+#include <QObject>
+#include <functional>
+#include <memory>
+#include <vector>
+
+class CorvaneController;
+class CorvaneDZController;
+class CorvaneExpanderWindowController;
+class CorvaneNVController;
+class QAction;
+class QWidget;
+class QWindow;
+class TVKAboutBox;
+class TVKAppPortSheet;
+class TVKMainWindow;
+class TVKMenuBar;
+class TVKPreferencesSheet;
+
+// The windows of the application as the controller sees them: the main window, the expander
+// windows, the about box and the two sheets, made when first needed. It tells the controller
+// which window became key, keeps the NV menu in the menus while the NV window is main, and
+// remembers where each window was and which were open.
+class CorvaneViews : public QObject, public TVKWindows, public TVKSheets, public TVKInstallation
+{
+    Q_OBJECT
+public:
+    CorvaneViews(CorvaneController& controller, TVKDialogs& dialogs);
+    ~CorvaneViews() override;
+
+    // Hands the controller its views, wakes it and shows the main window.
+    void start();
+    // Remembers the windows, then ends the program through the controller.
+    void quit();
+
+    TVKMainWindow* mainWindow() const { return m_main; }
+    QWidget* window(TVKWindow window) const;
+    CorvaneExpanderWindowController* expander(TVKWindow window) const;
+    CorvaneNVController* nvController() const { return m_nv; }
+    CorvaneDZController* dzWindow() const { return m_dz; }
+    QAction* dzAction() const { return m_dzAction; }
+    void showDZ(bool shown);
+    TVKAboutBox* aboutBox() const { return m_aboutBox; }
+    TVKPreferencesSheet* preferencesSheet() const { return m_preferences; }
+    TVKAppPortSheet* appPortSheet() const { return m_appPort; }
+    // Records every window's place and the open optional windows in the preference store.
+    void saveWindowState();
+
+    // TVKWindows
+    bool exists(TVKWindow window) const override;
+    bool isVisible(TVKWindow window) const override;
+    bool isKey(TVKWindow window) const override;
+    void show(TVKWindow window) override;
+    void makeKeyAndOrderFront(TVKWindow window) override;
+    void close(TVKWindow window) override;
+    std::optional<QPointF> mainWindowOrigin() const override;
+    void showKeysetName(const QString& name) override;
+    void showKeysetIcon(const QImage& icon) override;
+    void setLockButtonState(bool locked) override;
+    void showHardwareImage(const QString& imageName) override;
+    void showCorvaneNVMenu(bool shown) override;
+    const TVKAction* inspectorEditedAction() const override { return nullptr; }
+    CorvaneNVWindowCommands* corvaneNVWindow() const override;
+
+    // TVKSheets
+    void beginSheet(TVKSheet sheet) override;
+    void endSheet(TVKSheet sheet) override;
+    void refreshSheet(TVKSheet sheet) override;
+    void selectFieldText(TVKSheetField field) override;
+
+    // TVKInstallation: the background components are installed by the package; nothing lies
+    // under the pointer until the desktop can be asked.
+    void startInstallForController(const TVKInstallationNames&, bool) override {}
+    bool getAXObjects(TVKAXObjectInfo&, QPointF) override { return false; }
+
+private:
+    TVKMenuBar* makeMenuBar();
+    QWidget* make(TVKWindow window);
+    void focusWindowChanged(QWindow* window);
+    void restoreGeometry(QWidget* window);
+    static QString windowName(const QWidget* window);
+
+    CorvaneController& m_controller;
+    TVKDialogs& m_dialogs;
+    TVKMainWindow* m_main = nullptr;
+    CorvaneExpanderWindowController* m_tl = nullptr;
+    CorvaneExpanderWindowController* m_tlw = nullptr;
+    CorvaneExpanderWindowController* m_tlw2 = nullptr;
+    CorvaneNVController* m_nv = nullptr;
+    CorvaneDZController* m_dz = nullptr;
+    TVKAboutBox* m_aboutBox = nullptr;
+    TVKPreferencesSheet* m_preferences = nullptr;
+    TVKAppPortSheet* m_appPort = nullptr;
+    QAction* m_dzAction = nullptr;
+    std::vector<TVKMenuBar*> m_menuBars;
+    bool m_nvMenuShown = false;
+};

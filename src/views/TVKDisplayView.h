@@ -1,0 +1,60 @@
+#pragma once
+
+#include "core/NotificationCenter.h"
+
+#include <QRect>
+#include <QString>
+#include <QWidget>
+#include <vector>
+
+// The displays of one on-screen display group, drawn as the surface would show them: each cell
+// shows its display action's sample text in the selected layer. A click (or Space on the
+// focused cell) selects that display for editing.
+class TVKDisplayView : public QWidget
+{
+    Q_OBJECT
+public:
+    struct Cell
+    {
+        int display; // the cell's tag: the display's index
+        QRect frame; // in the view
+    };
+    enum class Kind
+    {
+        Lcd,       // a line of a character display
+        LcdButton, // the small screen over an LCD button
+        Timecode
+    };
+
+    TVKDisplayView(int group, Kind kind, int characters, std::vector<Cell> cells,
+                   QWidget* parent = nullptr);
+
+    int tag() const { return m_group; }
+    const std::vector<Cell>& cells() const { return m_cells; }
+    // The text a cell shows now.
+    QString textForCell(const Cell& cell) const;
+    // Whether the cell is the display being edited.
+    bool cellIsSelected(const Cell& cell) const;
+    // The NV's LCD-button displays show one bank of 24 at a time.
+    void setBank(int bank);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    void selectCell(size_t index);
+    // Model-data display group and index of a cell.
+    bool dataDisplay(const Cell& cell, int& group, int& index) const;
+
+    int m_group;
+    Kind m_kind;
+    int m_characters;
+    int m_bank = 0;
+    std::vector<Cell> m_cells;
+    size_t m_focusCell = 0;
+    std::vector<corvane::NotificationCenter::Observation> m_observations;
+};

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "core/NotificationCenter.h"
+
+#include <QMainWindow>
+#include <array>
+#include <functional>
+#include <vector>
+
+class CorvaneController;
+class CorvaneSurfaceView;
+class QLabel;
+class QToolButton;
+class TVKMenuBar;
+
+// The main window: the keyset's name and icon, the layer selector, the lock and the connection
+// indicator above the picture of the RS main unit, and a status line that names the selected
+// control, its user name and what it does.
+class TVKMainWindow : public QMainWindow
+{
+    Q_OBJECT
+public:
+    // Closing the window runs quit, which ends the program.
+    TVKMainWindow(CorvaneController& controller, TVKMenuBar* menuBar, std::function<void()> quit);
+
+    // Made once the controller is awake: the picture's buttons follow the model from the start.
+    void makeSurface();
+    CorvaneSurfaceView* surface() const { return m_surface; }
+    TVKMenuBar* tvkMenuBar() const { return m_menuBar; }
+
+    void showKeysetName(const QString& name);
+    void showKeysetIcon(const QImage& icon);
+    void setLockButtonState(bool locked);
+    void showHardwareImage(const QString& name);
+
+    QString keysetName() const;
+    bool lockButtonState() const;
+    QToolButton* layerButton(int layer) const { return m_layerButtons[size_t(layer)]; }
+    QToolButton* lockButton() const { return m_lock; }
+    QToolButton* reconnectButton() const { return m_reconnect; }
+    QString statusText() const;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void updateLayerSelector();
+    void updateStatus();
+    void updateConnection();
+
+    CorvaneController& m_controller;
+    TVKMenuBar* m_menuBar;
+    std::function<void()> m_quit;
+    CorvaneSurfaceView* m_surface = nullptr;
+    QString m_hardwareImage;
+    QLabel* m_icon = nullptr;
+    QLabel* m_name = nullptr;
+    std::array<QToolButton*, 4> m_layerButtons{};
+    QToolButton* m_lock = nullptr;
+    QLabel* m_connectionImage = nullptr;
+    QToolButton* m_reconnect = nullptr;
+    QLabel* m_status = nullptr;
+    std::vector<corvane::NotificationCenter::Observation> m_observations;
+};

@@ -1,0 +1,99 @@
+#include "views/TVKMenuBar.h"
+
+#include "app/CorvaneController.h"
+#include "app/TVKMenuCommand.h"
+
+#include <QApplication>
+
+using Command = TVKMenuCommand;
+
+TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*>& windowItems,
+                       std::function<void()> quit, QWidget* parent)
+    : QMenuBar(parent), m_controller(controller)
+{
+    const auto item = [&controller](Command command, qint64 tag = 0) {
+        return controller.menuItem(command, tag);
+    };
+    const auto validating = [this](QMenu* menu) {
+        connect(menu, &QMenu::aboutToShow, this, [this] { m_controller.validateMenuItems(); });
+        return menu;
+    };
+
+    QMenu* file = validating(addMenu(tr("&File")));
+    file->addAction(item(Command::HandleNewKeyset));
+    file->addSeparator();
+    file->addAction(item(Command::HandleImportKeyset));
+    file->addAction(item(Command::HandleExportKeyset));
+    file->addSeparator();
+    QAction* quitItem = file->addAction(tr("&Quit"));
+    quitItem->setShortcut(QKeySequence::Quit);
+    quitItem->setMenuRole(QAction::QuitRole);
+    connect(quitItem, &QAction::triggered, this, [quit] { quit(); });
+
+    QMenu* edit = validating(addMenu(tr("&Edit")));
+    edit->addAction(controller.undoMenuItem());
+    edit->addAction(controller.redoMenuItem());
+    edit->addSeparator();
+    edit->addAction(item(Command::HandleCopyKeyset));
+    edit->addAction(item(Command::HandlePasteKeyset));
+    edit->addAction(item(Command::HandleClearKeyset));
+    edit->addAction(item(Command::HandleDeleteKeyset));
+    edit->addSeparator();
+    QMenu* setAll = edit->addMenu(tr("Set All Controls To"));
+    for (int mode = 0; mode < 4; ++mode)
+        setAll->addAction(item(Command::HandleSetAllMenuItems, mode));
+    edit->addSeparator();
+    edit->addAction(item(Command::HandleLockUnlockMenu));
+
+    m_keysets = validating(addMenu(tr("&Keysets")));
+    rebuildKeysetsMenu();
+    connect(&controller, &TVKController::keysetsMenuChanged, this, &TVKMenuBar::rebuildKeysetsMenu);
+
+    QMenu* surface = validating(addMenu(tr("&Surface")));
+    for (int mode = 0; mode < 4; ++mode)
+        surface->addAction(item(Command::HandleEmulationMenu, mode));
+    surface->addSeparator();
+    surface->addAction(item(Command::HandleOwnerMenu));
+    surface->addAction(item(Command::HandleSetOneTouchRecord));
+    surface->addAction(item(Command::HandleDefaultOneTouchRecord));
+    surface->addAction(item(Command::ReverseRBButtons));
+    surface->addSeparator();
+    surface->addAction(item(Command::HandleEndCapture));
+    surface->addAction(controller.connectionMenuItem());
+    surface->addSeparator();
+    surface->addAction(item(Command::ShowAppPortPanel));
+    surface->addAction(item(Command::ShowPreferencePanel));
+
+    QMenu* window = validating(addMenu(tr("&Window")));
+    window->addAction(item(Command::ShowMainWindow));
+    window->addSeparator();
+    window->addAction(item(Command::ShowExpander));
+    window->addAction(item(Command::ShowTLW));
+    window->addAction(item(Command::ShowTLW2));
+    window->addAction(item(Command::ShowNV));
+    for (QAction* extra : windowItems)
+        window->addAction(extra);
+
+    QMenu* help = validating(addMenu(tr("&Help")));
+    help->addAction(item(Command::ShowAboutBox));
+    m_helpMenu = help->menuAction();
+}
+
+void TVKMenuBar::rebuildKeysetsMenu()
+{
+    m_keysets->clear();
+    for (QAction* keysetItem : m_controller.keysetsMenu()) {
+        // The summary opens from the Window menu once it exists.
+        if (TVKMenuItems::command(keysetItem) == Command::ShowSummary)
+            continue;
+        m_keysets->addAction(keysetItem);
+    }
+}
+
+void TVKMenuBar::showCorvaneNVMenu(QMenu* menu, bool shown)
+{
+    if (shown)
+        insertMenu(m_helpMenu, menu);
+    else
+        removeAction(menu->menuAction());
+}

@@ -1,0 +1,241 @@
+#pragma once
+
+#include "core/NotificationCenter.h"
+#include "core/PlistValue.h"
+
+#include <QAbstractButton>
+#include <QPainterPath>
+#include <QPointF>
+#include <QStringList>
+#include <functional>
+#include <memory>
+#include <vector>
+
+class TVKMultiStateButton;
+
+// A picture's state images, by name (see TVKBundle); image k shows control k lit.
+using TVKImageList = QStringList;
+// Hit outlines by control number; entry 0 and missing entries are null.
+using TVKHitTestPaths = std::vector<std::unique_ptr<QPainterPath>>;
+
+// The cell of a picture button: which control the last click chose, whether one of the group's
+// controls is shown selected, and how the picture follows the selection made elsewhere.
+class TVKMultiStateButtonCell
+{
+public:
+    explicit TVKMultiStateButtonCell(TVKMultiStateButton& button) : m_button(button) {}
+
+    void setImageCount(qint64 numImages, const TVKImageList* images,
+                       const TVKHitTestPaths* hitTestPaths);
+    void startObserving();
+    void startTrackingAt(QPointF point);
+    void stopTracking(QPointF point, bool mouseIsUp);
+    void handleSelectedGroupChange(const corvane::Notification& note);
+    void handleRemoteSelectionChange(const corvane::Notification& note);
+    void handleDisplayChange(const corvane::Notification& note);
+
+    quint64 imageIndex() const { return m_imageIndex; }
+    void setImageIndex(quint64 index) { m_imageIndex = index; }
+    qint64 integerValue() const { return qint64(m_imageIndex); }
+    int intValue() const { return int(m_imageIndex); }
+    int state() const { return m_state; }
+    void setState(int state);
+    qint64 tag() const { return m_tag; }
+    void setTag(qint64 tag) { m_tag = tag; }
+
+private:
+    void hitTest(QPointF point);
+    void remoteSelectionChange();
+
+    TVKMultiStateButton& m_button;
+    quint64 m_imageIndex = 0;
+    qint64 m_numImages = 0;
+    const TVKImageList* m_images = nullptr;
+    const TVKHitTestPaths* m_hitTestPaths = nullptr;
+    qint64 m_tag = 0;
+    int m_state = 0;
+    std::vector<corvane::NotificationCenter::Observation> m_observations;
+};
+
+// One clickable group of the surface's controls: one picture per state and one hit outline per
+// control, read from the information dictionary under the button's key. Its tag is the on-screen
+// group, its value the control last clicked.
+//
+// Beyond the click, the button can be worked from the keyboard: the arrow keys step through the
+// group's controls and select each in turn.
+class TVKMultiStateButton : public QAbstractButton
+{
+    Q_OBJECT
+
+public:
+    // What a click asks of the main controller: select control (value) of group (tag).
+    using Action = std::function<void(qint64 tag, qint64 value)>;
+
+    // The key is the description's key: empty for the class's own (infoKey()).
+    explicit TVKMultiStateButton(const QString& key = QString(), QWidget* parent = nullptr);
+    ~TVKMultiStateButton() override;
+
+    static QString infoKey() { return QStringLiteral("TVKMultiStateButton"); }
+    QString descriptionKey() const { return m_key; }
+
+    // Builds images, outlines and tag from the description.
+    virtual void awakeFromNib();
+    void parsePath(const corvane::PlistValue& operations, qsizetype index);
+
+    static QPoint getOpOrigin(const corvane::PlistValue& op);
+    static QSize getOpSize(const corvane::PlistValue& op);
+    static QRect getOpRect(const corvane::PlistValue& op);
+    static QPoint getOpPoint(const corvane::PlistValue& op);
+    static QPoint getOpCenter(const corvane::PlistValue& op);
+    static double getOpRadius(const corvane::PlistValue& op);
+    static double getOpStartAngle(const corvane::PlistValue& op);
+    static double getOpEndAngle(const corvane::PlistValue& op);
+
+    void setAction(Action action) { m_action = std::move(action); }
+    TVKMultiStateButtonCell& cell() { return *m_cell; }
+    const TVKMultiStateButtonCell& cell() const { return *m_cell; }
+    qint64 tag() const { return m_tag; }
+    void setTag(qint64 tag);
+    qint64 integerValue() const { return m_cell->integerValue(); }
+    qint64 numImages() const { return m_numImages; }
+    const TVKImageList& images() const { return m_images; }
+    const TVKHitTestPaths& hitTestPaths() const { return m_hitTestPaths; }
+    const QString& image() const { return m_image; }
+    const QString& alternateImage() const { return m_alternateImage; }
+    void setImage(const QString& name);
+    void setAlternateImage(const QString& name);
+    // The picture drawn now: the alternate while a control is shown selected.
+    QString shownImage() const;
+    // The outline of control k, or none.
+    const QPainterPath* hitTestPath(qint64 k) const;
+    // The finish: the silver pictures as named, the midnight ones with "_Mid".
+    const TVKImageList& silverImages() const { return m_silverImages; }
+    const TVKImageList& midnightImages() const { return m_midnightImages; }
+    virtual void hardwareStyleChanged();
+
+    // The value this button sends for control k of its picture; the NV's banked groups add
+    // their bank.
+    virtual qint64 valueForImageIndex(quint64 k) const { return qint64(k); }
+    // The picture's state that shows a control the controller selected; -1 when it is not on
+    // this picture.
+    virtual qint64 imageIndexForControl(qint64 control) const { return control; }
+
+protected:
+    void setDescriptionImages(const TVKImageList& names);
+    void applyImageSet(const TVKImageList& images);
+    void parsePathList(const corvane::PlistValue& pathList);
+    void updateMask();
+    void sendAction();
+
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    bool hitButton(const QPoint& pos) const override;
+    // Extra drawing over the picture (colours of LCD buttons).
+    virtual void paintOverlay(QPainter&) {}
+
+    QString m_key;
+    qint64 m_tag = 0;
+    qint64 m_numImages = 0;
+    TVKImageList m_images;
+    TVKImageList m_silverImages;
+    TVKImageList m_midnightImages;
+    TVKHitTestPaths m_hitTestPaths;
+    QString m_image;
+    QString m_alternateImage;
+    std::unique_ptr<TVKMultiStateButtonCell> m_cell;
+    Action m_action;
+    std::vector<corvane::NotificationCenter::Observation> m_observations;
+    int m_hardwareStyle = 0;
+};
+
+// The jog wheel and shuttle ring.
+class JogShuttleControl : public TVKMultiStateButton
+{
+    Q_OBJECT
+public:
+    using TVKMultiStateButton::TVKMultiStateButton;
+    static QString infoKey() { return QStringLiteral("JogShuttleControlInfo"); }
+};
+
+// The surface family's jog wheel: its pictures follow the finish.
+class CorvaneJogShuttleControl : public JogShuttleControl
+{
+    Q_OBJECT
+public:
+    explicit CorvaneJogShuttleControl(QWidget* parent = nullptr);
+    int hardwareStyle() const { return m_hardwareStyle; }
+    // After a change of finish the jog picture shows images 0 and 1 again.
+    void hardwareStyleChanged() override;
+};
+
+// The four-way cursor switch.
+class VStickControl : public TVKMultiStateButton
+{
+    Q_OBJECT
+public:
+    explicit VStickControl(QWidget* parent = nullptr);
+    static QString infoKey() { return QStringLiteral("VStickControlInfo"); }
+};
+
+// A joystick; this family has none, but a description under its key makes one.
+class JoystickControl : public TVKMultiStateButton
+{
+    Q_OBJECT
+public:
+    explicit JoystickControl(QWidget* parent = nullptr);
+    static QString infoKey() { return QStringLiteral("JoystickControlInfo"); }
+};
+
+// A trackball with its ring; the ring shows the trackball's colour in the selected layer.
+class TrackballRingControl : public TVKMultiStateButton
+{
+    Q_OBJECT
+public:
+    // The ring's number: 0 for the first trackball.
+    explicit TrackballRingControl(int trackballNumber, QWidget* parent = nullptr);
+    static QString infoKey() { return QStringLiteral("TrackballRingControlInfo"); }
+
+    void awakeFromNib() override;
+    void setColor(qint64 color);
+    void handleColorChange(const corvane::Notification& note);
+    void handleLayerChange(const corvane::Notification& note);
+    int groupID() const;
+    int trackballNumber() const { return m_trackballNumber; }
+    qint64 color() const { return m_color; }
+    // The colour sets by colour index: plain, green, blue, red (and white in the family's ring).
+    const std::vector<TVKImageList>& imageList() const { return m_imageList; }
+
+protected:
+    // The set at a colour index as the finish shows it.
+    virtual TVKImageList finishedSet(const TVKImageList& set) const { return set; }
+
+    int m_trackballNumber = 0;
+    qint64 m_color = 0;
+    std::vector<TVKImageList> m_imageList;
+    TVKImageList m_greenImages;
+    TVKImageList m_blueImages;
+    TVKImageList m_redImages;
+};
+
+// The surface family's ring: a white set, and the finish. In the midnight finish colour 2 shows
+// the white pictures in place of the blue ones.
+class CorvaneTrackballRingControl : public TrackballRingControl
+{
+    Q_OBJECT
+public:
+    explicit CorvaneTrackballRingControl(int trackballNumber, QWidget* parent = nullptr);
+    void awakeFromNib() override;
+    void hardwareStyleChanged() override;
+    const TVKImageList& whiteImages() const { return m_whiteImages; }
+    int hardwareStyle() const { return m_hardwareStyle; }
+
+protected:
+    TVKImageList finishedSet(const TVKImageList& set) const override;
+
+private:
+    TVKImageList m_whiteImages;
+};

@@ -1,0 +1,143 @@
+#include "views/TVKQtDialogs.h"
+
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QIcon>
+#include <QInputDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QStandardPaths>
+#include <QVBoxLayout>
+
+namespace {
+
+QString filterFor(const QStringList& fileTypes)
+{
+    QStringList patterns;
+    for (const QString& type : fileTypes)
+        patterns << QStringLiteral("*.%1").arg(type);
+    return QObject::tr("Corvane keysets (%1)").arg(patterns.join(QLatin1Char(' ')));
+}
+
+QIcon applicationIcon(const corvane::DesktopApplication& application)
+{
+    if (application.iconName.startsWith(QLatin1Char('/')))
+        return QIcon(application.iconName);
+    const QIcon themed = QIcon::fromTheme(application.iconName);
+    return themed.isNull() ? QIcon::fromTheme(QStringLiteral("application-x-executable")) : themed;
+}
+
+} // namespace
+
+QString TVKQtDialogs::runOpenPanel(const QStringList& fileTypes)
+{
+    return QFileDialog::getOpenFileName(
+        m_parent, QObject::tr("Import Keyset"),
+        QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation), filterFor(fileTypes));
+}
+
+QString TVKQtDialogs::runSavePanel(const QString& fileType, const QString& proposedName)
+{
+    QFileDialog dialog(m_parent, QObject::tr("Export Keyset"),
+                       QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation),
+                       filterFor({fileType}));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(fileType);
+    dialog.selectFile(proposedName);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return QString();
+    return dialog.selectedFiles().constFirst();
+}
+
+int TVKQtDialogs::runAlert(const TVKAlert& alert)
+{
+    QMessageBox box(m_parent);
+    box.setIcon(QMessageBox::Warning);
+    box.setText(alert.message);
+    box.setInformativeText(alert.informativeText);
+    std::vector<QAbstractButton*> buttons;
+    const QStringList titles =
+        alert.buttons.isEmpty() ? QStringList{QObject::tr("OK")} : alert.buttons;
+    for (qsizetype i = 0; i < titles.size(); ++i) {
+        // The first button is the default; a second one is the way out with Escape.
+        const QMessageBox::ButtonRole role = i == 0   ? QMessageBox::AcceptRole
+                                             : i == 1 ? QMessageBox::RejectRole
+                                                      : QMessageBox::DestructiveRole;
+        QPushButton* button = box.addButton(titles.at(i), role);
+        if (i == 0)
+            box.setDefaultButton(button);
+        buttons.push_back(button);
+    }
+    box.exec();
+    for (size_t i = 0; i < buttons.size(); ++i) {
+        if (box.clickedButton() == buttons[i])
+            return int(i);
+    }
+    // Closed from the window frame: as the way out, or the only button.
+    return buttons.size() > 1 ? 1 : 0;
+}
+
+std::optional<corvane::DesktopApplication>
+TVKQtDialogs::chooseApplication(const std::vector<corvane::DesktopApplication>& applications)
+{
+    QDialog dialog(m_parent);
+    dialog.setWindowTitle(QObject::tr("New Keyset for Application"));
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->addWidget(
+        new QLabel(QObject::tr("Choose the application the new keyset controls:"), &dialog));
+    auto* filter = new QLineEdit(&dialog);
+    filter->setPlaceholderText(QObject::tr("Search applications"));
+    filter->setClearButtonEnabled(true);
+    layout->addWidget(filter);
+    auto* list = new QListWidget(&dialog);
+    list->setIconSize(QSize(24, 24));
+    list->setMinimumSize(360, 360);
+    for (size_t i = 0; i < applications.size(); ++i) {
+        if (applications[i].noDisplay)
+            continue;
+        auto* item =
+            new QListWidgetItem(applicationIcon(applications[i]), applications[i].name, list);
+        item->setData(Qt::UserRole, qulonglong(i));
+        item->setToolTip(applications[i].id);
+    }
+    list->sortItems();
+    if (list->count() > 0)
+        list->setCurrentRow(0);
+    layout->addWidget(list, 1);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dialog);
+    buttons->button(QDialogButtonBox::Ok)->setText(QObject::tr("Make Keyset"));
+    layout->addWidget(buttons);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    QObject::connect(list, &QListWidget::itemDoubleClicked, &dialog, &QDialog::accept);
+    QObject::connect(filter, &QLineEdit::textChanged, list, [list](const QString& text) {
+        QListWidgetItem* first = nullptr;
+        for (int row = 0; row < list->count(); ++row) {
+            QListWidgetItem* item = list->item(row);
+            const bool shown = item->text().contains(text, Qt::CaseInsensitive) ||
+                               item->toolTip().contains(text, Qt::CaseInsensitive);
+            item->setHidden(!shown);
+            if (shown && !first)
+                first = item;
+        }
+        list->setCurrentItem(first);
+    });
+    if (dialog.exec() != QDialog::Accepted || !list->currentItem())
+        return std::nullopt;
+    return applications[size_t(list->currentItem()->data(Qt::UserRole).toULongLong())];
+}
+
+std::optional<QString> TVKQtDialogs::runTextInput(const QString& title, const QString& label,
+                                                  const QString& text)
+{
+    bool ok = false;
+    const QString answer =
+        QInputDialog::getText(m_parent, title, label, QLineEdit::Normal, text, &ok);
+    if (!ok)
+        return std::nullopt;
+    return answer;
+}

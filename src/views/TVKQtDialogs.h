@@ -1,0 +1,26 @@
+#pragma once
+
+#include "app/TVKViewInterfaces.h"
+
+class QWidget;
+
+// The controller's modal dialogs, as the desktop's standard ones: file dialogs with the keyset
+// file type, message boxes with the alert's buttons (the first is the default), an application
+// chooser listing the installed desktop applications, and a text prompt.
+class TVKQtDialogs : public TVKDialogs
+{
+public:
+    // Dialogs are centred on the parent's window (the main window once it exists).
+    void setParentWindow(QWidget* parent) { m_parent = parent; }
+
+    QString runOpenPanel(const QStringList& fileTypes) override;
+    QString runSavePanel(const QString& fileType, const QString& proposedName) override;
+    int runAlert(const TVKAlert& alert) override;
+    std::optional<corvane::DesktopApplication>
+    chooseApplication(const std::vector<corvane::DesktopApplication>& applications) override;
+    std::optional<QString> runTextInput(const QString& title, const QString& label,
+                                        const QString& text) override;
+
+private:
+    QWidget* m_parent = nullptr;
+};

@@ -1,0 +1,497 @@
+#include "SurfaceGenerator.h"
+
+#include "SurfaceArt.h"
+#include "SurfaceLayout.h"
+#include "core/PlistCodec.h"
+
+#include <QDir>
+#include <QPainter>
+#include <QtMath>
+
+using corvane::PlistCodec;
+using corvane::PlistValue;
+
+namespace surfacegen {
+
+namespace {
+
+constexpr qreal kScales[] = {1, 2};
+
+struct RingSet
+{
+    RingLight light;
+    const char16_t* suffix;
+};
+
+// By colour index: the plain set, then green, blue, red and white.
+constexpr RingSet kRingSets[] = {{RingLight::Plain, u""},
+                                 {RingLight::Green, u"_Green"},
+                                 {RingLight::Blue, u"_Blue"},
+                                 {RingLight::Red, u"_Red"},
+                                 {RingLight::White, u"_White"}};
+
+PlistValue intArray(std::initializer_list<int> values)
+{
+    PlistValue array = PlistValue::makeArray();
+    for (int v : values)
+        array.append(PlistValue(v));
+    return array;
+}
+
+PlistValue rectValue(const QRect& r)
+{
+    return intArray({r.x(), r.y(), r.width(), r.height()});
+}
+
+PlistValue op(const QString& name, std::initializer_list<std::pair<const char16_t*, double>> args)
+{
+    PlistValue dict = PlistValue::makeDict();
+    dict.insert(QStringLiteral("Operation"), PlistValue(name));
+    for (const auto& [key, value] : args) {
+        // Coordinates are whole numbers; radii and angles may not be.
+        if (value == std::floor(value))
+            dict.insert(QString::fromUtf16(key), PlistValue(qint64(value)));
+        else
+            dict.insert(QString::fromUtf16(key), PlistValue(value));
+    }
+    return dict;
+}
+
+// The point at an angle on a circle, angles counter-clockwise from three o'clock as drawn.
+QPoint onCircle(const QPointF& centre, qreal radius, qreal degrees)
+{
+    const qreal a = qDegreesToRadians(degrees);
+    return QPointF(centre.x() + radius * qCos(a), centre.y() - radius * qSin(a)).toPoint();
+}
+
+PlistValue rectOutline(const QRectF& r)
+{
+    const QRect i = r.toRect();
+    PlistValue path = PlistValue::makeArray();
+    path.append(op(QStringLiteral("MoveTo"), {{u"X", i.left()}, {u"Y", i.top()}}));
+    path.append(op(QStringLiteral("LineTo"), {{u"X", i.left() + i.width()}, {u"Y", i.top()}}));
+    path.append(
+        op(QStringLiteral("LineTo"), {{u"X", i.left() + i.width()}, {u"Y", i.top() + i.height()}}));
+    path.append(op(QStringLiteral("LineTo"), {{u"X", i.left()}, {u"Y", i.top() + i.height()}}));
+    return path;
+}
+
+PlistValue ovalOutline(const QRectF& r)
+{
+    const QRect i = r.toRect();
+    PlistValue path = PlistValue::makeArray();
+    path.append(op(
+        QStringLiteral("Oval"),
+        {{u"Left", i.left()}, {u"Top", i.top()}, {u"Width", i.width()}, {u"Height", i.height()}}));
+    return path;
+}
+
+PlistValue arc(const QString& name, const QPointF& c, qreal radius, qreal from, qreal to)
+{
+    return op(name, {{u"CenterX", qRound(c.x())},
+                     {u"CenterY", qRound(c.y())},
+                     {u"Radius", radius},
+                     {u"StartAngle", from},
+                     {u"EndAngle", to}});
+}
+
+PlistValue ringOutline(const QPointF& c, qreal outer, qreal inner)
+{
+    PlistValue path = PlistValue::makeArray();
+    const QPoint o = onCircle(c, outer, 0);
+    path.append(op(QStringLiteral("MoveTo"), {{u"X", o.x()}, {u"Y", o.y()}}));
+    path.append(arc(QStringLiteral("Arc"), c, outer, 0, 360));
+    const QPoint i = onCircle(c, inner, 0);
+    path.append(op(QStringLiteral("MoveTo"), {{u"X", i.x()}, {u"Y", i.y()}}));
+    path.append(arc(QStringLiteral("ClockwiseArc"), c, inner, 360, 0));
+    return path;
+}
+
+PlistValue wedgeOutline(const QPointF& c, qreal outer, qreal inner, qreal from, qreal to)
+{
+    PlistValue path = PlistValue::makeArray();
+    const QPoint start = onCircle(c, outer, from);
+    path.append(op(QStringLiteral("MoveTo"), {{u"X", start.x()}, {u"Y", start.y()}}));
+    path.append(arc(QStringLiteral("Arc"), c, outer, from, to));
+    const QPoint in = onCircle(c, inner, to);
+    path.append(op(QStringLiteral("LineTo"), {{u"X", in.x()}, {u"Y", in.y()}}));
+    path.append(arc(QStringLiteral("ClockwiseArc"), c, inner, to, from));
+    return path;
+}
+
+// A state without a control still needs an outline; one that encloses nothing is never hit.
+PlistValue emptyOutline()
+{
+    PlistValue path = PlistValue::makeArray();
+    path.append(op(QStringLiteral("MoveTo"), {{u"X", 0}, {u"Y", 0}}));
+    return path;
+}
+
+// The hit outline of a control, in its button's coordinates.
+PlistValue outline(const Control& control, const QPoint& origin)
+{
+    const QRectF r = control.rect.translated(-origin);
+    const QString& s = control.shape;
+    if (s == QStringLiteral("ring") || s == QStringLiteral("tbring"))
+        return ringOutline(r.center(), r.width() / 2, control.inner.width() / 2);
+    if (s.startsWith(QStringLiteral("dpad-"))) {
+        const qreal outer = r.width() / 2 - 1;
+        const qreal inner = outer * 0.36;
+        if (s == QStringLiteral("dpad-center"))
+            return ovalOutline(QRectF(r.center().x() - inner + 3, r.center().y() - inner + 3,
+                                      2 * inner - 6, 2 * inner - 6));
+        qreal mid = 90;
+        if (s == QStringLiteral("dpad-right"))
+            mid = 0;
+        else if (s == QStringLiteral("dpad-down"))
+            mid = 270;
+        else if (s == QStringLiteral("dpad-left"))
+            mid = 180;
+        return wedgeOutline(r.center(), outer, inner, mid - 43, mid + 43);
+    }
+    if (s == QStringLiteral("round") || s == QStringLiteral("ball") || s == QStringLiteral("jog") ||
+        s == QStringLiteral("encoder"))
+        return ovalOutline(r);
+    return rectOutline(r);
+}
+
+// Where a control's lit picture lies, with room for its shadow.
+QRect litRect(const Control& control)
+{
+    return control.rect.adjusted(-2, -2, 2, 3).toAlignedRect();
+}
+
+struct Writer
+{
+    QDir out;
+    QString error;
+
+    bool writeImage(const QString& name, QSize size, const std::function<void(QPainter&)>& paint)
+    {
+        for (const qreal scale : kScales) {
+            const QString file =
+                scale == 1 ? name + QStringLiteral(".png") : name + QStringLiteral("@2x.png");
+            const QImage image = renderImage(size, scale, paint);
+            if (!image.save(out.filePath(file), "PNG", 9)) {
+                error = QStringLiteral("cannot write %1").arg(out.filePath(file));
+                return false;
+            }
+        }
+        return true;
+    }
+
+    bool writePlist(const QString& name, const PlistValue& value)
+    {
+        QString reason;
+        if (!PlistCodec::writeFile(out.filePath(name), value, corvane::PlistFormat::Xml, &reason)) {
+            error = reason;
+            return false;
+        }
+        return true;
+    }
+};
+
+PlistValue imageEntry(const QString& sheet, const QRect& frame, const Control* lit)
+{
+    PlistValue entry = PlistValue::makeDict();
+    entry.insert(QStringLiteral("Sheet"), PlistValue(sheet));
+    entry.insert(QStringLiteral("Frame"), rectValue(frame));
+    if (lit)
+        entry.insert(QStringLiteral("Lit"), rectValue(litRect(*lit)));
+    return entry;
+}
+
+// Both finishes of one picture name: the silver one as named, the midnight one with "_Mid".
+void addImage(PlistValue& images, const QString& name, const QString& silverSheet,
+              const QString& midnightSheet, const QRect& frame, const Control* lit)
+{
+    images.insert(name, imageEntry(silverSheet, frame, lit));
+    images.insert(name + QStringLiteral("_Mid"), imageEntry(midnightSheet, frame, lit));
+}
+
+PlistValue pathList(const Button& button, const QPoint& origin)
+{
+    PlistValue paths = PlistValue::makeArray();
+    paths.append(PlistValue::makeArray()); // state 0 has no hit area
+    for (int k = 1; k < button.numImages(); ++k) {
+        const Control* control = button.control(k);
+        paths.append(control ? outline(*control, origin) : emptyOutline());
+    }
+    return paths;
+}
+
+bool generateRings(Writer& w, const Button& ring, PlistValue& info, PlistValue& images)
+{
+    const QRect frame = ring.frame();
+    const QRect sheetFrame(QPoint(0, 0), frame.size());
+    PlistValue lists = PlistValue::makeArray();
+    for (const RingSet& set : kRingSets) {
+        const QString sheet = QStringLiteral("TrackballRing") + QString::fromUtf16(set.suffix);
+        PlistValue names = PlistValue::makeArray();
+        for (int k = 0; k < ring.numImages(); ++k) {
+            const QString name = sheet + QStringLiteral("_%1").arg(k);
+            const Control* lit = ring.control(k);
+            Control shifted;
+            if (lit) {
+                shifted = *lit;
+                shifted.rect.translate(-frame.topLeft());
+                shifted.inner.translate(-frame.topLeft());
+            }
+            addImage(images, name, sheet, sheet + QStringLiteral("_Midnight"), sheetFrame,
+                     lit ? &shifted : nullptr);
+            names.append(PlistValue(name));
+        }
+        lists.append(names);
+        for (const Finish finish : {Finish::Silver, Finish::Midnight}) {
+            const QString base =
+                sheet + (finish == Finish::Midnight ? QStringLiteral("_Midnight") : QString());
+            for (const bool lit : {false, true}) {
+                const bool ok = w.writeImage(
+                    lit ? base + QStringLiteral("_Lit") : base, frame.size(), [&](QPainter& p) {
+                        p.translate(-frame.topLeft());
+                        for (const Control& control : ring.controls)
+                            paintControl(p, control, finish, lit, set.light);
+                    });
+                if (!ok)
+                    return false;
+            }
+        }
+    }
+    PlistValue description = PlistValue::makeDict();
+    description.insert(QStringLiteral("ImageList"), lists);
+    description.insert(QStringLiteral("PathList"), pathList(ring, frame.topLeft()));
+    info.insert(ring.key, description);
+    return true;
+}
+
+bool generateUnit(Writer& w, const Layout& layout, PlistValue& info, PlistValue& images,
+                  PlistValue& surfaces)
+{
+    PlistValue buttons = PlistValue::makeArray();
+    for (const Button& button : layout.buttons) {
+        if (button.cls == QStringLiteral("ring")) {
+            for (int n = 0; n < button.instances.size(); ++n) {
+                const QRect frame = button.frame().translated(button.instances[n].toPoint());
+                PlistValue entry = PlistValue::makeDict();
+                entry.insert(QStringLiteral("InfoKey"), PlistValue(button.key));
+                entry.insert(QStringLiteral("Class"), PlistValue(button.cls));
+                entry.insert(QStringLiteral("Frame"), rectValue(frame));
+                entry.insert(QStringLiteral("TrackballNumber"), PlistValue(n));
+                buttons.append(entry);
+            }
+            if (!info.contains(button.key) && !generateRings(w, button, info, images))
+                return false;
+            continue;
+        }
+        const QRect frame = button.frame();
+        PlistValue names = PlistValue::makeArray();
+        for (int k = 0; k < button.numImages(); ++k) {
+            const QString name = button.key + QStringLiteral("_%1").arg(k);
+            addImage(images, name, layout.name, layout.midnightName, frame, button.control(k));
+            names.append(PlistValue(name));
+        }
+        PlistValue description = PlistValue::makeDict();
+        description.insert(QStringLiteral("ImageList"), names);
+        description.insert(QStringLiteral("PathList"), pathList(button, frame.topLeft()));
+        description.insert(QStringLiteral("ControlTag"), PlistValue(button.tag));
+        info.insert(button.key, description);
+
+        PlistValue entry = PlistValue::makeDict();
+        entry.insert(QStringLiteral("InfoKey"), PlistValue(button.key));
+        entry.insert(QStringLiteral("Class"), PlistValue(button.cls));
+        entry.insert(QStringLiteral("Frame"), rectValue(frame));
+        entry.insert(QStringLiteral("Tag"), PlistValue(button.tag));
+        if (button.bank > 0)
+            entry.insert(QStringLiteral("Bank"), PlistValue(button.bank));
+        // Where each control lies in the button, the unclickable ones too: the windows draw
+        // the LCD buttons' colours there.
+        PlistValue controls = PlistValue::makeArray();
+        for (const Control& control : button.controls) {
+            PlistValue c = PlistValue::makeDict();
+            c.insert(QStringLiteral("Control"), PlistValue(control.c));
+            c.insert(QStringLiteral("Frame"),
+                     rectValue(control.rect.translated(-frame.topLeft()).toRect()));
+            controls.append(c);
+        }
+        entry.insert(QStringLiteral("Controls"), controls);
+        buttons.append(entry);
+    }
+
+    PlistValue displays = PlistValue::makeArray();
+    for (const DisplayGroup& group : layout.displays) {
+        PlistValue entry = PlistValue::makeDict();
+        entry.insert(QStringLiteral("Group"), PlistValue(group.group));
+        entry.insert(QStringLiteral("Kind"), PlistValue(group.kind));
+        entry.insert(QStringLiteral("Characters"), PlistValue(group.chars));
+        PlistValue cells = PlistValue::makeArray();
+        for (const DisplayCell& cell : group.cells) {
+            PlistValue c = PlistValue::makeDict();
+            c.insert(QStringLiteral("Display"), PlistValue(cell.display));
+            c.insert(QStringLiteral("Frame"), rectValue(cell.rect.toRect()));
+            cells.append(c);
+        }
+        entry.insert(QStringLiteral("Cells"), cells);
+        displays.append(entry);
+    }
+
+    PlistValue unit = PlistValue::makeDict();
+    unit.insert(QStringLiteral("Size"), intArray({layout.size.width(), layout.size.height()}));
+    unit.insert(QStringLiteral("Picture"), PlistValue(layout.name));
+    unit.insert(QStringLiteral("MidnightPicture"), PlistValue(layout.midnightName));
+    unit.insert(QStringLiteral("Buttons"), buttons);
+    unit.insert(QStringLiteral("Displays"), displays);
+    surfaces.insert(layout.name, unit);
+
+    for (const Finish finish : {Finish::Silver, Finish::Midnight}) {
+        const QString sheet = finish == Finish::Silver ? layout.name : layout.midnightName;
+        if (!w.writeImage(sheet, layout.size, [&](QPainter& p) { paintPanel(p, layout, finish); }))
+            return false;
+        const bool ok = w.writeImage(sheet + QStringLiteral("_Lit"), layout.size, [&](QPainter& p) {
+            for (const Button& button : layout.buttons) {
+                if (button.cls == QStringLiteral("ring"))
+                    continue;
+                for (const Control& control : button.controls)
+                    paintControl(p, control, finish, true);
+            }
+        });
+        if (!ok)
+            return false;
+    }
+    return true;
+}
+
+// The summary's group icons: one control of each kind, on a neutral tile.
+bool generateIcons(Writer& w)
+{
+    struct Icon
+    {
+        const char16_t* name;
+        const char16_t* shape;
+        const char16_t* label;
+    };
+    const Icon icons[] = {{u"cvn_btn", u"round", u""},
+                          {u"xport", u"key", u"▶"},
+                          {u"encoder", u"encoder", u""},
+                          {u"tlw2_encoder", u"encoder", u""},
+                          {u"rect_btn", u"key", u""},
+                          {u"tball", u"ball", u""},
+                          {u"tb_ring", u"tbring", u""},
+                          {u"vstick", u"dpad", u""},
+                          {u"mini_fader_touch", u"touch", u""},
+                          {u"minifdr", u"fader", u""},
+                          {u"corvane_mini_reset", u"round", u""},
+                          {u"tlw_mini_lcd", u"lcdkey", u""},
+                          {u"corvanelightedsquare", u"square", u""},
+                          {u"keypad", u"keypad", u""}};
+    const QSize size(32, 32);
+    for (const Icon& icon : icons) {
+        const QString shape = QString::fromUtf16(icon.shape);
+        const bool ok = w.writeImage(
+            QStringLiteral("icons/") + QString::fromUtf16(icon.name), size, [&](QPainter& p) {
+                Control c;
+                c.shape = shape;
+                c.label = QString::fromUtf16(icon.label);
+                c.rect = QRectF(5, 5, 22, 22);
+                if (shape == QStringLiteral("key") || shape == QStringLiteral("square") ||
+                    shape == QStringLiteral("lcdkey"))
+                    c.rect = QRectF(4, 7, 24, 18);
+                else if (shape == QStringLiteral("touch"))
+                    c.rect = QRectF(5, 12, 22, 8);
+                else if (shape == QStringLiteral("fader"))
+                    c.rect = QRectF(6, 0, 20, 32);
+                else if (shape == QStringLiteral("tbring"))
+                    c.rect = QRectF(2, 2, 28, 28), c.inner = QRectF(8, 8, 16, 16);
+                else if (shape == QStringLiteral("encoder"))
+                    c.rect = QRectF(2, 2, 28, 28);
+                if (shape == QStringLiteral("dpad")) {
+                    for (const char16_t* part :
+                         {u"dpad-up", u"dpad-right", u"dpad-down", u"dpad-left", u"dpad-center"}) {
+                        c.shape = QString::fromUtf16(part);
+                        c.rect = QRectF(1, 1, 30, 30);
+                        paintControl(p, c, Finish::Midnight, false);
+                    }
+                    return;
+                }
+                if (shape == QStringLiteral("keypad")) {
+                    c.shape = QStringLiteral("key");
+                    for (int row = 0; row < 3; ++row) {
+                        for (int col = 0; col < 3; ++col) {
+                            c.rect = QRectF(2 + col * 10, 2 + row * 10, 8, 8);
+                            paintControl(p, c, Finish::Midnight, false);
+                        }
+                    }
+                    return;
+                }
+                paintControl(p, c, Finish::Midnight, false,
+                             shape == QStringLiteral("tbring") ? RingLight::Blue
+                                                               : RingLight::Plain);
+            });
+        if (!ok)
+            return false;
+    }
+    // The connection indicator: the surface's link lamp lit green, or dark with a red mark.
+    for (const bool on : {true, false}) {
+        const QString name = on ? QStringLiteral("corvane_connect_icon_on")
+                                : QStringLiteral("corvane_connect_icon_off");
+        const bool ok = w.writeImage(name, size, [&](QPainter& p) {
+            p.setRenderHint(QPainter::Antialiasing);
+            QLinearGradient body(0, 6, 0, 26);
+            body.setColorAt(0, QColor(0x4b, 0x4f, 0x56));
+            body.setColorAt(1, QColor(0x2c, 0x2f, 0x34));
+            p.setPen(QPen(QColor(0x16, 0x17, 0x1a), 1));
+            p.setBrush(body);
+            p.drawRoundedRect(QRectF(2.5, 8.5, 27, 16), 3, 3);
+            p.setPen(Qt::NoPen);
+            p.setBrush(QColor(0x12, 0x14, 0x16));
+            p.drawRoundedRect(QRectF(6, 12, 12, 5), 1, 1);
+            const QColor lamp = on ? QColor(0x36, 0xe0, 0x7a) : QColor(0x5a, 0x1e, 0x1e);
+            if (on) {
+                p.setBrush(QColor(0x36, 0xe0, 0x7a, 80));
+                p.drawEllipse(QPointF(23.5, 16.5), 5.5, 5.5);
+            }
+            p.setBrush(lamp);
+            p.drawEllipse(QPointF(23.5, 16.5), 3, 3);
+            if (!on) {
+                p.setPen(QPen(QColor(0xe0, 0x3a, 0x3a), 2.2, Qt::SolidLine, Qt::RoundCap));
+                p.drawLine(QPointF(4, 28), QPointF(28, 4));
+            }
+        });
+        if (!ok)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool generate(const Options& options, QString& error)
+{
+    Writer w{QDir(options.outputDir), {}};
+    if (!w.out.mkpath(QStringLiteral("icons"))) {
+        error = QStringLiteral("cannot make %1").arg(w.out.filePath(QStringLiteral("icons")));
+        return false;
+    }
+    PlistValue info = PlistValue::makeDict();
+    PlistValue images = PlistValue::makeDict();
+    PlistValue surfaces = PlistValue::makeDict();
+    for (const QString& path : options.layouts) {
+        Layout layout;
+        if (!readLayout(path, layout, error)) {
+            error = QStringLiteral("%1: %2").arg(path, error);
+            return false;
+        }
+        if (!generateUnit(w, layout, info, images, surfaces)) {
+            error = w.error;
+            return false;
+        }
+    }
+    if (!generateIcons(w) || !w.writePlist(QStringLiteral("Info.plist"), info) ||
+        !w.writePlist(QStringLiteral("Images.plist"), images) ||
+        !w.writePlist(QStringLiteral("Surfaces.plist"), surfaces)) {
+        error = w.error;
+        return false;
+    }
+    return true;
+}
+
+} // namespace surfacegen
