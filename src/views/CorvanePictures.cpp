@@ -67,6 +67,11 @@ CorvaneLCDButtonPicture::CorvaneLCDButtonPicture(const QString& key, int bankSiz
 void CorvaneLCDButtonPicture::awakeFromNib()
 {
     CorvaneBankedPicture::awakeFromNib();
+    // Every button shows its colours, the first of a bank too, which has no outline to click.
+    QRegion shown = mask();
+    for (const ControlFrame& each : m_frames)
+        shown |= each.frame;
+    setMask(shown);
     corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
     for (const QString& name :
          {note::DispColorChange, note::DispOffColorChange, note::SelectedLayerChange,

@@ -33,7 +33,7 @@ TVKAboutBox::TVKAboutBox(QWidget* parent) : QDialog(parent)
     auto* text = new QLabel(
         tr("Version %1<br>Configuration for the Corvane RS control surface and its TL, TLW, "
            "TLW2, NV and DZ expanders.")
-            .arg(QApplication::applicationVersion()),
+            .arg(QStringLiteral(CORVANE_VERSION)),
         this);
     text->setAlignment(Qt::AlignHCenter);
     text->setWordWrap(true);

@@ -71,6 +71,8 @@ QImage TVKBundle::sheetImage(const QString& name, int scale)
     const QString path = scale == 1 ? QStringLiteral(":/surface/%1.png").arg(name)
                                     : QStringLiteral(":/surface/%1@2x.png").arg(name);
     QImage image(path);
+    // The reader takes "@2x" in a name as a device pixel ratio; the sheets are cut in pixels.
+    image.setDevicePixelRatio(1);
     m_sheets.insert(key, image);
     return image;
 }

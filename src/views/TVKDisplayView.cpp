@@ -69,6 +69,23 @@ QString TVKDisplayView::textForCell(const Cell& cell) const
     return display ? corvane::displaySampleText(display->action()) : QString();
 }
 
+QString TVKDisplayView::nameForCell(const Cell& cell) const
+{
+    const TVKController* controller = TVKController::c();
+    const TVKModelData* model = TVKModelData::defaultModelData();
+    int group = 0;
+    int index = 0;
+    if (!controller || !model || !dataDisplay(cell, group, index))
+        return QString();
+    if (group == kNVButtonDisplayGroup)
+        index += m_bank * kNVButtonsPerBank;
+    const TVKControl* display = model->displayForKeyset(
+        int(controller->selectedKeyset()), int(controller->selectedLayer()), group, index);
+    if (!display)
+        return QString();
+    return display->userName().isEmpty() ? display->name() : display->userName();
+}
+
 bool TVKDisplayView::cellIsSelected(const Cell& cell) const
 {
     const TVKController* controller = TVKController::c();
@@ -111,17 +128,33 @@ void TVKDisplayView::paintEvent(QPaintEvent*)
         }
         if (m_characters > 0 && text.size() > m_characters)
             text.truncate(m_characters);
-        p.setFont(font);
-        // A dim glow behind the characters, as on a backlit display.
-        QColor glow = ink;
-        glow.setAlpha(60);
+        // A display with nothing to show names itself, faintly, so that it reads as a place
+        // that can be chosen.
+        const bool placeholder = text.isEmpty();
+        if (placeholder)
+            text = nameForCell(cell);
+        const QRectF textRect = r.adjusted(6, 0, -6, 0);
         const int align =
             m_kind == Kind::Lcd ? int(Qt::AlignLeft | Qt::AlignVCenter) : int(Qt::AlignCenter);
-        const QRectF textRect = r.adjusted(6, 0, -6, 0);
-        p.setPen(glow);
-        p.drawText(textRect.translated(0, 0.6), align, text);
-        p.setPen(ink);
-        p.drawText(textRect, align, text);
+        if (placeholder) {
+            QFont small = font;
+            small.setBold(false);
+            small.setPixelSize(qMax(7, int(qMin(r.height() * 0.42, 11.0))));
+            p.setFont(small);
+            ink.setAlpha(80);
+            p.setPen(ink);
+            p.drawText(textRect, align,
+                       QFontMetrics(small).elidedText(text, Qt::ElideRight, int(textRect.width())));
+        } else {
+            p.setFont(font);
+            // A dim glow behind the characters, as on a backlit display.
+            QColor glow = ink;
+            glow.setAlpha(60);
+            p.setPen(glow);
+            p.drawText(textRect.translated(0, 0.6), align, text);
+            p.setPen(ink);
+            p.drawText(textRect, align, text);
+        }
         if (cellIsSelected(cell)) {
             p.setPen(QPen(QColor(0xff, 0xc0, 0x4a), 2));
             p.setBrush(Qt::NoBrush);

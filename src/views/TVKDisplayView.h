@@ -33,6 +33,8 @@ public:
     const std::vector<Cell>& cells() const { return m_cells; }
     // The text a cell shows now.
     QString textForCell(const Cell& cell) const;
+    // The display's own name (the user's, else the factory one).
+    QString nameForCell(const Cell& cell) const;
     // Whether the cell is the display being edited.
     bool cellIsSelected(const Cell& cell) const;
     // The NV's LCD-button displays show one bank of 24 at a time.

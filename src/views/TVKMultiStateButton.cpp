@@ -360,20 +360,29 @@ void TVKMultiStateButton::paintEvent(QPaintEvent*)
         painter.drawPixmap(0, 0, picture);
     paintOverlay(painter);
     if (hasFocus()) {
-        // The keyboard's place: the chosen control's outline, or the whole group's.
-        const QPainterPath* path = hitTestPath(qint64(m_cell->imageIndex()));
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(palette().color(QPalette::Highlight), 2.5));
-        painter.setBrush(Qt::NoBrush);
-        if (path && !path->boundingRect().isEmpty()) {
+        // The keyboard's place: the chosen control, or the first one the arrows reach.
+        const QPainterPath* path = hitTestPath(focusIndex());
+        if (path) {
+            painter.setRenderHint(QPainter::Antialiasing);
+            painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+            painter.setBrush(Qt::NoBrush);
             painter.drawPath(*path);
-        } else {
-            for (const auto& each : m_hitTestPaths) {
-                if (each)
-                    painter.drawPath(*each);
-            }
         }
     }
+}
+
+qint64 TVKMultiStateButton::focusIndex() const
+{
+    const qint64 chosen = qint64(m_cell->imageIndex());
+    const QPainterPath* path = hitTestPath(chosen);
+    if (chosen != 0 && path && !path->boundingRect().isEmpty())
+        return chosen;
+    for (qint64 k = 1; k < m_numImages; ++k) {
+        path = hitTestPath(k);
+        if (path && !path->boundingRect().isEmpty())
+            return k;
+    }
+    return 0;
 }
 
 void TVKMultiStateButton::mousePressEvent(QMouseEvent* event)

@@ -125,6 +125,8 @@ protected:
     void applyImageSet(const TVKImageList& images);
     void parsePathList(const corvane::PlistValue& pathList);
     void updateMask();
+    // The control the keyboard is on.
+    qint64 focusIndex() const;
     void sendAction();
 
     void paintEvent(QPaintEvent* event) override;

@@ -54,6 +54,13 @@ public:
         offeredApplications = applications;
         return chosenApplication;
     }
+    std::deque<QString> textAnswers;
+    std::optional<QString> runTextInput(const QString&, const QString&, const QString&) override
+    {
+        if (textAnswers.empty())
+            return std::nullopt;
+        return take(textAnswers, QString());
+    }
 
     // Windows.
     std::set<TVKWindow> existing;

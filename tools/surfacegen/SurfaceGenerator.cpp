@@ -230,7 +230,7 @@ bool generateRings(Writer& w, const Button& ring, PlistValue& info, PlistValue& 
         PlistValue names = PlistValue::makeArray();
         for (int k = 0; k < ring.numImages(); ++k) {
             const QString name = sheet + QStringLiteral("_%1").arg(k);
-            const Control* lit = ring.control(k);
+            const Control* lit = k > 0 ? ring.control(k) : nullptr;
             Control shifted;
             if (lit) {
                 shifted = *lit;
@@ -287,7 +287,9 @@ bool generateUnit(Writer& w, const Layout& layout, PlistValue& info, PlistValue&
         PlistValue names = PlistValue::makeArray();
         for (int k = 0; k < button.numImages(); ++k) {
             const QString name = button.key + QStringLiteral("_%1").arg(k);
-            addImage(images, name, layout.name, layout.midnightName, frame, button.control(k));
+            // State 0 shows nothing lit, even where a control numbered 0 is drawn.
+            addImage(images, name, layout.name, layout.midnightName, frame,
+                     k > 0 ? button.control(k) : nullptr);
             names.append(PlistValue(name));
         }
         PlistValue description = PlistValue::makeDict();

@@ -1,0 +1,127 @@
+// The screens a person looks at, captured on a real X server (Xvfb) into the build folder's
+// "screens" folder: the main window in both finishes and in a light and a dark theme, every
+// expander window, the sheets and the about box. The test checks that each capture shows
+// something; the judging is done by eye.
+#include "TestConfig.h"
+#include "ViewsFixture.h"
+#include "model/CorvaneModelData.h"
+#include "views/CorvaneExpanderControllers.h"
+#include "views/CorvaneSurfaceView.h"
+#include "views/TVKAboutBox.h"
+#include "views/TVKMainWindow.h"
+#include "views/TVKMultiStateButton.h"
+#include "views/TVKSheetDialogs.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QPalette>
+#include <QStyleFactory>
+#include <QTest>
+
+using namespace corvane;
+using namespace corvane::test;
+
+namespace {
+
+QString screensFolder()
+{
+    const QString scale = qEnvironmentVariable("QT_SCALE_FACTOR", QStringLiteral("1"));
+    const QString folder = QStringLiteral(CORVANE_BINARY_DIR "/screens/%1x").arg(scale);
+    QDir().mkpath(folder);
+    return folder;
+}
+
+void capture(QWidget& window, const QString& name)
+{
+
+    window.show();
+    window.raise();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    QTest::qWait(50);
+    const QImage image = window.grab().toImage();
+    ASSERT_FALSE(image.isNull());
+    // Not one flat colour: the window drew its contents.
+    EXPECT_NE(image.pixel(image.width() / 2, image.height() / 2), image.pixel(2, 2))
+        << name.toStdString();
+    ASSERT_TRUE(image.save(QDir(screensFolder()).filePath(name + QStringLiteral(".png"))));
+}
+
+QPalette darkPalette()
+{
+    QPalette p;
+    p.setColor(QPalette::Window, QColor(0x2b, 0x2d, 0x31));
+    p.setColor(QPalette::WindowText, QColor(0xe6, 0xe7, 0xe9));
+    p.setColor(QPalette::Base, QColor(0x1e, 0x1f, 0x22));
+    p.setColor(QPalette::AlternateBase, QColor(0x26, 0x28, 0x2b));
+    p.setColor(QPalette::Text, QColor(0xe6, 0xe7, 0xe9));
+    p.setColor(QPalette::Button, QColor(0x35, 0x37, 0x3c));
+    p.setColor(QPalette::ButtonText, QColor(0xe6, 0xe7, 0xe9));
+    p.setColor(QPalette::Highlight, QColor(0x3d, 0x8b, 0xfd));
+    p.setColor(QPalette::HighlightedText, Qt::white);
+    p.setColor(QPalette::ToolTipBase, QColor(0x35, 0x37, 0x3c));
+    p.setColor(QPalette::ToolTipText, QColor(0xe6, 0xe7, 0xe9));
+    return p;
+}
+
+} // namespace
+
+TEST_F(ViewsTest, Screens)
+{
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    startApplication();
+    auto* model = dynamic_cast<CorvaneModelData*>(controller->modelData());
+    ASSERT_NE(model, nullptr);
+    auto& corvane = dynamic_cast<CorvaneController&>(*controller);
+    // Something selected, as a person would have it: the Play key, touched on the surface.
+    service->command(QStringLiteral("send TCtl 1 3 0 1"));
+    ASSERT_TRUE(spinUntil([&] { return controller->selectedGroup() == 1; }));
+
+    TVKMultiStateButton& play = *mainSurface().buttonWithTag(1);
+    // The selection stays lit through every window and finish, at every scale.
+    const auto lit = [&](const char* where) {
+        EXPECT_EQ(play.cell().state(), 1) << where;
+        const QImage picture = play.grab().toImage();
+        const QPoint centre =
+            play.hitTestPath(4)->boundingRect().center().toPoint() * picture.devicePixelRatio();
+        EXPECT_GT(qRed(picture.pixel(centre)), 200) << where << ": the Play key is not lit";
+    };
+    capture(*app->mainWindow(), QStringLiteral("main-midnight"));
+    lit("after the first capture");
+    model->setHardwareStyle(1);
+    corvane.setHardwareGraphics(1);
+    capture(*app->mainWindow(), QStringLiteral("main-silver"));
+
+    for (const auto& [window, name] : {std::pair{TVKWindow::TL, QStringLiteral("tl")},
+                                       std::pair{TVKWindow::TLW, QStringLiteral("tlw")},
+                                       std::pair{TVKWindow::TLW2, QStringLiteral("tlw2")},
+                                       std::pair{TVKWindow::NV, QStringLiteral("nv")}}) {
+        app->show(window);
+        capture(*app->window(window), name + QStringLiteral("-silver"));
+    }
+    lit("with the expanders");
+    app->showDZ(true);
+    capture(*app->dzWindow(), QStringLiteral("dz-silver"));
+
+    model->setHardwareStyle(0);
+    corvane.setHardwareGraphics(0);
+    for (const auto& [window, name] : {std::pair{TVKWindow::TL, QStringLiteral("tl")},
+                                       std::pair{TVKWindow::TLW, QStringLiteral("tlw")},
+                                       std::pair{TVKWindow::TLW2, QStringLiteral("tlw2")},
+                                       std::pair{TVKWindow::NV, QStringLiteral("nv")}})
+        capture(*app->window(window), name + QStringLiteral("-midnight"));
+    capture(*app->dzWindow(), QStringLiteral("dz-midnight"));
+
+    lit("back in midnight");
+    controller->showPreferencePanel();
+    capture(*app->preferencesSheet(), QStringLiteral("preferences"));
+    controller->cancelPrefsWindow();
+
+    lit("after the sheet");
+    app->show(TVKWindow::AboutBox);
+    QTest::qWait(700); // the light sweep half way across
+    capture(*app->aboutBox(), QStringLiteral("about"));
+
+    lit("after the about box");
+    QApplication::setPalette(darkPalette());
+    capture(*app->mainWindow(), QStringLiteral("main-midnight-dark-theme"));
+}

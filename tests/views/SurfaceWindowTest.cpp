@@ -1,0 +1,248 @@
+// The windows driven as a person drives them, against the real simulated service.
+#include "ViewsFixture.h"
+#include "core/Notifications.h"
+#include "model/CorvaneModelData.h"
+#include "model/TVKControl.h"
+#include "model/TVKKeyset.h"
+#include "views/CorvaneExpanderControllers.h"
+#include "views/CorvanePictures.h"
+#include "views/CorvaneSurfaceView.h"
+#include "views/TVKDisplayView.h"
+#include "views/TVKMainWindow.h"
+#include "views/TVKMenuBar.h"
+#include "views/TVKMultiStateButton.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QTest>
+#include <QToolButton>
+
+using namespace corvane;
+using namespace corvane::test;
+
+namespace {
+
+// On-screen groups of the main unit and the NV used below.
+constexpr qint64 kM = 0;
+constexpr qint64 kTransport = 1;
+constexpr qint64 kW1 = 2; // W1 and W7, drawn at both ends of the row
+constexpr qint64 kW2 = 3;
+constexpr qint64 kFirstRing = 17;
+constexpr qint64 kNVLCDButtons = 40;
+
+bool pictureLit(const TVKMultiStateButton& picture, qint64 k)
+{
+    return picture.cell().state() == 1 && picture.shownImage() == picture.images().value(k);
+}
+
+} // namespace
+
+TEST_F(ViewsTest, AClickOnAControlSelectsItAndMovesTheSurfaceHighlight)
+{
+    startApplication();
+    CorvaneSurfaceView& surface = mainSurface();
+    TVKMultiStateButton& m = button(surface, kM);
+
+    qsizetype from = mark();
+    clickSurface(surface, m.geometry().topLeft() + insideControl(m, 3));
+    EXPECT_EQ(controller->selectedGroup(), kM);
+    EXPECT_EQ(controller->selectedControl(), 3);
+    EXPECT_TRUE(pictureLit(m, 3));
+    ASSERT_TRUE(waitForCount(QStringLiteral("TCtl"), 2, from));
+    const std::vector<QJsonObject> echoes = received(QStringLiteral("TCtl"), from);
+    // Off for the control selected before, then on for M4 (model-data group 0, index 3).
+    EXPECT_EQ(words(echoes[0]).back(), 0);
+    EXPECT_EQ(words(echoes[1]), (std::vector<qint64>{0, 3, 0, 1}));
+    EXPECT_FALSE(app->mainWindow()->statusText().isEmpty());
+    EXPECT_TRUE(app->mainWindow()->statusText().startsWith(QStringLiteral("M4")));
+
+    // The same control again sends nothing; a click between the controls keeps the selection.
+    from = mark();
+    clickSurface(surface, m.geometry().topLeft() + insideControl(m, 3));
+    QTest::mouseClick(&m, Qt::LeftButton, Qt::NoModifier, QPoint(1, 1));
+    EXPECT_EQ(m.integerValue(), 3);
+    EXPECT_EQ(controller->selectedControl(), 3);
+    QTest::qWait(200);
+    EXPECT_TRUE(received(QStringLiteral("TCtl"), from).empty());
+
+    // Another group: the first picture goes dark, the transport lights.
+    TVKMultiStateButton& transport = button(surface, kTransport);
+    clickSurface(surface, transport.geometry().topLeft() + insideControl(transport, 4));
+    EXPECT_EQ(controller->selectedGroup(), kTransport);
+    EXPECT_EQ(m.cell().state(), 0);
+    EXPECT_TRUE(pictureLit(transport, 4));
+
+    // From the keyboard: the arrows step through the group's controls.
+    transport.setFocus();
+    QTest::keyClick(&transport, Qt::Key_Left);
+    EXPECT_EQ(controller->selectedControl(), 3);
+    EXPECT_TRUE(pictureLit(transport, 3));
+}
+
+TEST_F(ViewsTest, ClicksReachTheGroupWhoseControlLiesThereThroughOverlappingPictures)
+{
+    startApplication();
+    CorvaneSurfaceView& surface = mainSurface();
+    // W7 belongs to the group drawn at both ends of the row, whose frame covers W2…W6 too.
+    TVKMultiStateButton& outer = button(surface, kW1);
+    TVKMultiStateButton& inner = button(surface, kW2);
+    const QPoint w7 = outer.geometry().topLeft() + insideControl(outer, 6);
+    const QPoint w2 = inner.geometry().topLeft() + insideControl(inner, 1);
+    EXPECT_EQ(surface.childAt(w7), &outer);
+    EXPECT_EQ(surface.childAt(w2), &inner);
+    clickSurface(surface, w2);
+    EXPECT_EQ(controller->selectedGroup(), kW2);
+    EXPECT_EQ(controller->modelDataControlIndex(), 1);
+    clickSurface(surface, w7);
+    EXPECT_EQ(controller->selectedGroup(), kW1);
+    EXPECT_EQ(controller->modelDataControlIndex(), 6);
+}
+
+TEST_F(ViewsTest, ATouchOnTheSurfaceLightsThePictureOfThatControl)
+{
+    startApplication();
+    CorvaneSurfaceView& surface = mainSurface();
+    // Trackball 2 (model-data group 11, index 1): on screen the second ring's control 1.
+    qsizetype from = mark();
+    service->command(QStringLiteral("send TCtl 11 1 0 1"));
+    TVKMultiStateButton& ring = button(surface, kFirstRing + 1);
+    ASSERT_TRUE(spinUntil([&] { return ring.cell().state() == 1; }));
+    EXPECT_TRUE(pictureLit(ring, 1));
+    for (TVKMultiStateButton* other : surface.buttons()) {
+        if (other != &ring) {
+            EXPECT_EQ(other->cell().state(), 0) << other->descriptionKey().toStdString();
+        }
+    }
+    EXPECT_TRUE(waitForCount(QStringLiteral("TCtl"), 2, from));
+
+    // A display click turns every picture off and selects the display.
+    TVKDisplayView* lcd = surface.displayWithTag(1);
+    ASSERT_NE(lcd, nullptr);
+    QTest::mouseClick(lcd, Qt::LeftButton, Qt::NoModifier, lcd->cells().back().frame.center());
+    EXPECT_TRUE(controller->displaySelected());
+    qint64 display = -1;
+    qint64 group = -1;
+    controller->selectedDisplay(display, group);
+    EXPECT_EQ(display, 3);
+    EXPECT_EQ(group, 0);
+    EXPECT_TRUE(lcd->cellIsSelected(lcd->cells().back()));
+    EXPECT_EQ(ring.cell().state(), 0);
+}
+
+TEST_F(ViewsTest, TheLayerSelectorAndTheLockFollowTheController)
+{
+    startApplication();
+    TVKMainWindow& main = *app->mainWindow();
+    EXPECT_TRUE(main.layerButton(0)->isChecked());
+    QTest::mouseClick(main.layerButton(2), Qt::LeftButton);
+    EXPECT_EQ(controller->selectedLayer(), 2);
+    EXPECT_TRUE(main.layerButton(2)->isChecked());
+
+    // A layer chosen on the surface moves the selector.
+    controller->setSelectedLayer(1);
+    controller->notifyWithMessage(note::RemoteLayerChange);
+    EXPECT_TRUE(main.layerButton(1)->isChecked());
+
+    QTest::mouseClick(main.lockButton(), Qt::LeftButton);
+    EXPECT_TRUE(controller->modelData()->keysetAtIndex(0)->locked());
+    EXPECT_TRUE(main.lockButtonState());
+    EXPECT_EQ(main.keysetName(), QStringLiteral("Default"));
+    EXPECT_EQ(controller->menuItem(TVKMenuCommand::HandleLockUnlockMenu)->text(),
+              QStringLiteral("Unlock Default keyset"));
+}
+
+TEST_F(ViewsTest, TheFinishChangesEveryPictureAndTheRingsWhiteForBlue)
+{
+    startApplication();
+    auto* model = dynamic_cast<CorvaneModelData*>(controller->modelData());
+    ASSERT_NE(model, nullptr);
+    app->show(TVKWindow::NV);
+    app->show(TVKWindow::TL);
+    std::vector<CorvaneSurfaceView*> surfaces = {&mainSurface(),
+                                                 app->expander(TVKWindow::NV)->surface(),
+                                                 app->expander(TVKWindow::TL)->surface()};
+    const auto pictures = [&] {
+        std::vector<QImage> out;
+        for (CorvaneSurfaceView* s : surfaces) {
+            out.push_back(s->grab().toImage());
+            for (TVKMultiStateButton* b : s->buttons())
+                out.push_back(b->grab().toImage());
+        }
+        return out;
+    };
+    ASSERT_EQ(model->hardwareStyle(), 0);
+    // Trackball 1 set to colour 2: in the midnight finish its ring shows the white set.
+    auto* trackball = dynamic_cast<TVK4WayControl*>(model->controlForKeyset(0, 0, 11, 0));
+    ASSERT_NE(trackball, nullptr);
+    trackball->setOnColor(2);
+    controller->notifyWithMessage(note::SelectedLayerChange);
+    auto& ring = dynamic_cast<CorvaneTrackballRingControl&>(button(mainSurface(), kFirstRing));
+    EXPECT_TRUE(ring.image().startsWith(QStringLiteral("TrackballRing_White_")));
+    EXPECT_TRUE(ring.image().endsWith(QStringLiteral("_Mid")));
+    const std::vector<QImage> midnight = pictures();
+
+    int posted = 0;
+    const NotificationCenter::Observation counting =
+        NotificationCenter::defaultCenter().addObserver(note::HdwStyChg, nullptr,
+                                                        [&](const Notification&) { ++posted; });
+    model->setHardwareStyle(1);
+    dynamic_cast<CorvaneController&>(*controller).setHardwareGraphics(1);
+    EXPECT_EQ(posted, 1);
+    EXPECT_EQ(mainSurface().picture(), QStringLiteral("CorvaneRS"));
+    EXPECT_TRUE(ring.image().startsWith(QStringLiteral("TrackballRing_Blue_")));
+    EXPECT_FALSE(ring.image().endsWith(QStringLiteral("_Mid")));
+    const std::vector<QImage> silver = pictures();
+    ASSERT_EQ(midnight.size(), silver.size());
+    for (size_t i = 0; i < silver.size(); ++i)
+        EXPECT_NE(midnight[i], silver[i]) << "picture " << i << " kept its finish";
+}
+
+TEST_F(ViewsTest, TheNVMenuIsInTheMenusOnlyWhileTheNVWindowIsMain)
+{
+    startApplication();
+    app->show(TVKWindow::NV);
+    CorvaneNVController& nv = *app->nvController();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&nv));
+    const auto hasNVMenu = [&](QMenuBar* bar) {
+        return bar->actions().contains(nv.corvaneNVMenu()->menuAction());
+    };
+    EXPECT_TRUE(spinUntil([&] { return controller->corvaneNVMenuActive(); }));
+    EXPECT_TRUE(hasNVMenu(nv.tvkMenuBar()));
+    EXPECT_TRUE(hasNVMenu(app->mainWindow()->tvkMenuBar()));
+
+    app->makeKeyAndOrderFront(TVKWindow::Main);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(app->mainWindow()));
+    EXPECT_TRUE(spinUntil([&] { return !controller->corvaneNVMenuActive(); }));
+    EXPECT_FALSE(hasNVMenu(nv.tvkMenuBar()));
+    EXPECT_FALSE(hasNVMenu(app->mainWindow()->tvkMenuBar()));
+}
+
+TEST_F(ViewsTest, TheNVShowsTheBankOfTheButtonTouchedAndGroupsItsButtons)
+{
+    startApplication();
+    app->show(TVKWindow::NV);
+    CorvaneNVController& nv = *app->nvController();
+    auto& lcd = dynamic_cast<CorvaneBankedPicture&>(button(*nv.surface(), kNVLCDButtons));
+
+    // Button 7 of bank 2 is control 30 of the 240.
+    service->command(QStringLiteral("send TCtl 24 30 0 1"));
+    ASSERT_TRUE(spinUntil([&] { return nv.bank() == 1; }));
+    EXPECT_TRUE(pictureLit(lcd, 6));
+
+    // Clicking button 3 in that bank selects control 26.
+    clickSurface(*nv.surface(), lcd.geometry().topLeft() + insideControl(lcd, 2));
+    EXPECT_EQ(controller->modelDataControlIndex(), 26);
+
+    views.textAnswers.push_back(QStringLiteral("Strings"));
+    QAction newGroup;
+    TVKMenuItems::setCommand(&newGroup, TVKMenuCommand::HandleCorvaneNVMenuItems,
+                             CorvaneNVController::NewGroup);
+    ASSERT_TRUE(controller->validateMenuItem(&newGroup));
+    controller->perform(&newGroup);
+    auto* model = dynamic_cast<CorvaneModelData*>(controller->modelData());
+    ASSERT_EQ(model->numCorvaneNVGroups(), 1);
+    EXPECT_EQ(model->nameOfGroupWithID(0), QStringLiteral("Strings"));
+    EXPECT_EQ(model->corvaneNVGroupForButtonWithID(26), 0);
+    ASSERT_EQ(controller->selectGroupMenu().size(), 1u);
+    EXPECT_EQ(controller->selectGroupMenu().front()->text(), QStringLiteral("Strings"));
+}

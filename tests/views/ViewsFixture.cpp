@@ -1,0 +1,96 @@
+#include "ViewsFixture.h"
+
+#include "views/CorvaneSurfaceView.h"
+#include "views/TVKMainWindow.h"
+#include "views/TVKMultiStateButton.h"
+
+#include <QApplication>
+#include <QJsonArray>
+#include <QTest>
+
+namespace corvane::test {
+
+void ViewsTest::SetUp()
+{
+    // The widgets need the widget application; the controller's fixture takes what exists.
+    if (!QCoreApplication::instance()) {
+        static int argc = 1;
+        static char name[] = "views_tests";
+        static char* argv[] = {name, nullptr};
+        static QApplication* application = new QApplication(argc, argv);
+        (void)application;
+    }
+    ControllerTest::SetUp();
+}
+
+void ViewsTest::TearDown()
+{
+    if (controller)
+        controller->handleTerminateMessage();
+    app.reset();
+    ControllerTest::TearDown();
+}
+
+CorvaneViews& ViewsTest::startApplication()
+{
+    if (!service) {
+        EXPECT_TRUE(startService());
+    }
+    const qsizetype from = mark();
+    controller = std::make_unique<CorvaneController>();
+    app = std::make_unique<CorvaneViews>(*controller, views);
+    app->start();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(app->mainWindow()));
+    EXPECT_TRUE(service->waitForEvent(QStringLiteral("connected"), from));
+    return *app;
+}
+
+CorvaneSurfaceView& ViewsTest::mainSurface() const
+{
+    return *app->mainWindow()->surface();
+}
+
+TVKMultiStateButton& ViewsTest::button(const CorvaneSurfaceView& surface, qint64 tag) const
+{
+    TVKMultiStateButton* found = surface.buttonWithTag(tag);
+    EXPECT_NE(found, nullptr) << "no picture for group " << tag;
+    return *found;
+}
+
+QPoint ViewsTest::insideControl(const TVKMultiStateButton& button, qint64 k) const
+{
+    const QPainterPath* path = button.hitTestPath(k);
+    if (!path)
+        return QPoint(-1, -1);
+    // The centre of the outline's box lies inside for every shape but a ring; for a ring, a
+    // point half way across its band.
+    const QRectF box = path->boundingRect();
+    const QPoint centre = box.center().toPoint();
+    if (path->contains(centre))
+        return centre;
+    for (int dx = 1; dx < int(box.width() / 2); ++dx) {
+        const QPoint p = centre + QPoint(dx, 0);
+        if (path->contains(p))
+            return p + QPoint(6, 0);
+    }
+    return QPoint(-1, -1);
+}
+
+void ViewsTest::clickSurface(CorvaneSurfaceView& surface, QPoint point)
+{
+    QWidget* target = surface.childAt(point);
+    if (!target)
+        target = &surface;
+    const QPoint local = target->mapFrom(&surface, point);
+    QTest::mouseClick(target, Qt::LeftButton, Qt::NoModifier, local);
+}
+
+std::vector<qint64> words(const QJsonObject& line)
+{
+    std::vector<qint64> out;
+    for (const QJsonValue& word : line.value(QStringLiteral("words")).toArray())
+        out.push_back(word.toInteger());
+    return out;
+}
+
+} // namespace corvane::test
