@@ -246,3 +246,26 @@ TEST_F(ViewsTest, TheNVShowsTheBankOfTheButtonTouchedAndGroupsItsButtons)
     ASSERT_EQ(controller->selectGroupMenu().size(), 1u);
     EXPECT_EQ(controller->selectGroupMenu().front()->text(), QStringLiteral("Strings"));
 }
+
+TEST_F(ViewsTest, TheVirtualSurfaceTouchesControlsAndLightsTheSelection)
+{
+    ASSERT_TRUE(startService({QStringLiteral("--window")}));
+    startApplication();
+    TVKMultiStateButton& m = button(mainSurface(), kM);
+    // The simulator draws the same layout: the point of M3 in the application is M3 there.
+    const QPoint m3 = m.geometry().topLeft() + insideControl(m, 2);
+    const qsizetype from = mark();
+    service->command(QStringLiteral("click CorvaneRS %1 %2").arg(m3.x()).arg(m3.y()));
+    ASSERT_TRUE(spinUntil([&] { return controller->selectedControl() == 2; }));
+    EXPECT_EQ(controller->selectedGroup(), kM);
+    EXPECT_TRUE(pictureLit(m, 2));
+    const auto lit = service->waitFor(
+        [](const QJsonObject& line) { return line.contains(QStringLiteral("lit")); }, 5000, from);
+    ASSERT_TRUE(lit.has_value());
+    EXPECT_EQ(lit->value(QStringLiteral("group")).toInteger(), kM);
+    EXPECT_EQ(lit->value(QStringLiteral("control")).toInteger(), 2);
+    // Pressed, then let go: the hardware's two reports.
+    EXPECT_EQ(service->count(
+                  [](const QJsonObject& line) { return line.contains(QStringLiteral("touched")); }),
+              2);
+}

@@ -102,8 +102,10 @@ bool ServiceSimulator::start()
                              "service holds the name, or the port folder is unusable)\n");
         return false;
     }
-    m_input = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, this);
-    connect(m_input, &QSocketNotifier::activated, this, &ServiceSimulator::readCommands);
+    if (m_options.readCommands) {
+        m_input = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, this);
+        connect(m_input, &QSocketNotifier::activated, this, &ServiceSimulator::readCommands);
+    }
     emitLine({{QStringLiteral("event"), QStringLiteral("listening")},
               {QStringLiteral("port"), m_port->path()}});
     return true;
@@ -226,6 +228,7 @@ void ServiceSimulator::track(const MessageFrame& frame)
         if (state.value() == 1) {
             m_group = state.groupIndex();
             m_control = state.controlNumOrChannel();
+            Q_EMIT controlLit(m_group, m_control);
         }
     }
 }
@@ -240,6 +243,16 @@ bool ServiceSimulator::sendToApplication(MessageID id, const QByteArray& body)
         error(QStringLiteral("send failed"));
         return false;
     }
+    return true;
+}
+
+bool ServiceSimulator::touch(std::uint32_t group, std::uint32_t control, std::uint32_t value)
+{
+    const TVK_OutgoingControlStateSpec body{group, control, 0, value};
+    if (!sendToApplication(msg::TCtl, body.data()))
+        return false;
+    emitLine(
+        {{QStringLiteral("touched"), QJsonArray{qint64(group), qint64(control), qint64(value)}}});
     return true;
 }
 
@@ -306,6 +319,8 @@ bool ServiceSimulator::runCommand(const QString& line)
             {{QStringLiteral("event"), QStringLiteral("dumped")}, {QStringLiteral("file"), path}});
         return true;
     }
+    if (m_extraCommands && m_extraCommands(words))
+        return true;
     error(QStringLiteral("unknown command: %1").arg(line.trimmed()));
     return true;
 }

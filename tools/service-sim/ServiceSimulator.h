@@ -7,6 +7,8 @@
 #include <QJsonObject>
 #include <QObject>
 #include <QString>
+#include <QStringList>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -26,7 +28,8 @@ public:
     {
         QString configPath; // empty: the application's stored configuration
         bool surfaceConnected = true;
-        bool quiet = false; // no line per frame (throughput measurements)
+        bool quiet = false;       // no line per frame (throughput measurements)
+        bool readCommands = true; // false: run until terminated, whatever standard input does
     };
 
     ServiceSimulator(const Options& options, std::unique_ptr<ConfigMirror> mirror);
@@ -36,9 +39,20 @@ public:
     bool start();
     // Runs one command line; false only for "quit".
     bool runCommand(const QString& line);
+    // A control of the surface touched (value 1) or let go (value 0), as the hardware reports it.
+    bool touch(std::uint32_t group, std::uint32_t control, std::uint32_t value);
+    // Commands beyond the service's own (the virtual surface's); true when taken.
+    void setExtraCommands(std::function<bool(const QStringList& words)> handler)
+    {
+        m_extraCommands = std::move(handler);
+    }
+    // One JSON line on standard output.
+    void emitLine(const QJsonObject& object);
 
 Q_SIGNALS:
     void finished();
+    // The application lit a control on the surface ("TCtl" with value 1).
+    void controlLit(std::uint32_t group, std::uint32_t control);
 
 private:
     struct Outgoing
@@ -52,7 +66,6 @@ private:
     void track(const corvane::MessageFrame& frame);
     bool sendToApplication(corvane::MessageID id, const QByteArray& body);
     void readCommands();
-    void emitLine(const QJsonObject& object);
     void error(const QString& text);
 
     Options m_options;
@@ -69,4 +82,5 @@ private:
     std::uint32_t m_control = 0;
     bool m_surfaceConnected = true;
     std::vector<Outgoing> m_beforeReply;
+    std::function<bool(const QStringList&)> m_extraCommands;
 };

@@ -1,7 +1,9 @@
 #include "ConfigMirror.h"
 #include "ServiceSimulator.h"
+#include "VirtualSurface.h"
 #include "core/TVKUserDefaults.h"
 
+#include <QApplication>
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QSocketNotifier>
@@ -24,7 +26,14 @@ void onTerminate(int)
 
 int main(int argc, char** argv)
 {
-    QCoreApplication app(argc, argv);
+    // The virtual surface needs the widget application; the plain service runs without a display.
+    bool window = false;
+    for (int i = 1; i < argc; ++i)
+        window = window || qstrcmp(argv[i], "--window") == 0;
+    std::unique_ptr<QCoreApplication> application =
+        window ? std::make_unique<QApplication>(argc, argv)
+               : std::make_unique<QCoreApplication>(argc, argv);
+    QCoreApplication& app = *application;
     QCoreApplication::setApplicationName(QStringLiteral("corvane-service-sim"));
 
     QCommandLineParser parser;
@@ -45,7 +54,15 @@ int main(int argc, char** argv)
         QStringLiteral("disconnected"), QStringLiteral("Start with the surface disconnected."));
     const QCommandLineOption quietOption(QStringLiteral("quiet"),
                                          QStringLiteral("Print no line per message received."));
-    parser.addOptions({configOption, disconnectedOption, quietOption});
+    const QCommandLineOption windowOption(
+        QStringLiteral("window"),
+        QStringLiteral("Open the virtual surface: pressing a control touches it, and the control "
+                       "the application selects lights."));
+    const QCommandLineOption backgroundOption(
+        QStringLiteral("background"),
+        QStringLiteral("Read no commands: run until terminated, as a background service does."));
+    parser.addOptions(
+        {configOption, disconnectedOption, quietOption, windowOption, backgroundOption});
     parser.process(app);
 
     ServiceSimulator::Options options;
@@ -53,6 +70,7 @@ int main(int argc, char** argv)
                                                     : corvane::TVKUserDefaults::defaultPath();
     options.surfaceConnected = !parser.isSet(disconnectedOption);
     options.quiet = parser.isSet(quietOption);
+    options.readCommands = !parser.isSet(backgroundOption);
 
     auto mirror = std::make_unique<ConfigMirror>();
     QString reason;
@@ -78,5 +96,11 @@ int main(int argc, char** argv)
                      Qt::QueuedConnection);
     if (!simulator.start())
         return 1;
+    std::unique_ptr<VirtualSurface> surface;
+    if (window) {
+        surface = std::make_unique<VirtualSurface>(simulator);
+        surface->show();
+        QObject::connect(qApp, &QGuiApplication::lastWindowClosed, &app, &QCoreApplication::quit);
+    }
     return app.exec();
 }

@@ -1,0 +1,222 @@
+// The windows' costs: from the start of the program to the main window painted (with the sample
+// configuration and with fifty keysets), a touch on the surface to its picture repainted, and
+// the resident memory with every window open and fifty keysets.
+//
+// The start-up is measured on a child process (this program with --child), from the moment it
+// is launched to the first paint of the surface picture, the way a person sees it.
+#include "ConfigGenerator.h"
+#include "app/CorvaneController.h"
+#include "app/TVKNoViews.h"
+#include "core/PlistCodec.h"
+#include "core/TVKUserDefaults.h"
+#include "platform/TerminationSignals.h"
+#include "views/CorvaneSurfaceView.h"
+#include "views/CorvaneViews.h"
+#include "views/TVKMainWindow.h"
+#include "views/TVKMultiStateButton.h"
+
+#include <QApplication>
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <vector>
+
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+int g_argc = 0;
+char** g_argv = nullptr;
+
+double residentMiB()
+{
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    if (!statm.open(QIODevice::ReadOnly))
+        return 0;
+    const QList<QByteArray> fields = statm.readAll().split(' ');
+    return fields.size() > 1 ? fields[1].toDouble() * 4.0 / 1024.0 : 0;
+}
+
+double since(Clock::time_point start)
+{
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+// Stops the event loop at the first paint of a widget.
+class FirstPaint : public QObject
+{
+public:
+    bool painted = false;
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint)
+            painted = true;
+        return false;
+    }
+};
+
+// A private configuration and port folder, a store holding the configuration, and the service.
+class Home
+{
+public:
+    explicit Home(const corvane::PlistValue& configuration)
+    {
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_dir.path()));
+        qputenv("TVK_PORT_DIR", QFile::encodeName(m_dir.path()));
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        corvane::TVKUserDefaults store;
+        store.setObject(QStringLiteral("TVKModelData"), configuration);
+        store.synchronize();
+        m_sim.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_sim.start(QStringLiteral(CORVANE_SERVICE_SIM), {QStringLiteral("--quiet")});
+        const QDeadlineTimer deadline(30000);
+        while (!m_sim.readAllStandardOutput().contains("listening") && !deadline.hasExpired())
+            m_sim.waitForReadyRead(100);
+    }
+    ~Home()
+    {
+        m_sim.closeWriteChannel();
+        m_sim.waitForFinished(5000);
+    }
+    QString path() const { return m_dir.path(); }
+
+private:
+    QTemporaryDir m_dir;
+    QProcess m_sim;
+};
+
+corvane::PlistValue fiftyKeysets()
+{
+    corvane::PlistValue dict = corvane::PlistValue::makeDict();
+    corvane::ConfigGenerator().generateConfiguration(50)->writeTo(dict);
+    return dict;
+}
+
+corvane::PlistValue sample()
+{
+    return corvane::PlistCodec::readFile(QStringLiteral(CORVANE_SAMPLE)).value;
+}
+
+// The child: the program's start-up, to the first paint of the surface.
+int runChild()
+{
+    QApplication app(g_argc, g_argv);
+    // Ended as the program is, so that each start finds the configuration written cleanly.
+    corvane::TerminationSignals signals;
+    TVKNoViews dialogs;
+    CorvaneController controller;
+    CorvaneViews views(controller, dialogs);
+    FirstPaint paint;
+    QObject::connect(&signals, &corvane::TerminationSignals::terminationRequested, &views,
+                     [&views] { views.quit(); });
+    QObject::connect(
+        &controller, &TVKController::terminated, &app, [] { QCoreApplication::exit(0); },
+        Qt::QueuedConnection);
+    views.start();
+    views.mainWindow()->surface()->installEventFilter(&paint);
+    const QDeadlineTimer deadline(30000);
+    while (!paint.painted && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    // The paint event was delivered; let it finish before saying so.
+    QCoreApplication::processEvents();
+    std::printf("painted\n");
+    std::fflush(stdout);
+    return paint.painted ? app.exec() : 1;
+}
+
+void startup(benchmark::State& state, const corvane::PlistValue& configuration)
+{
+    Home home(configuration);
+    std::vector<double> millis;
+    for (auto _ : state) {
+        QProcess child;
+        const Clock::time_point start = Clock::now();
+        child.start(QString::fromLocal8Bit(g_argv[0]), {QStringLiteral("--child")});
+        while (!child.readAllStandardOutput().contains("painted") &&
+               child.state() != QProcess::NotRunning)
+            child.waitForReadyRead(5);
+        millis.push_back(since(start));
+        state.PauseTiming();
+        child.terminate();
+        child.waitForFinished(10000);
+        state.ResumeTiming();
+    }
+    std::sort(millis.begin(), millis.end());
+    state.counters["median_ms"] = millis[millis.size() / 2];
+    state.counters["max_ms"] = millis.back();
+}
+
+void BM_StartToMainWindowPaintedSample(benchmark::State& state)
+{
+    startup(state, sample());
+}
+BENCHMARK(BM_StartToMainWindowPaintedSample)->Iterations(7)->Unit(benchmark::kMillisecond);
+
+void BM_StartToMainWindowPaintedFiftyKeysets(benchmark::State& state)
+{
+    startup(state, fiftyKeysets());
+}
+BENCHMARK(BM_StartToMainWindowPaintedFiftyKeysets)->Iterations(5)->Unit(benchmark::kMillisecond);
+
+// A touch reported by the service to the lit picture on screen; then every window open.
+void BM_TouchToRepaintedPictureAndMemory(benchmark::State& state)
+{
+    Home home(fiftyKeysets());
+    static QApplication* app = new QApplication(g_argc, g_argv);
+    (void)app;
+    TVKNoViews dialogs;
+    CorvaneController controller;
+    CorvaneViews views(controller, dialogs);
+    views.start();
+    QCoreApplication::processEvents();
+    CorvaneSurfaceView& surface = *views.mainWindow()->surface();
+    // Alternate between two controls of two groups, so every touch changes two pictures.
+    const std::pair<int, int> touches[] = {{0, 2}, {1, 3}};
+    std::vector<double> micros;
+    size_t n = 0;
+    for (auto _ : state) {
+        const auto [group, control] = touches[n++ % 2];
+        FirstPaint paint;
+        TVKMultiStateButton* picture = surface.buttonWithTag(group);
+        picture->installEventFilter(&paint);
+        const Clock::time_point start = Clock::now();
+        controller.hardwareControlChangeForGroup(group, control, 0, 1);
+        while (!paint.painted)
+            QCoreApplication::processEvents();
+        micros.push_back(since(start) * 1000);
+        picture->removeEventFilter(&paint);
+    }
+    std::sort(micros.begin(), micros.end());
+    state.counters["median_us"] = micros[micros.size() / 2];
+    state.counters["p99_us"] = micros[std::min(micros.size() - 1, micros.size() * 99 / 100)];
+
+    for (const TVKWindow window :
+         {TVKWindow::TL, TVKWindow::TLW, TVKWindow::TLW2, TVKWindow::NV, TVKWindow::AboutBox})
+        views.show(window);
+    views.showDZ(true);
+    for (int i = 0; i < 20; ++i)
+        QCoreApplication::processEvents();
+    state.counters["resident_MiB_all_windows"] = residentMiB();
+    controller.handleTerminateMessage();
+}
+BENCHMARK(BM_TouchToRepaintedPictureAndMemory)->Iterations(400)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    g_argc = argc;
+    g_argv = argv;
+    if (argc > 1 && std::strcmp(argv[1], "--child") == 0)
+        return runChild();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

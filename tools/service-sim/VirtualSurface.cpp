@@ -1,0 +1,113 @@
+#include "VirtualSurface.h"
+
+#include "ServiceSimulator.h"
+#include "views/CorvaneSurfaceView.h"
+#include "views/TVKMultiStateButton.h"
+
+#include <QCoreApplication>
+#include <QMouseEvent>
+#include <QScrollArea>
+
+VirtualSurface::VirtualSurface(ServiceSimulator& simulator) : m_simulator(simulator)
+{
+    setWindowTitle(QStringLiteral("Corvane virtual surface"));
+    for (const auto& [unit, title] :
+         {std::pair{QStringLiteral("CorvaneRS"), QStringLiteral("RS")},
+          std::pair{QStringLiteral("Expander"), QStringLiteral("TL")},
+          std::pair{QStringLiteral("CorvaneTLW"), QStringLiteral("TLW")},
+          std::pair{QStringLiteral("CorvaneTLW2"), QStringLiteral("TLW2")},
+          std::pair{QStringLiteral("CorvaneNV"), QStringLiteral("NV")}}) {
+        auto* surface = new CorvaneSurfaceView(unit);
+        for (TVKMultiStateButton* button : surface->buttons()) {
+            // Presses go to the surface, not to the picture's own selection.
+            button->installEventFilter(this);
+            button->setFocusPolicy(Qt::NoFocus);
+        }
+        auto* scroll = new QScrollArea;
+        scroll->setWidget(surface);
+        scroll->setAlignment(Qt::AlignCenter);
+        addTab(scroll, title);
+        m_surfaces.push_back(surface);
+    }
+    resize(m_surfaces.front()->size() + QSize(40, 60));
+    connect(&simulator, &ServiceSimulator::controlLit, this, &VirtualSurface::light);
+    simulator.setExtraCommands([this](const QStringList& words) { return runCommand(words); });
+}
+
+bool VirtualSurface::runCommand(const QStringList& words)
+{
+    if (words.size() != 4 || words.at(0) != QLatin1String("click"))
+        return false;
+    for (CorvaneSurfaceView* surface : m_surfaces) {
+        if (surface->unit() != words.at(1))
+            continue;
+        const QPoint at(words.at(2).toInt(), words.at(3).toInt());
+        QWidget* target = surface->childAt(at);
+        if (!target)
+            return true;
+        const QPointF local = target->mapFrom(surface, at);
+        for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+            QMouseEvent event(type, local, target->mapToGlobal(local), Qt::LeftButton,
+                              type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
+                              Qt::NoModifier);
+            QCoreApplication::sendEvent(target, &event);
+        }
+        return true;
+    }
+    return false;
+}
+
+bool VirtualSurface::eventFilter(QObject* watched, QEvent* event)
+{
+    auto* button = qobject_cast<TVKMultiStateButton*>(watched);
+    if (!button ||
+        (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::MouseButtonRelease &&
+         event->type() != QEvent::MouseButtonDblClick))
+        return QTabWidget::eventFilter(watched, event);
+    const auto* mouse = static_cast<QMouseEvent*>(event);
+    if (mouse->button() != Qt::LeftButton)
+        return true;
+    if (event->type() == QEvent::MouseButtonRelease) {
+        if (m_pressedGroup >= 0)
+            m_simulator.touch(std::uint32_t(m_pressedGroup), std::uint32_t(m_pressedControl), 0);
+        m_pressedGroup = m_pressedControl = -1;
+        return true;
+    }
+    for (qint64 k = 1; k < button->numImages(); ++k) {
+        const QPainterPath* path = button->hitTestPath(k);
+        if (!path || !path->contains(mouse->position()))
+            continue;
+        int group = 0;
+        int control = 0;
+        if (m_constants.onscreenGroup(
+                int(button->tag()), int(button->valueForImageIndex(quint64(k))), group, control)) {
+            m_pressedGroup = group;
+            m_pressedControl = control;
+            m_simulator.touch(std::uint32_t(group), std::uint32_t(control), 1);
+        }
+        break;
+    }
+    return true;
+}
+
+void VirtualSurface::light(std::uint32_t group, std::uint32_t control)
+{
+    int onscreen = -1;
+    int onscreenControl = 0;
+    m_constants.modelDataGroupID(int(group), int(control), onscreen, onscreenControl);
+    for (CorvaneSurfaceView* surface : m_surfaces) {
+        for (TVKMultiStateButton* button : surface->buttons()) {
+            const qint64 k =
+                button->tag() == onscreen ? button->imageIndexForControl(onscreenControl) : -1;
+            if (k > 0 && k < button->numImages()) {
+                button->setAlternateImage(button->images().value(k));
+                button->cell().setState(1);
+                m_simulator.emitLine({{QStringLiteral("lit"), surface->unit()},
+                                      {QStringLiteral("group"), button->tag()},
+                                      {QStringLiteral("control"), k}});
+            } else {
+                button->cell().setState(0);
+            }
+        }
+    }
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "surface/Corvane_Constant_Server.h"
+
+#include <QTabWidget>
+#include <cstdint>
+#include <vector>
+
+class CorvaneSurfaceView;
+class ServiceSimulator;
+class TVKMultiStateButton;
+
+// The surface without hardware: the same pictures as the application's windows, one tab per
+// unit. Pressing a control touches it (the service tells the application "TCtl" 1, and 0 on
+// release), and the control the application selects lights here, from the "TCtl" it sends back.
+class VirtualSurface : public QTabWidget
+{
+    Q_OBJECT
+public:
+    explicit VirtualSurface(ServiceSimulator& simulator);
+
+    // "click <unit> <x> <y>": a press and release at a point of a unit's picture, as the mouse
+    // gives them.
+    bool runCommand(const QStringList& words);
+    // Lights the control (model-data group and index) and darkens the rest.
+    void light(std::uint32_t group, std::uint32_t control);
+    const std::vector<CorvaneSurfaceView*>& surfaces() const { return m_surfaces; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    ServiceSimulator& m_simulator;
+    Corvane_Constant_Server m_constants;
+    std::vector<CorvaneSurfaceView*> m_surfaces;
+    // What a press touched, so that the release lets go of the same control.
+    int m_pressedGroup = -1;
+    int m_pressedControl = -1;
+};
