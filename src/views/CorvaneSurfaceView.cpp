@@ -2,6 +2,7 @@
 
 #include "core/Notifications.h"
 #include "model/CorvaneModelData.h"
+#include "surface/TVK_Constant_Server.h"
 #include "views/CorvanePictures.h"
 #include "views/TVKBundle.h"
 #include "views/TVKDisplayView.h"
@@ -13,12 +14,6 @@
 using corvane::PlistValue;
 
 namespace {
-
-QRect rectFrom(const PlistValue& value)
-{
-    return QRect(int(value.at(0).toInteger()), int(value.at(1).toInteger()),
-                 int(value.at(2).toInteger()), int(value.at(3).toInteger()));
-}
 
 TVKMultiStateButton* makeButton(const PlistValue& entry, QWidget* parent)
 {
@@ -33,7 +28,7 @@ TVKMultiStateButton* makeButton(const PlistValue& entry, QWidget* parent)
         const PlistValue& controls = entry.value(u"Controls");
         for (qsizetype i = 0; i < controls.size(); ++i) {
             frames.push_back({int(controls.at(i).value(u"Control").toInteger()),
-                              rectFrom(controls.at(i).value(u"Frame"))});
+                              TVKBundle::rectFrom(controls.at(i).value(u"Frame"))});
         }
         return new CorvaneLCDButtonPicture(key, bank, std::move(frames), parent);
     }
@@ -46,6 +41,22 @@ TVKMultiStateButton* makeButton(const PlistValue& entry, QWidget* parent)
     if (key == JoystickControl::infoKey())
         return new JoystickControl(parent);
     return new TVKMultiStateButton(key, parent);
+}
+
+// What a screen reader says for a picture: the name of the group its first control belongs to.
+QString accessibleNameFor(const TVKMultiStateButton& button)
+{
+    const TVK_Constant_Server* constants = TVK_Constant_Server::defaultConstantServer();
+    for (qint64 k = 1; constants && k < button.numImages(); ++k) {
+        const QPainterPath* path = button.hitTestPath(k);
+        int group = 0;
+        int index = 0;
+        if (path && !path->boundingRect().isEmpty() &&
+            constants->onscreenGroup(int(button.tag()), int(button.valueForImageIndex(quint64(k))),
+                                     group, index))
+            return constants->dataModelGroupNameForGroup(group).trimmed();
+    }
+    return button.descriptionKey();
 }
 
 TVKDisplayView::Kind kindFrom(const QString& kind)
@@ -72,8 +83,9 @@ CorvaneSurfaceView::CorvaneSurfaceView(const QString& unit, QWidget* parent)
     const PlistValue& buttons = table.value(u"Buttons");
     for (qsizetype i = 0; i < buttons.size(); ++i) {
         TVKMultiStateButton* button = makeButton(buttons.at(i), this);
-        button->setGeometry(rectFrom(buttons.at(i).value(u"Frame")));
+        button->setGeometry(TVKBundle::rectFrom(buttons.at(i).value(u"Frame")));
         button->awakeFromNib();
+        button->setAccessibleName(accessibleNameFor(*button));
         m_buttons.push_back(button);
     }
     const PlistValue& displays = table.value(u"Displays");
@@ -82,12 +94,12 @@ CorvaneSurfaceView::CorvaneSurfaceView(const QString& unit, QWidget* parent)
         const PlistValue& cellList = group.value(u"Cells");
         QRect united;
         for (qsizetype c = 0; c < cellList.size(); ++c)
-            united = united.united(rectFrom(cellList.at(c).value(u"Frame")));
+            united = united.united(TVKBundle::rectFrom(cellList.at(c).value(u"Frame")));
         std::vector<TVKDisplayView::Cell> cells;
         for (qsizetype c = 0; c < cellList.size(); ++c) {
-            cells.push_back(
-                {int(cellList.at(c).value(u"Display").toInteger()),
-                 rectFrom(cellList.at(c).value(u"Frame")).translated(-united.topLeft())});
+            cells.push_back({int(cellList.at(c).value(u"Display").toInteger()),
+                             TVKBundle::rectFrom(cellList.at(c).value(u"Frame"))
+                                 .translated(-united.topLeft())});
         }
         auto* view = new TVKDisplayView(
             int(group.value(u"Group").toInteger()), kindFrom(group.value(u"Kind").toString()),

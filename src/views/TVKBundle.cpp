@@ -22,18 +22,18 @@ PlistValue readResource(const QString& path)
     return read.ok ? read.value : PlistValue::makeDict();
 }
 
-QRect rectFrom(const PlistValue& value)
-{
-    return QRect(int(value.at(0).toInteger()), int(value.at(1).toInteger()),
-                 int(value.at(2).toInteger()), int(value.at(3).toInteger()));
-}
-
 int scaleFor(qreal devicePixelRatio)
 {
     return devicePixelRatio > 1.25 ? 2 : 1;
 }
 
 } // namespace
+
+QRect TVKBundle::rectFrom(const PlistValue& value)
+{
+    return QRect(int(value.at(0).toInteger()), int(value.at(1).toInteger()),
+                 int(value.at(2).toInteger()), int(value.at(3).toInteger()));
+}
 
 TVKBundle& TVKBundle::mainBundle()
 {

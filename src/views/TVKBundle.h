@@ -26,6 +26,8 @@ public:
     // The named picture at the device pixel ratio (1 or 2; others take the nearer); a null
     // pixmap when there is no such picture.
     QPixmap imageNamed(const QString& name, qreal devicePixelRatio);
+    // A rectangle as the generated tables write it: [x, y, width, height].
+    static QRect rectFrom(const corvane::PlistValue& value);
     // A whole panel picture or icon file ("CorvaneRS_Midnight", "icons/encoder").
     QPixmap sheet(const QString& name, qreal devicePixelRatio);
 

@@ -53,34 +53,30 @@ bool TVKDisplayView::dataDisplay(const Cell& cell, int& group, int& index) const
     return true;
 }
 
-QString TVKDisplayView::textForCell(const Cell& cell) const
+TVKControl* TVKDisplayView::displayForCell(const Cell& cell) const
 {
     const TVKController* controller = TVKController::c();
     const TVKModelData* model = TVKModelData::defaultModelData();
     int group = 0;
     int index = 0;
     if (!controller || !model || !dataDisplay(cell, group, index))
-        return QString();
+        return nullptr;
     // The button displays of the NV follow the bank its window shows.
     if (group == kNVButtonDisplayGroup)
         index += m_bank * kNVButtonsPerBank;
-    TVKControl* display = model->displayForKeyset(int(controller->selectedKeyset()),
-                                                  int(controller->selectedLayer()), group, index);
+    return model->displayForKeyset(int(controller->selectedKeyset()),
+                                   int(controller->selectedLayer()), group, index);
+}
+
+QString TVKDisplayView::textForCell(const Cell& cell) const
+{
+    TVKControl* display = displayForCell(cell);
     return display ? corvane::displaySampleText(display->action()) : QString();
 }
 
 QString TVKDisplayView::nameForCell(const Cell& cell) const
 {
-    const TVKController* controller = TVKController::c();
-    const TVKModelData* model = TVKModelData::defaultModelData();
-    int group = 0;
-    int index = 0;
-    if (!controller || !model || !dataDisplay(cell, group, index))
-        return QString();
-    if (group == kNVButtonDisplayGroup)
-        index += m_bank * kNVButtonsPerBank;
-    const TVKControl* display = model->displayForKeyset(
-        int(controller->selectedKeyset()), int(controller->selectedLayer()), group, index);
+    const TVKControl* display = displayForCell(cell);
     if (!display)
         return QString();
     return display->userName().isEmpty() ? display->name() : display->userName();

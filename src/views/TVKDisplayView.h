@@ -7,6 +7,8 @@
 #include <QWidget>
 #include <vector>
 
+class TVKControl;
+
 // The displays of one on-screen display group, drawn as the surface would show them: each cell
 // shows its display action's sample text in the selected layer. A click (or Space on the
 // focused cell) selects that display for editing.
@@ -49,6 +51,8 @@ protected:
 
 private:
     void selectCell(size_t index);
+    // The display control a cell shows in the selected keyset and layer; none without a model.
+    TVKControl* displayForCell(const Cell& cell) const;
     // Model-data display group and index of a cell.
     bool dataDisplay(const Cell& cell, int& group, int& index) const;
 

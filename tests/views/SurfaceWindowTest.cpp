@@ -269,3 +269,23 @@ TEST_F(ViewsTest, TheVirtualSurfaceTouchesControlsAndLightsTheSelection)
                   [](const QJsonObject& line) { return line.contains(QStringLiteral("touched")); }),
               2);
 }
+
+TEST_F(ViewsTest, WindowsComeBackWhereTheyWereAndTheDisplaysStayOpen)
+{
+    startApplication();
+    app->showDZ(true);
+    app->mainWindow()->setGeometry(140, 90, 1200, 700);
+    const QRect frame = app->mainWindow()->geometry();
+    app->quit();
+    app.reset();
+    controller.reset();
+
+    startApplication();
+    ASSERT_NE(app->dzWindow(), nullptr);
+    EXPECT_TRUE(app->dzWindow()->isVisible());
+    EXPECT_TRUE(app->dzAction()->isChecked());
+    EXPECT_EQ(app->mainWindow()->geometry(), frame);
+    // None of it is configuration.
+    EXPECT_FALSE(
+        controller->defaults().objectForKey(u"TVKModelData").contains(u"CorvaneWindowFrames"));
+}
