@@ -2,6 +2,7 @@
 #include "TestConfig.h"
 #include "core/PlistCodec.h"
 #include "views/TVKBundle.h"
+#include "views/TVKMultiStateButton.h"
 #include "views/cpkr_ColorPicker.h"
 
 #include <QApplication>
@@ -174,4 +175,74 @@ TEST(ColorPicker, TheGridTheSliderAndTheOutsideAgree)
     EXPECT_EQ(picker.colorPickerView()->selectedColumn(), 15);
     ASSERT_EQ(told.size(), 2u);
     EXPECT_EQ(told.back(), 63);
+}
+
+namespace {
+
+PlistValue op(const QString& name, std::initializer_list<std::pair<const char16_t*, double>> args)
+{
+    PlistValue dict = PlistValue::makeDict();
+    dict.insert(QStringLiteral("Operation"), PlistValue(name));
+    for (const auto& [key, value] : args)
+        dict.insert(QString::fromUtf16(key), PlistValue(value));
+    return dict;
+}
+
+PlistValue path(std::initializer_list<PlistValue> operations)
+{
+    PlistValue list = PlistValue::makeArray();
+    for (const PlistValue& each : operations)
+        list.append(each);
+    return list;
+}
+
+} // namespace
+
+TEST(PictureButton, OutlinesFollowTheirOperationsAndTheLowerNumberWins)
+{
+    application();
+    TVKMultiStateButton button(QStringLiteral("NoSuchDescription"));
+    // 1: a square; 2: an oval overlapping it; 3: a ring from two arcs, the hole left out.
+    button.parsePath(path({op(QStringLiteral("MoveTo"), {{u"X", 0}, {u"Y", 0}}),
+                           op(QStringLiteral("LineTo"), {{u"X", 20}, {u"Y", 0}}),
+                           op(QStringLiteral("Bezier"), {{u"X", 99}, {u"Y", 99}}),
+                           op(QStringLiteral("LineTo"), {{u"X", 20}, {u"Y", 20}}),
+                           op(QStringLiteral("LineTo"), {{u"X", 0}, {u"Y", 20}})}),
+                     1);
+    button.parsePath(path({op(QStringLiteral("Oval"),
+                              {{u"Left", 10}, {u"Top", 10}, {u"Width", 20}, {u"Height", 20}})}),
+                     2);
+    button.parsePath(path({op(QStringLiteral("MoveTo"), {{u"X", 140}, {u"Y", 100}}),
+                           op(QStringLiteral("Arc"), {{u"CenterX", 100},
+                                                      {u"CenterY", 100},
+                                                      {u"Radius", 40},
+                                                      {u"StartAngle", 0},
+                                                      {u"EndAngle", 360}}),
+                           op(QStringLiteral("MoveTo"), {{u"X", 120}, {u"Y", 100}}),
+                           op(QStringLiteral("ClockwiseArc"), {{u"CenterX", 100},
+                                                               {u"CenterY", 100},
+                                                               {u"Radius", 20},
+                                                               {u"StartAngle", 360},
+                                                               {u"EndAngle", 0}})}),
+                     3);
+    // An empty list stores nothing, but the list is padded up to its index.
+    button.parsePath(PlistValue::makeArray(), 5);
+    ASSERT_EQ(button.hitTestPaths().size(), 5u);
+    EXPECT_EQ(button.hitTestPath(0), nullptr);
+    EXPECT_EQ(button.hitTestPath(4), nullptr);
+    TVKMultiStateButtonCell& cell = button.cell();
+    cell.setImageCount(6, &button.images(), &button.hitTestPaths());
+
+    cell.startTrackingAt(QPointF(15, 15)); // in the square and the oval
+    EXPECT_EQ(cell.imageIndex(), 1u);
+    EXPECT_EQ(cell.state(), 1);
+    cell.startTrackingAt(QPointF(25, 25));
+    EXPECT_EQ(cell.imageIndex(), 2u);
+    cell.startTrackingAt(QPointF(100, 70)); // the ring's band
+    EXPECT_EQ(cell.imageIndex(), 3u);
+    cell.startTrackingAt(QPointF(100, 100)); // its hole: nothing there, the choice stays
+    EXPECT_EQ(cell.imageIndex(), 3u);
+    cell.stopTracking(QPointF(300, 300), true);
+    EXPECT_EQ(cell.imageIndex(), 3u);
+    EXPECT_EQ(cell.state(), 1);
 }

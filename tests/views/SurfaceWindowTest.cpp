@@ -115,6 +115,14 @@ TEST_F(ViewsTest, ATouchOnTheSurfaceLightsThePictureOfThatControl)
     }
     EXPECT_TRUE(waitForCount(QStringLiteral("TCtl"), 2, from));
 
+    // A control the picture has no state for changes nothing on it: M4 stays lit.
+    TVKMultiStateButton& m = button(surface, kM);
+    service->command(QStringLiteral("send TCtl 0 3 0 1"));
+    ASSERT_TRUE(spinUntil([&] { return pictureLit(m, 3); }));
+    service->command(QStringLiteral("send TCtl 0 7 0 1"));
+    ASSERT_TRUE(spinUntil([&] { return controller->selectedControl() == 7; }));
+    EXPECT_TRUE(pictureLit(m, 3));
+
     // A display click turns every picture off and selects the display.
     TVKDisplayView* lcd = surface.displayWithTag(1);
     ASSERT_NE(lcd, nullptr);
