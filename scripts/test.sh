@@ -19,7 +19,9 @@ ctest --preset ci -j "$jobs"
 echo "== core tests under sanitizers"
 cmake --preset asan
 cmake --build --preset asan -j "$jobs"
-ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --preset asan -j "$jobs"
+ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+    LSAN_OPTIONS="suppressions=$PWD/tests/lsan.supp:print_suppressions=0" \
+    ctest --preset asan -j "$jobs"
 
 echo "== core tests under the thread sanitizer (clang)"
 # Only the property-list writers start a thread; the core tests drive them. The messenger test is
