@@ -31,13 +31,7 @@ int main(int argc, char** argv)
     TVKQtDialogs dialogs;
     CorvaneController controller;
     CorvaneViews views(controller, dialogs);
-    QObject::connect(&signals, &corvane::TerminationSignals::terminationRequested, &views,
-                     [&views] { views.quit(); });
-    // exit(), not quit(): quit() would first ask the main window to close, and closing it is
-    // what asks the controller to end.
-    QObject::connect(
-        &controller, &TVKController::terminated, &app, [] { QCoreApplication::exit(0); },
-        Qt::QueuedConnection);
+    views.endProgramWith(signals);
     views.start();
     return app.exec();
 }

@@ -113,11 +113,7 @@ int runChild()
     CorvaneController controller;
     CorvaneViews views(controller, dialogs);
     FirstPaint paint;
-    QObject::connect(&signals, &corvane::TerminationSignals::terminationRequested, &views,
-                     [&views] { views.quit(); });
-    QObject::connect(
-        &controller, &TVKController::terminated, &app, [] { QCoreApplication::exit(0); },
-        Qt::QueuedConnection);
+    views.endProgramWith(signals);
     views.start();
     views.mainWindow()->surface()->installEventFilter(&paint);
     const QDeadlineTimer deadline(30000);

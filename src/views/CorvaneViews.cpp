@@ -1,6 +1,7 @@
 #include "views/CorvaneViews.h"
 
 #include "app/CorvaneController.h"
+#include "platform/TerminationSignals.h"
 #include "views/CorvaneExpanderControllers.h"
 #include "views/TVKAboutBox.h"
 #include "views/TVKMainWindow.h"
@@ -74,6 +75,16 @@ void CorvaneViews::quit()
 {
     saveWindowState();
     m_controller.handleTerminateMessage();
+}
+
+void CorvaneViews::endProgramWith(corvane::TerminationSignals& signals)
+{
+    connect(&signals, &corvane::TerminationSignals::terminationRequested, this, [this] { quit(); });
+    // exit(), not quit(): quit() would first ask the main window to close, and closing it is
+    // what asks the controller to end.
+    connect(
+        &m_controller, &TVKController::terminated, this, [] { QCoreApplication::exit(0); },
+        Qt::QueuedConnection);
 }
 
 QString CorvaneViews::windowName(const QWidget* window)

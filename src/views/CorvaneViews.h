@@ -19,6 +19,9 @@ class TVKAppPortSheet;
 class TVKMainWindow;
 class TVKMenuBar;
 class TVKPreferencesSheet;
+namespace corvane {
+class TerminationSignals;
+}
 
 // The windows of the application as the controller sees them: the main window, the expander
 // windows, the about box and the two sheets, made when first needed. It tells the controller
@@ -35,6 +38,9 @@ public:
     void start();
     // Remembers the windows, then ends the program through the controller.
     void quit();
+    // The program ends when the controller has ended: on Quit, on closing the main window and
+    // on the termination signals.
+    void endProgramWith(corvane::TerminationSignals& signals);
 
     TVKMainWindow* mainWindow() const { return m_main; }
     QWidget* window(TVKWindow window) const;
