@@ -3,6 +3,7 @@
 #include "app/CorvaneController.h"
 #include "platform/TerminationSignals.h"
 #include "views/CorvaneExpanderControllers.h"
+#include "views/KeysetSummaryController.h"
 #include "views/TVKAboutBox.h"
 #include "views/TVKMainWindow.h"
 #include "views/TVKMenuBar.h"
@@ -37,7 +38,7 @@ CorvaneViews::~CorvaneViews()
 {
     // Windows go before the controller they observe.
     for (QWidget* w : std::initializer_list<QWidget*>{m_preferences, m_appPort, m_aboutBox, m_tl,
-                                                      m_tlw, m_tlw2, m_nv, m_dz, m_main})
+                                                      m_tlw, m_tlw2, m_nv, m_dz, m_summary, m_main})
         delete w;
 }
 
@@ -66,6 +67,8 @@ void CorvaneViews::start()
     for (qsizetype i = 0; i < open.size(); ++i) {
         if (open.at(i).toString() == QStringLiteral("DZ"))
             showDZ(true);
+        else if (open.at(i).toString() == QStringLiteral("Summary"))
+            m_controller.showSummary();
     }
     m_main->raise();
     m_main->activateWindow();
@@ -97,7 +100,8 @@ void CorvaneViews::saveWindowState()
     PlistValue frames = m_controller.defaults().objectForKey(kWindowFramesKey);
     if (!frames.isDict())
         frames = PlistValue::makeDict();
-    for (QWidget* w : std::initializer_list<QWidget*>{m_main, m_tl, m_tlw, m_tlw2, m_nv, m_dz}) {
+    for (QWidget* w :
+         std::initializer_list<QWidget*>{m_main, m_tl, m_tlw, m_tlw2, m_nv, m_dz, m_summary}) {
         if (w)
             frames.insert(windowName(w), PlistValue(w->saveGeometry()));
     }
@@ -105,6 +109,8 @@ void CorvaneViews::saveWindowState()
     PlistValue open = PlistValue::makeArray();
     if (m_dz && m_dz->isVisible())
         open.append(PlistValue(QStringLiteral("DZ")));
+    if (m_summary && m_summary->isVisible())
+        open.append(PlistValue(QStringLiteral("Summary")));
     m_controller.defaults().setObject(kOpenWindowsKey, open);
 }
 
@@ -131,8 +137,9 @@ QWidget* CorvaneViews::window(TVKWindow window) const
         return m_tlw2;
     case TVKWindow::NV:
         return m_nv;
-    case TVKWindow::Inspector:
     case TVKWindow::Summary:
+        return m_summary;
+    case TVKWindow::Inspector:
         break;
     }
     return nullptr;
@@ -164,9 +171,15 @@ QWidget* CorvaneViews::make(TVKWindow window)
     case TVKWindow::NV:
         made = m_nv = new CorvaneNVController(m_controller, makeMenuBar(), m_dialogs);
         break;
+    case TVKWindow::Summary:
+        if (!m_controller.modelData())
+            return nullptr;
+        made = m_summary =
+            new CorvaneKeysetSummaryController(*m_controller.modelData(), m_controller);
+        m_summary->setMenuBar(makeMenuBar());
+        break;
     case TVKWindow::Main:
     case TVKWindow::Inspector:
-    case TVKWindow::Summary:
         return nullptr;
     }
     if (window != TVKWindow::AboutBox)

@@ -11,6 +11,7 @@ class CorvaneController;
 class CorvaneDZController;
 class CorvaneExpanderWindowController;
 class CorvaneNVController;
+class KeysetSummaryController;
 class QAction;
 class QWidget;
 class QWindow;
@@ -47,6 +48,7 @@ public:
     CorvaneExpanderWindowController* expander(TVKWindow window) const;
     CorvaneNVController* nvController() const { return m_nv; }
     CorvaneDZController* dzWindow() const { return m_dz; }
+    KeysetSummaryController* summary() const { return m_summary; }
     QAction* dzAction() const { return m_dzAction; }
     void showDZ(bool shown);
     TVKAboutBox* aboutBox() const { return m_aboutBox; }
@@ -97,6 +99,7 @@ private:
     CorvaneExpanderWindowController* m_tlw2 = nullptr;
     CorvaneNVController* m_nv = nullptr;
     CorvaneDZController* m_dz = nullptr;
+    KeysetSummaryController* m_summary = nullptr;
     TVKAboutBox* m_aboutBox = nullptr;
     TVKPreferencesSheet* m_preferences = nullptr;
     TVKAppPortSheet* m_appPort = nullptr;

@@ -66,6 +66,7 @@ TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*
 
     QMenu* window = validating(addMenu(tr("&Window")));
     window->addAction(item(Command::ShowMainWindow));
+    window->addAction(item(Command::ShowSummary));
     window->addSeparator();
     window->addAction(item(Command::ShowExpander));
     window->addAction(item(Command::ShowTLW));
@@ -82,12 +83,8 @@ TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*
 void TVKMenuBar::rebuildKeysetsMenu()
 {
     m_keysets->clear();
-    for (QAction* keysetItem : m_controller.keysetsMenu()) {
-        // The summary opens from the Window menu once it exists.
-        if (TVKMenuItems::command(keysetItem) == Command::ShowSummary)
-            continue;
+    for (QAction* keysetItem : m_controller.keysetsMenu())
         m_keysets->addAction(keysetItem);
-    }
 }
 
 void TVKMenuBar::showCorvaneNVMenu(QMenu* menu, bool shown)

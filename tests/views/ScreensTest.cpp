@@ -7,6 +7,7 @@
 #include "model/CorvaneModelData.h"
 #include "views/CorvaneExpanderControllers.h"
 #include "views/CorvaneSurfaceView.h"
+#include "views/KeysetSummaryController.h"
 #include "views/TVKAboutBox.h"
 #include "views/TVKMainWindow.h"
 #include "views/TVKMultiStateButton.h"
@@ -14,6 +15,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QLineEdit>
 #include <QPalette>
 #include <QStyleFactory>
 #include <QTest>
@@ -112,6 +114,11 @@ TEST_F(ViewsTest, Screens)
     capture(*app->dzWindow(), QStringLiteral("dz-midnight"));
 
     lit("back in midnight");
+    controller->showSummary();
+    app->summary()->searchField()->setText(QStringLiteral("Fader 1"));
+    QTest::qWait(300);
+    capture(*app->summary(), QStringLiteral("summary"));
+
     controller->showPreferencePanel();
     capture(*app->preferencesSheet(), QStringLiteral("preferences"));
     controller->cancelPrefsWindow();

@@ -1,0 +1,142 @@
+// The keyset summary against the real controller and simulated service.
+#include "TestConfig.h"
+#include "ViewsFixture.h"
+#include "core/PlistCodec.h"
+#include "model/CorvaneModelData.h"
+#include "model/TVKControl.h"
+#include "views/CorvaneSurfaceView.h"
+#include "views/KeysetSummaryController.h"
+#include "views/TVKMainWindow.h"
+#include "views/TVKMultiStateButton.h"
+
+#include <QColumnView>
+#include <QLineEdit>
+#include <QTest>
+#include <QTreeWidget>
+
+using namespace corvane;
+using namespace corvane::test;
+
+namespace {
+
+class SummaryTest : public ViewsTest
+{
+protected:
+    // The sample configuration: five keysets with named controls and actions.
+    KeysetSummaryController& openSummaryOnSample()
+    {
+        const PlistReadResult sample = PlistCodec::readFile(
+            QStringLiteral(CORVANE_SOURCE_DIR "/resources/samples/Studio.plist"));
+        EXPECT_TRUE(sample.ok);
+        TVKUserDefaults store(storePath);
+        store.setObject(QStringLiteral("TVKModelData"), sample.value);
+        EXPECT_TRUE(store.synchronize());
+        startApplication();
+        controller->showSummary();
+        EXPECT_NE(app->summary(), nullptr);
+        return *app->summary();
+    }
+
+    // Where the browser stands: keyset, layer, group, control rows.
+    std::vector<int> browserPath(const KeysetSummaryController& summary) const
+    {
+        std::vector<int> rows;
+        for (QModelIndex i = summary.keysetBrowser()->currentIndex(); i.isValid(); i = i.parent())
+            rows.insert(rows.begin(), i.row());
+        return rows;
+    }
+};
+
+} // namespace
+
+TEST_F(SummaryTest, TheBrowserFollowsTheSelectionAndMovesIt)
+{
+    KeysetSummaryController& summary = openSummaryOnSample();
+    EXPECT_EQ(summary.model().rowCount(), 5);
+
+    // A click on the picture: Play (group 1, control 3) of the keyset shown.
+    TVKMultiStateButton& transport = button(mainSurface(), 1);
+    clickSurface(mainSurface(), transport.geometry().topLeft() + insideControl(transport, 3));
+    EXPECT_EQ(browserPath(summary), (std::vector<int>{0, 0, 1, 3}));
+
+    // Choosing another control in the browser selects it and tells the surface.
+    const qsizetype from = mark();
+    const QModelIndex play = summary.keysetBrowser()->currentIndex();
+    summary.keysetBrowser()->setCurrentIndex(play.sibling(4, 0));
+    EXPECT_EQ(controller->modelDataGroupIndex(), 1);
+    EXPECT_EQ(controller->modelDataControlIndex(), 4);
+    ASSERT_TRUE(waitForCount(QStringLiteral("TCtl"), 2, from));
+    EXPECT_EQ(words(received(QStringLiteral("TCtl"), from).back()),
+              (std::vector<qint64>{1, 4, 0, 1}));
+
+    // And another layer.
+    summary.keysetBrowser()->setCurrentIndex(play.parent().parent().sibling(2, 0));
+    EXPECT_EQ(controller->selectedLayer(), 2);
+}
+
+TEST_F(SummaryTest, ControlsReadAsNameUserNameAndActionInTheirColour)
+{
+    KeysetSummaryController& summary = openSummaryOnSample();
+    auto* model = dynamic_cast<CorvaneModelData*>(controller->modelData());
+    // Ardour (keyset 1): Play is named "Play" by the user and types a space.
+    const TVKControl* play = summary.model().controlForRow(1, 0, 1, 3);
+    ASSERT_NE(play, nullptr);
+    const auto pieces = KeysetSummaryModel::descriptorPieces(*play);
+    ASSERT_EQ(pieces.size(), 5u);
+    EXPECT_EQ(pieces[0], (std::pair<QString, int>{QStringLiteral("Play"), 0}));
+    EXPECT_EQ(pieces[1].first, QStringLiteral(" ("));
+    EXPECT_EQ(pieces[2], (std::pair<QString, int>{QStringLiteral("Play"), 1}));
+    EXPECT_EQ(pieces[3].first, QStringLiteral("): "));
+    EXPECT_EQ(pieces[4].second, 2);
+    EXPECT_TRUE(pieces[4].first.startsWith(QStringLiteral("Key Sequence")));
+    // Without a user name: name, colon, action.
+    const auto plain =
+        KeysetSummaryModel::descriptorPieces(*summary.model().controlForRow(0, 0, 0, 0));
+    ASSERT_EQ(plain.size(), 3u);
+    EXPECT_EQ(plain[1].first, QStringLiteral(": "));
+
+    // A trackball in red is listed in red; an LCD button with the same colour stays black.
+    auto* trackball = dynamic_cast<TVK4WayControl*>(model->controlForKeyset(0, 0, 11, 0));
+    ASSERT_NE(trackball, nullptr);
+    trackball->setOnColor(3);
+    EXPECT_EQ(KeysetSummaryModel::colorSetFor(*trackball), 1);
+    auto* lcd = dynamic_cast<TVKMultiColorButtonControl*>(model->controlForKeyset(0, 0, 23, 0));
+    ASSERT_NE(lcd, nullptr);
+    lcd->setOnColor(3);
+    EXPECT_EQ(KeysetSummaryModel::colorSetFor(*lcd), 0);
+
+    // With the TLW used alone, its channel groups list eight controls; the others keep theirs.
+    model->setStandaloneTLW(true);
+    EXPECT_EQ(summary.model().calcNumberOfRowsInColumn(KeysetSummaryModel::ControlColumn, 0, 0, 16),
+              8);
+    EXPECT_EQ(summary.model().calcNumberOfRowsInColumn(KeysetSummaryModel::ControlColumn, 0, 0, 19),
+              32);
+}
+
+TEST_F(SummaryTest, SearchFindsAnAssignmentInEveryKeysetAndGoesToIt)
+{
+    KeysetSummaryController& summary = openSummaryOnSample();
+    // A user name in one keyset, a key in several.
+    const auto vocals = summary.find(QStringLiteral("vox lead"));
+    ASSERT_EQ(vocals.size(), 1u);
+    EXPECT_EQ(vocals[0].keyset, 1);
+    EXPECT_EQ(vocals[0].group, 21);
+    EXPECT_EQ(vocals[0].control, 2);
+    std::set<int> keysets;
+    for (const auto& match : summary.find(QStringLiteral("Key Sequence")))
+        keysets.insert(match.keyset);
+    EXPECT_GE(keysets.size(), 3u);
+    EXPECT_TRUE(summary.find(QStringLiteral("   ")).empty());
+
+    // Typed in the field, the results list; choosing one selects it in the application.
+    QTest::keyClicks(summary.searchField(), QStringLiteral("Vox Lead"));
+    ASSERT_TRUE(spinUntil([&] { return summary.results()->topLevelItemCount() == 1; }));
+    QTreeWidgetItem* item = summary.results()->topLevelItem(0);
+    EXPECT_EQ(item->text(0), QStringLiteral("Ardour"));
+    EXPECT_EQ(item->text(3), QStringLiteral("Fader 3 (Vox Lead)"));
+    Q_EMIT summary.results()->itemActivated(item, 0);
+    EXPECT_EQ(controller->selectedKeyset(), 1);
+    EXPECT_EQ(controller->modelDataGroupIndex(), 21);
+    EXPECT_EQ(controller->modelDataControlIndex(), 2);
+    EXPECT_EQ(app->mainWindow()->keysetName(), QStringLiteral("Ardour"));
+}
