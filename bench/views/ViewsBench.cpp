@@ -161,17 +161,34 @@ void BM_StartToMainWindowPaintedFiftyKeysets(benchmark::State& state)
 }
 BENCHMARK(BM_StartToMainWindowPaintedFiftyKeysets)->Iterations(5)->Unit(benchmark::kMillisecond);
 
+// The application in this process, started on fifty keysets with the service beside it, and
+// ended as the program ends.
+struct RunningApplication
+{
+    RunningApplication() { views.start(); }
+    ~RunningApplication() { controller.handleTerminateMessage(); }
+
+    static QApplication* application()
+    {
+        static QApplication* app = qobject_cast<QApplication*>(QCoreApplication::instance())
+                                       ?: new QApplication(g_argc, g_argv);
+        return app;
+    }
+
+    // In this order: the folders and the platform, then the application, then the windows.
+    Home home{fiftyKeysets()};
+    QApplication* app = application();
+    TVKNoViews dialogs;
+    CorvaneController controller;
+    CorvaneViews views{controller, dialogs};
+};
+
 // A touch reported by the service to the lit picture on screen; then every window open.
 void BM_TouchToRepaintedPictureAndMemory(benchmark::State& state)
 {
-    Home home(fiftyKeysets());
-    static QApplication* app = qobject_cast<QApplication*>(QCoreApplication::instance())
-                                   ?: new QApplication(g_argc, g_argv);
-    (void)app;
-    TVKNoViews dialogs;
-    CorvaneController controller;
-    CorvaneViews views(controller, dialogs);
-    views.start();
+    RunningApplication running;
+    CorvaneController& controller = running.controller;
+    CorvaneViews& views = running.views;
     QCoreApplication::processEvents();
     CorvaneSurfaceView& surface = *views.mainWindow()->surface();
     // Alternate between two controls of two groups, so every touch changes two pictures.
@@ -201,28 +218,20 @@ void BM_TouchToRepaintedPictureAndMemory(benchmark::State& state)
     for (int i = 0; i < 20; ++i)
         QCoreApplication::processEvents();
     state.counters["resident_MiB_all_windows"] = residentMiB();
-    controller.handleTerminateMessage();
 }
 BENCHMARK(BM_TouchToRepaintedPictureAndMemory)->Iterations(400)->Unit(benchmark::kMicrosecond);
 
 // The summary's search through fifty keysets: every control's name, user name and action.
 void BM_FindAcrossFiftyKeysets(benchmark::State& state)
 {
-    Home home(fiftyKeysets());
-    static QApplication* app = qobject_cast<QApplication*>(QCoreApplication::instance())
-                                   ?: new QApplication(g_argc, g_argv);
-    (void)app;
-    TVKNoViews dialogs;
-    CorvaneController controller;
-    CorvaneViews views(controller, dialogs);
-    views.start();
+    RunningApplication running;
+    CorvaneViews& views = running.views;
     views.show(TVKWindow::Summary);
     KeysetSummaryController& summary = *views.summary();
     size_t found = 0;
     for (auto _ : state)
         found = summary.find(QStringLiteral("Fader 1"), 100000).size();
     state.counters["matches"] = double(found);
-    controller.handleTerminateMessage();
 }
 BENCHMARK(BM_FindAcrossFiftyKeysets)->Iterations(5)->Unit(benchmark::kMillisecond);
 

@@ -5,6 +5,7 @@
 #include "core/Notifications.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKKeyset.h"
+#include "views/CorvaneNVLayout.h"
 #include "views/CorvanePictures.h"
 #include "views/CorvaneSurfaceView.h"
 #include "views/TVKDisplayView.h"
@@ -29,8 +30,6 @@ constexpr int kNVParameters = 44;
 constexpr int kNVActions = 45;
 constexpr int kNVFirstButtonDisplays = 7;
 constexpr int kNVLastButtonDisplays = 10;
-constexpr int kNVBanks = 10;
-constexpr int kNVButtonsPerBank = 24;
 constexpr int kNVFunctionKeys = 8;
 constexpr int kNVParametersPerFunction = 5;
 constexpr int kNVActionsPerParameter = 4;
@@ -176,7 +175,7 @@ void CorvaneNVController::followSelection()
     const qint64 control = m_master.selectedControl();
     switch (m_master.selectedGroup()) {
     case kNVLCDButtons:
-        setBank(int(control / kNVButtonsPerBank));
+        setBank(int(control / corvane::nv::kButtonsPerBank));
         break;
     case kNVBankButtons:
         setBank(int(control));
@@ -202,7 +201,7 @@ void CorvaneNVController::followSelection()
 
 void CorvaneNVController::setBank(int bank)
 {
-    if (bank < 0 || bank >= kNVBanks || bank == m_bank)
+    if (bank < 0 || bank >= corvane::nv::kBanks || bank == m_bank)
         return;
     m_bank = bank;
     applyBanks();
@@ -299,7 +298,7 @@ void CorvaneNVController::selectGroup(int group)
         return;
     // The group's first button, in its bank.
     const int button = members.at(0).toString().toInt();
-    setBank(button / kNVButtonsPerBank);
+    setBank(button / corvane::nv::kButtonsPerBank);
     m_master.handleTVKControl(button, kNVLCDButtons);
 }
 
@@ -318,7 +317,7 @@ bool CorvaneNVController::validateCorvaneNVMenuItem(QAction* item)
     case PreviousBank:
         return m_bank > 0;
     case NextBank:
-        return m_bank < kNVBanks - 1;
+        return m_bank < corvane::nv::kBanks - 1;
     default:
         return false;
     }

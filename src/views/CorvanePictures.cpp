@@ -8,6 +8,7 @@
 #include "model/TVKModelData.h"
 #include "surface/TVK_6BitColorUtilities.h"
 #include "surface/TVK_Constant_Server.h"
+#include "views/CorvaneNVLayout.h"
 
 #include <QPainter>
 
@@ -114,7 +115,9 @@ void CorvaneLCDButtonPicture::paintOverlay(QPainter& painter)
         painter.drawRoundedRect(glass, 2, 2);
         painter.setBrush(screenColor(button->onColor()));
         painter.drawRoundedRect(QRectF(glass.left(), glass.top(), glass.width(), 5), 2, 2);
-        const int member = layer && group == 24 ? layer->corvaneNVGroupForButtonWithID(index) : -1;
+        const int member = layer && group == corvane::nv::kLCDButtonGroup
+                               ? layer->corvaneNVGroupForButtonWithID(index)
+                               : -1;
         if (member >= 0) {
             const int colour = layer->colorForCorvaneNVGroupWithID(member);
             painter.setBrush(kGroupColors[qBound(0, colour, 7)]);

@@ -1,7 +1,6 @@
 #include "views/CorvaneSurfaceView.h"
 
 #include "core/Notifications.h"
-#include "model/CorvaneModelData.h"
 #include "surface/TVK_Constant_Server.h"
 #include "views/CorvanePictures.h"
 #include "views/TVKBundle.h"
@@ -115,9 +114,7 @@ CorvaneSurfaceView::CorvaneSurfaceView(const QString& unit, QWidget* parent)
 
 void CorvaneSurfaceView::followHardwareStyle()
 {
-    const auto* model = dynamic_cast<const CorvaneModelData*>(TVKModelData::defaultModelData());
-    const int style = model ? model->hardwareStyle() : 0;
-    showPicture(style == 1 ? m_silver : m_midnight);
+    showPicture(TVKMultiStateButton::modelHardwareStyle() == 1 ? m_silver : m_midnight);
 }
 
 void CorvaneSurfaceView::showPicture(const QString& name)

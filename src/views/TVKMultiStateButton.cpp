@@ -22,13 +22,13 @@ using corvane::Notification;
 using corvane::NotificationCenter;
 using corvane::PlistValue;
 
-namespace {
-
-int modelHardwareStyle()
+int TVKMultiStateButton::modelHardwareStyle()
 {
     const auto* model = dynamic_cast<const CorvaneModelData*>(TVKModelData::defaultModelData());
     return model ? model->hardwareStyle() : 0;
 }
+
+namespace {
 
 TVKImageList midnightNames(const TVKImageList& names)
 {

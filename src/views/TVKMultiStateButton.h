@@ -112,6 +112,8 @@ public:
     const TVKImageList& silverImages() const { return m_silverImages; }
     const TVKImageList& midnightImages() const { return m_midnightImages; }
     virtual void hardwareStyleChanged();
+    // The model's finish: 1 silver, anything else midnight (0 without a model).
+    static int modelHardwareStyle();
 
     // The value this button sends for control k of its picture; the NV's banked groups add
     // their bank.
