@@ -6,20 +6,13 @@
 #include "model/TVKControl.h"
 #include "model/TVKModelData.h"
 #include "surface/TVK_Constant_Server.h"
+#include "views/CorvaneNVLayout.h"
 
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QPainter>
 
 namespace note = corvane::note;
-
-namespace {
-
-// The NV keeps 24 LCD buttons, and so 24 button displays, to a bank.
-constexpr int kNVButtonsPerBank = 24;
-constexpr int kNVButtonDisplayGroup = 4;
-
-} // namespace
 
 TVKDisplayView::TVKDisplayView(int group, Kind kind, int characters, std::vector<Cell> cells,
                                QWidget* parent)
@@ -62,8 +55,8 @@ TVKControl* TVKDisplayView::displayForCell(const Cell& cell) const
     if (!controller || !model || !dataDisplay(cell, group, index))
         return nullptr;
     // The button displays of the NV follow the bank its window shows.
-    if (group == kNVButtonDisplayGroup)
-        index += m_bank * kNVButtonsPerBank;
+    if (group == corvane::nv::kButtonDisplayGroup)
+        index += m_bank * corvane::nv::kButtonsPerBank;
     return model->displayForKeyset(int(controller->selectedKeyset()),
                                    int(controller->selectedLayer()), group, index);
 }
@@ -127,8 +120,13 @@ void TVKDisplayView::paintEvent(QPaintEvent*)
         // A display with nothing to show names itself, faintly, so that it reads as a place
         // that can be chosen.
         const bool placeholder = text.isEmpty();
-        if (placeholder)
-            text = nameForCell(cell);
+        if (placeholder) {
+            // The factory names of the small button screens do not fit them: their number does.
+            const TVKControl* display = displayForCell(cell);
+            text = m_kind == Kind::LcdButton && display && display->userName().isEmpty()
+                       ? QString::number(cell.display + 1)
+                       : nameForCell(cell);
+        }
         const QRectF textRect = r.adjusted(6, 0, -6, 0);
         const int align =
             m_kind == Kind::Lcd ? int(Qt::AlignLeft | Qt::AlignVCenter) : int(Qt::AlignCenter);

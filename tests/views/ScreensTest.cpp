@@ -131,4 +131,6 @@ TEST_F(ViewsTest, Screens)
     lit("after the about box");
     QApplication::setPalette(darkPalette());
     capture(*app->mainWindow(), QStringLiteral("main-midnight-dark-theme"));
+    capture(*app->summary(), QStringLiteral("summary-dark-theme"));
+    capture(*app->nvController(), QStringLiteral("nv-midnight-dark-theme"));
 }
