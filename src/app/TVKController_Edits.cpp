@@ -150,8 +150,7 @@ void TVKController::handleJogSensitivityChange(const corvane::Notification& n)
 
 void TVKController::handleJoystickSensitivityChange(const corvane::Notification& n)
 {
-    handleValueEdit<qint64>(n, QStringLiteral("TVKJoySens"),
-                            &TVKController::undoableSetJoystickSensitivity);
+    handleValueEdit<qint64>(n, info::JoySens, &TVKController::undoableSetJoystickSensitivity);
 }
 
 void TVKController::handleInsertEditedAction(const corvane::Notification& n)

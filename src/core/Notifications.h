@@ -97,6 +97,7 @@ inline const QString Int = QStringLiteral("TVKInt");
 inline const QString Float = QStringLiteral("TVKFloat");
 inline const QString CopyToLayers = QStringLiteral("TVKCopyToLayers");
 inline const QString JogSens = QStringLiteral("TVKJogSens");
+inline const QString JoySens = QStringLiteral("TVKJoySens");
 inline const QString PropVal = QStringLiteral("TVKPropVal");
 inline const QString InsPos = QStringLiteral("TVKInsPos");
 

@@ -3,6 +3,7 @@
 #include "app/CorvaneController.h"
 #include "platform/TerminationSignals.h"
 #include "views/CorvaneExpanderControllers.h"
+#include "views/InspectorController.h"
 #include "views/KeysetSummaryController.h"
 #include "views/TVKAboutBox.h"
 #include "views/TVKMainWindow.h"
@@ -36,7 +37,9 @@ CorvaneViews::CorvaneViews(CorvaneController& controller, TVKDialogs& dialogs)
 
 CorvaneViews::~CorvaneViews()
 {
-    // Windows go before the controller they observe.
+    // Windows go before the controller they observe; the inspector's panel, a child of the
+    // main window, goes with its controller first.
+    m_inspector.reset();
     for (QWidget* w : std::initializer_list<QWidget*>{m_preferences, m_appPort, m_aboutBox, m_tl,
                                                       m_tlw, m_tlw2, m_nv, m_dz, m_summary, m_main})
         delete w;
@@ -140,7 +143,7 @@ QWidget* CorvaneViews::window(TVKWindow window) const
     case TVKWindow::Summary:
         return m_summary;
     case TVKWindow::Inspector:
-        break;
+        return m_inspector ? m_inspector->panel() : nullptr;
     }
     return nullptr;
 }
@@ -178,13 +181,21 @@ QWidget* CorvaneViews::make(TVKWindow window)
             new CorvaneKeysetSummaryController(*m_controller.modelData(), m_controller);
         m_summary->setMenuBar(makeMenuBar());
         break;
-    case TVKWindow::Main:
     case TVKWindow::Inspector:
+        m_inspector = std::make_unique<InspectorController>(m_controller, *this, m_main);
+        made = m_inspector->panel();
+        break;
+    case TVKWindow::Main:
         return nullptr;
     }
     if (window != TVKWindow::AboutBox)
         restoreGeometry(made);
     return made;
+}
+
+const TVKAction* CorvaneViews::inspectorEditedAction() const
+{
+    return m_inspector ? m_inspector->editedAction().action() : nullptr;
 }
 
 void CorvaneViews::showDZ(bool shown)
@@ -228,7 +239,9 @@ void CorvaneViews::show(TVKWindow window)
         return;
     w->show();
     w->raise();
-    w->activateWindow();
+    // The inspector floats beside the surface without taking the keyboard from it.
+    if (window != TVKWindow::Inspector)
+        w->activateWindow();
     if (window == TVKWindow::AboutBox)
         m_aboutBox->play();
 }

@@ -11,6 +11,7 @@ class CorvaneController;
 class CorvaneDZController;
 class CorvaneExpanderWindowController;
 class CorvaneNVController;
+class InspectorController;
 class KeysetSummaryController;
 class QAction;
 class QWidget;
@@ -49,6 +50,7 @@ public:
     CorvaneNVController* nvController() const { return m_nv; }
     CorvaneDZController* dzWindow() const { return m_dz; }
     KeysetSummaryController* summary() const { return m_summary; }
+    InspectorController* inspector() const { return m_inspector.get(); }
     QAction* dzAction() const { return m_dzAction; }
     void showDZ(bool shown);
     TVKAboutBox* aboutBox() const { return m_aboutBox; }
@@ -70,7 +72,7 @@ public:
     void setLockButtonState(bool locked) override;
     void showHardwareImage(const QString& imageName) override;
     void showCorvaneNVMenu(bool shown) override;
-    const TVKAction* inspectorEditedAction() const override { return nullptr; }
+    const TVKAction* inspectorEditedAction() const override;
     CorvaneNVWindowCommands* corvaneNVWindow() const override;
 
     // TVKSheets
@@ -100,6 +102,7 @@ private:
     CorvaneNVController* m_nv = nullptr;
     CorvaneDZController* m_dz = nullptr;
     KeysetSummaryController* m_summary = nullptr;
+    std::unique_ptr<InspectorController> m_inspector;
     TVKAboutBox* m_aboutBox = nullptr;
     TVKPreferencesSheet* m_preferences = nullptr;
     TVKAppPortSheet* m_appPort = nullptr;

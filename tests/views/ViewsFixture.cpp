@@ -1,10 +1,16 @@
 #include "ViewsFixture.h"
 
+#include "TestConfig.h"
+#include "actions/BuiltInCommandCatalogue.h"
+#include "model/TVKLayer.h"
+#include "model/TVKModelData.h"
 #include "views/CorvaneSurfaceView.h"
 #include "views/TVKMainWindow.h"
 #include "views/TVKMultiStateButton.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QFile>
 #include <QJsonArray>
 #include <QTest>
 
@@ -83,6 +89,37 @@ void ViewsTest::clickSurface(CorvaneSurfaceView& surface, QPoint point)
         target = &surface;
     const QPoint local = target->mapFrom(&surface, point);
     QTest::mouseClick(target, Qt::LeftButton, Qt::NoModifier, local);
+}
+
+void ViewsTest::installCatalogue()
+{
+    const QString target = BuiltInCommandCatalogue::defaultCataloguePath();
+    QDir().mkpath(BuiltInCommandCatalogue::supportFolder());
+    QFile::remove(target);
+    ASSERT_TRUE(QFile::copy(
+        QStringLiteral(CORVANE_SOURCE_DIR "/resources/BuiltInCommands/TVK_Built_In_Commands.xml"),
+        target));
+}
+
+TVKControl* ViewsTest::selectFirstOfType(int type)
+{
+    TVKModelData* model = controller->modelData();
+    const TVKLayer* layer = model ? model->selectedLayer() : nullptr;
+    if (!layer)
+        return nullptr;
+    const bool display = ControlType::isDisplayType(type);
+    const auto& groups = display ? layer->displayGroups() : layer->groups();
+    for (size_t group = 0; group < groups.size(); ++group)
+        for (size_t index = 0; index < groups[group].size(); ++index) {
+            if (!groups[group][index] || groups[group][index]->tvkControlType() != type)
+                continue;
+            if (display)
+                controller->handleDisplay(qint64(index), qint64(group));
+            else
+                controller->selectionChangedInSummaryWindowToGroup(qint64(group), qint64(index));
+            return groups[group][index].get();
+        }
+    return nullptr;
 }
 
 std::vector<qint64> words(const QJsonObject& line)

@@ -8,6 +8,7 @@
 #include <vector>
 
 class CorvaneSurfaceView;
+class TVKControl;
 class TVKMultiStateButton;
 
 namespace corvane::test {
@@ -29,6 +30,12 @@ protected:
     // Clicks as the user does: press and release at a point of the surface, delivered to
     // whatever widget lies there.
     void clickSurface(CorvaneSurfaceView& surface, QPoint point);
+    // Selects the first control (or display) of a control type in the selected layer as a touch
+    // on the surface (a click on a display) does; none when the surface has no such control.
+    TVKControl* selectFirstOfType(int type);
+    // Puts the shipped built-in command catalogue where the editors read it, as the installer
+    // does; call before the application starts.
+    void installCatalogue();
 
     std::unique_ptr<CorvaneViews> app;
 };

@@ -56,6 +56,8 @@ qint32 EmulationActionEditor::actionType() const
         return TVKButtonEmulationAction::kActionType;
     case Encoder:
         return TVKEncoderEmulationAction::kActionType;
+    case Fader:
+        return TVKFaderEmulationAction::kActionType;
     case Jog:
         return TVKJogEmulationAction::kActionType;
     }
@@ -72,6 +74,7 @@ EmulationActionEditor::GroupInfo EmulationActionEditor::infoForGroup(int group) 
     case Button:
         return lookup(kButtonGroups);
     case Encoder:
+    case Fader:
         return lookup(kEncoderGroups);
     case Jog:
         return lookup(kJogGroups);
@@ -91,7 +94,8 @@ QList<EmulationActionEditor::MenuItem> EmulationActionEditor::groupMenu(GroupMen
             items.append({group, constants.buttonEmulationGroupName(group)});
         break;
     }
-    case Encoder: {
+    case Encoder:
+    case Fader: {
         const int count = menu == GroupMenu::ModeC ? kEncoderGroupsModeC : kEncoderGroupsModeAB;
         for (int group = 0; group < count; ++group)
             items.append({group, constants.encoderEmulationGroupName(group)});
@@ -133,7 +137,7 @@ int EmulationActionEditor::selectedKeysetEmulationMode() const
 int EmulationActionEditor::numberLimit() const
 {
     const int group = m_controls.selectedGroup;
-    if ((m_kind == Button && group == 20) || (m_kind == Encoder && group == 1))
+    if ((m_kind == Button && group == 20) || (m_kind != Button && m_kind != Jog && group == 1))
         return 9;
     return 8;
 }

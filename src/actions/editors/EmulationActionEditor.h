@@ -21,7 +21,9 @@ public:
     {
         Button,
         Encoder,
-        Jog
+        Jog,
+        // The fader plays the encoder's groups but keeps an emulation class of its own.
+        Fader
     };
     enum Tag
     {

@@ -1,0 +1,720 @@
+#include "views/InspectorController.h"
+
+#include "actions/TVKBuiltInAction.h"
+#include "actions/TVKDisplayControlNameAction.h"
+#include "actions/TVKDisplayEmulationAction.h"
+#include "actions/TVKKeySequenceAction.h"
+#include "actions/TVKMIDIAction.h"
+#include "actions/TVKMouseAction.h"
+#include "actions/TVKSpecialAction.h"
+#include "app/TVKController.h"
+#include "app/TVKViewInterfaces.h"
+#include "core/Notifications.h"
+#include "model/TVKControl.h"
+#include "model/TVKKeyset.h"
+#include "model/TVKLayer.h"
+#include "model/TVKModelData.h"
+#include "views/TVKDisplayEditors.h"
+#include "views/TVKEditorView.h"
+#include "views/cpkr_ColorPicker.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QCoreApplication>
+#include <QCursor>
+#include <QFormLayout>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QSlider>
+#include <QStackedLayout>
+#include <QVBoxLayout>
+
+namespace note = corvane::note;
+namespace info = corvane::info;
+using corvane::ControlType::isDisplayType;
+
+// The pointer as the mouse editors read it: the global position from the toolkit, and what lies
+// under it from the desktop queries of the installation interface.
+class InspectorController::PointerQueries : public corvane::PointerEnvironment
+{
+public:
+    explicit PointerQueries(TVKInstallation& installation) : m_installation(installation) {}
+
+    QPointF pointerLocation() const override
+    {
+        const QPoint pointer = QCursor::pos();
+        return {double(pointer.x()), screensHeight() - pointer.y()};
+    }
+
+    double screensHeight() const override
+    {
+        QRect all;
+        for (const QScreen* screen : QGuiApplication::screens())
+            all = all.united(screen->geometry());
+        return all.height();
+    }
+
+    bool windowUnderPointer(QPointF point, corvane::WindowUnderPointer& result) const override
+    {
+        TVKAXObjectInfo found;
+        if (!m_installation.getAXObjects(found, point)) {
+            m_problem = QCoreApplication::translate(
+                "InspectorController",
+                "No window could be found under the pointer. Capturing a position in a window "
+                "needs an X11 desktop session, or the application running under XWayland.");
+            return false;
+        }
+        m_problem.clear();
+        result.applicationName = found.applicationName;
+        result.signature = corvane::fourCharCodeFromString(found.signature);
+        if (!found.bundleID.isEmpty())
+            result.bundleID = found.bundleID;
+        result.windowTitle = found.windowTitle;
+        result.windowPosition = found.windowPosition;
+        result.windowSize = QSizeF(found.windowSize.x(), found.windowSize.y());
+        return true;
+    }
+
+    const QString& problem() const { return m_problem; }
+
+private:
+    TVKInstallation& m_installation;
+    mutable QString m_problem;
+};
+
+// InspectorPanel
+
+InspectorPanel::InspectorPanel(QWidget* parent) : QWidget(parent, Qt::Tool)
+{
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    m_lockObservation = corvane::NotificationCenter::defaultCenter().addObserver(
+        note::LockStateChange, nullptr, [this](const corvane::Notification& n) {
+            setLocked(n.userInfo.value(info::Lock).toBool());
+        });
+}
+
+void InspectorPanel::setLocked(bool locked)
+{
+    m_locked = locked;
+    for (QWidget* child : findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+        child->setEnabled(!locked);
+}
+
+// InspectorController
+
+InspectorController::InspectorController(TVKController& controller, TVKInstallation& pointerQueries,
+                                         QWidget* parentWindow)
+    : m_controller(controller), m_nibName(controller.inspectorNibName()),
+      m_pointer(std::make_unique<PointerQueries>(pointerQueries))
+{
+    m_panel = new InspectorPanel(parentWindow);
+    // The frame is remembered under this name.
+    m_panel->setObjectName(QStringLiteral("TVKInsPos"));
+    m_panel->setWindowTitle(QCoreApplication::translate("InfoPlist", "Inspector", "TVKInspector"));
+    awakeFromNib();
+
+    auto& centre = corvane::NotificationCenter::defaultCenter();
+    auto observe = [&](const QString& name,
+                       void (InspectorController::*handler)(const corvane::Notification&)) {
+        m_observations.push_back(
+            centre.addObserver(name, nullptr, [this, handler](const corvane::Notification& n) {
+                (this->*handler)(n);
+            }));
+    };
+    observe(note::SelectionChange, &InspectorController::handleControlSelection);
+    observe(note::ControlPropertyChange, &InspectorController::handleControlPropertyChange);
+    observe(note::RemoteSelectionChange, &InspectorController::handleControlPropertyChange);
+    observe(note::DisplaySelectionChange, &InspectorController::handleDisplaySelectionChange);
+    observe(note::RemoteDisplaySelectionChange, &InspectorController::handleDisplaySelectionChange);
+    observe(note::EmulChg, &InspectorController::handleEmulationModeChange);
+
+    const TVKModelData* model = TVKModelData::defaultModelData();
+    const TVKKeyset* keyset =
+        model && model->numberOfKeysets() > 0 ? model->selectedKeyset() : nullptr;
+    if (keyset && keyset->locked()) {
+        m_panel->setLocked(true);
+        for (TVKEditorView* editor : m_editorList)
+            editor->setLockState(true);
+    }
+}
+
+InspectorController::~InspectorController()
+{
+    // The editors in the panel refer back to this controller.
+    m_observations.clear();
+    delete m_panel;
+}
+
+void InspectorController::awakeFromNib()
+{
+    auto* column = new QVBoxLayout(m_panel);
+    column->setContentsMargins(12, 12, 12, 12);
+
+    auto* nameForm = new QFormLayout;
+    m_userNameField = new QLineEdit(m_panel);
+    m_userNameField->setClearButtonEnabled(true);
+    nameForm->addRow(tr("&Name:"), m_userNameField);
+    auto* nameRow = new QWidget(m_panel);
+    nameRow->setLayout(nameForm);
+    nameForm->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(nameRow);
+
+    m_editorContainer = new QWidget(m_panel);
+    m_editorStack = new QStackedLayout(m_editorContainer);
+    m_placeholder =
+        new QLabel(tr("Select a control or a display on the surface to edit it."), m_panel);
+    m_placeholder->setAlignment(Qt::AlignCenter);
+    m_placeholder->setWordWrap(true);
+    m_placeholder->setForegroundRole(QPalette::PlaceholderText);
+    m_editorStack->addWidget(m_placeholder);
+    column->addWidget(m_editorContainer, 1);
+
+    auto slider = [this](QWidget*& row, QSlider*& slider, const QString& title, int minimum,
+                         int maximum) {
+        row = new QWidget(m_panel);
+        auto* form = new QFormLayout(row);
+        form->setContentsMargins(0, 0, 0, 0);
+        slider = new QSlider(Qt::Horizontal, row);
+        slider->setRange(minimum, maximum);
+        slider->setPageStep(qMax(1, (maximum - minimum) / 8));
+        slider->setAccessibleName(QString(title).remove(QLatin1Char('&')).remove(QLatin1Char(':')));
+        auto* value = new QLabel(row);
+        value->setMinimumWidth(value->fontMetrics().horizontalAdvance(QStringLiteral("0000")));
+        value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        auto* line = new QHBoxLayout;
+        line->addWidget(slider, 1);
+        line->addWidget(value);
+        auto* label = new QLabel(title, row);
+        label->setBuddy(slider);
+        form->addRow(label, line);
+        connect(slider, &QSlider::valueChanged, value, [value](int v) { value->setNum(v); });
+        row->hide();
+    };
+    slider(m_brightnessRow, m_brightnessSlider, tr("&Brightness:"), 0, 15);
+    slider(m_sensitivityRow, m_sensitivitySlider, tr("Jog &sensitivity:"), 1, 127);
+    slider(m_joystickSensitivityRow, m_joystickSensitivitySlider, tr("Joystick &sensitivity:"), 1,
+           10);
+    column->addWidget(m_brightnessRow);
+    column->addWidget(m_sensitivityRow);
+    column->addWidget(m_joystickSensitivityRow);
+
+    auto* bottom = new QWidget(m_panel);
+    auto* bottomRow = new QHBoxLayout(bottom);
+    bottomRow->setContentsMargins(0, 0, 0, 0);
+    m_allLayersCopyCheckbox = new QCheckBox(tr("Apply edits to &all layers"), bottom);
+    m_deleteActionButton = new QPushButton(tr("Remove &Action"), bottom);
+    bottomRow->addWidget(m_allLayersCopyCheckbox);
+    bottomRow->addStretch();
+    bottomRow->addWidget(m_deleteActionButton);
+    column->addWidget(bottom);
+
+    m_buttonEditor = makeEditor(corvane::ControlType::Button);
+    m_encoderEditor = makeEditor(corvane::ControlType::Encoder);
+    m_fourWayEditor = makeEditor(corvane::ControlType::FourWay);
+    m_shuttleEditor = makeEditor(corvane::ControlType::Shuttle);
+    m_jogEditor = makeEditor(corvane::ControlType::Jog);
+    m_lcdDisplayEditor = makeEditor(corvane::ControlType::LCDDisplay);
+    m_tcDisplayEditor = makeEditor(corvane::ControlType::TimecodeDisplay);
+    m_faderEditor = makeEditor(corvane::ControlType::Fader);
+    m_joystickEditor = makeEditor(corvane::ControlType::Joystick);
+    m_multiColorButtonEditor = makeEditor(corvane::ControlType::MultiColorButton);
+    m_lcdButtonDisplayEditor = makeEditor(corvane::ControlType::LCDButtonDisplay);
+    m_corvaneNVLCDDisplayEditor = makeEditor(corvane::ControlType::NVLCDDisplay);
+    // The DZ's display editor is kept ready but has no control type of its own.
+    m_dzDisplayEditor = makeEditor(corvane::ControlType::LCDDisplay);
+
+    m_editorList = {m_buttonEditor,
+                    m_encoderEditor,
+                    m_fourWayEditor,
+                    m_shuttleEditor,
+                    m_jogEditor,
+                    m_lcdDisplayEditor,
+                    m_tcDisplayEditor,
+                    m_faderEditor,
+                    m_joystickEditor,
+                    m_multiColorButtonEditor,
+                    m_lcdButtonDisplayEditor,
+                    m_corvaneNVLCDDisplayEditor,
+                    m_buttonEditor};
+    m_buttonEditor->setID(QStringLiteral("BTN"));
+    m_encoderEditor->setID(QStringLiteral("ENC"));
+    m_fourWayEditor->setID(QStringLiteral("4WY"));
+    m_shuttleEditor->setID(QStringLiteral("STL"));
+    m_jogEditor->setID(QStringLiteral("JOG"));
+    m_lcdDisplayEditor->setID(QStringLiteral("LCD"));
+    m_tcDisplayEditor->setID(QStringLiteral("TC"));
+    m_faderEditor->setID(QStringLiteral("FAD"));
+    m_joystickEditor->setID(QStringLiteral("JOY"));
+    m_multiColorButtonEditor->setID(QStringLiteral("MCB"));
+    m_lcdButtonDisplayEditor->setID(QStringLiteral("LCB"));
+    // The NV display editor gets no identifier: the button display's is given again.
+    m_lcdButtonDisplayEditor->setID(QStringLiteral("LCB"));
+    for (TVKEditorView* editor :
+         {m_buttonEditor, m_encoderEditor, m_fourWayEditor, m_shuttleEditor, m_jogEditor,
+          m_lcdDisplayEditor, m_tcDisplayEditor, m_faderEditor, m_joystickEditor,
+          m_multiColorButtonEditor, m_lcdButtonDisplayEditor, m_corvaneNVLCDDisplayEditor,
+          m_dzDisplayEditor}) {
+        editor->hide();
+        m_editorStack->addWidget(editor);
+        wireEditor(editor);
+    }
+    m_editorStack->setCurrentWidget(m_placeholder);
+
+    connect(m_userNameField, &QLineEdit::editingFinished, this,
+            &InspectorController::handleUserNameChange);
+    connect(m_brightnessSlider, &QSlider::sliderReleased, this,
+            &InspectorController::handleBrightnessChange);
+    connect(m_sensitivitySlider, &QSlider::sliderReleased, this,
+            &InspectorController::handleSensitivityChange);
+    connect(m_joystickSensitivitySlider, &QSlider::sliderReleased, this,
+            &InspectorController::handleJoystickSensitivityChange);
+    // Keyboard and page steps are edits as they happen; a drag is one edit when let go.
+    const std::pair<QSlider*, void (InspectorController::*)()> sliders[] = {
+        {m_brightnessSlider, &InspectorController::handleBrightnessChange},
+        {m_sensitivitySlider, &InspectorController::handleSensitivityChange},
+        {m_joystickSensitivitySlider, &InspectorController::handleJoystickSensitivityChange}};
+    for (const auto& [slider, handler] : sliders) {
+        connect(slider, &QSlider::actionTriggered, this, [this, handler](int action) {
+            if (action != QAbstractSlider::SliderMove)
+                QMetaObject::invokeMethod(
+                    this, [this, handler] { (this->*handler)(); }, Qt::QueuedConnection);
+        });
+    }
+    connect(m_deleteActionButton, &QPushButton::clicked, this,
+            &InspectorController::handleDeleteAction);
+    connect(m_allLayersCopyCheckbox, &QCheckBox::toggled, this,
+            &InspectorController::handleCopyToAllLayersChange);
+    updateDeleteActionButton();
+    m_panel->resize(560, 600);
+}
+
+TVKEditorView* InspectorController::makeEditor(int kind)
+{
+    using corvane::EmulationActionEditor;
+    auto* view = new TVKEditorView(m_editorContainer);
+    auto keys = [&](qint32 type, const QStringList& directions) {
+        view->addActionEditor(new TVKKeySequenceActionEditorView(*this, type, directions, view),
+                              tr("Keys"));
+    };
+    auto midi = [&](qint32 type) {
+        view->addActionEditor(new TVKMIDIActionEditorView(*this, type, view), tr("MIDI"));
+    };
+    auto mouse = [&](qint32 type) {
+        view->addActionEditor(new TVKMouseActionEditorView(*this, type, view), tr("Mouse"));
+    };
+    auto builtIn = [&](qint32 type) {
+        view->addActionEditor(new TVKBuiltInActionEditorView(*this, type, view), tr("Built-in"));
+    };
+    auto emulation = [&](EmulationActionEditor::Kind emulated) {
+        view->addActionEditor(new TVKEmulationActionEditorView(*this, emulated, view),
+                              tr("Emulation"));
+    };
+    auto special = [&](qint32 type) {
+        view->addActionEditor(new TVKSpecialActionEditorView(*this, type, view), tr("Surface"));
+    };
+    const QStringList turns = {tr("Counter-clockwise"), tr("Clockwise")};
+    const QStringList fourWay = {tr("Left"), tr("Right"), tr("Up"), tr("Down")};
+    switch (kind) {
+    case corvane::ControlType::Button:
+    case corvane::ControlType::MultiColorButton:
+        keys(TVKButtonKeySequenceAction::kActionType, {});
+        midi(TVKButtonMIDIAction::kActionType);
+        mouse(TVKButtonMouseAction::kActionType);
+        builtIn(TVKButtonBuiltInAction::kActionType);
+        emulation(EmulationActionEditor::Button);
+        special(TVKButtonSpecialAction::kActionType);
+        view->addLatchedCheckbox();
+        if (kind == corvane::ControlType::MultiColorButton)
+            view->addHiResColorEditor();
+        break;
+    case corvane::ControlType::Encoder:
+    case corvane::ControlType::Fader:
+        keys(TVKEncoderKeySequenceAction::kActionType, turns);
+        midi(TVKEncoderMIDIAction::kActionType);
+        mouse(TVKEncoderMouseAction::kActionType);
+        builtIn(TVKEncoderBuiltInAction::kActionType);
+        emulation(kind == corvane::ControlType::Fader ? EmulationActionEditor::Fader
+                                                      : EmulationActionEditor::Encoder);
+        special(TVKEncoderSpecialAction::kActionType);
+        break;
+    case corvane::ControlType::FourWay:
+    case corvane::ControlType::Joystick:
+        keys(TVK4WayKeySequenceAction::kActionType, fourWay);
+        midi(TVK4WayMIDIAction::kActionType);
+        mouse(TVK4WayMouseAction::kActionType);
+        builtIn(TVK4WayBuiltInAction::kActionType);
+        special(TVKSpecial4WayAction::kActionType);
+        if (kind == corvane::ControlType::FourWay)
+            view->addOnColorEditor({{0, tr("Off")},
+                                    {1, tr("Green")},
+                                    {2, tr("Blue")},
+                                    {3, tr("Red")},
+                                    {4, tr("White")}});
+        break;
+    case corvane::ControlType::Shuttle:
+        keys(TVKShuttleKeySequenceAction::kActionType, {turns[0], turns[1], tr("Stopped")});
+        midi(TVKShuttleMIDIAction::kActionType);
+        mouse(TVKShuttleMouseAction::kActionType);
+        builtIn(TVKShuttleBuiltInAction::kActionType);
+        special(TVKShuttleSpecialAction::kActionType);
+        break;
+    case corvane::ControlType::Jog:
+        keys(TVKJogKeySequenceAction::kActionType, turns);
+        midi(TVKJogMIDIAction::kActionType);
+        mouse(TVKJogMouseAction::kActionType);
+        builtIn(TVKJogBuiltInAction::kActionType);
+        emulation(EmulationActionEditor::Jog);
+        special(TVKSpecialJogAction::kActionType);
+        break;
+    case corvane::ControlType::LCDDisplay:
+        view->addPreview(new TVKDisplayPreview(TVKDisplayPreview::Look::Lcd, view));
+        view->addActionEditor(new TVKDisplayTextEditorView(*this, view), tr("Text"));
+        view->addActionEditor(
+            new TVKControlNamesEditorView(*this, TVKLCDDisplayEncoderNameAction::kActionType, view),
+            tr("Encoder Names"));
+        view->addActionEditor(
+            new TVKControlNamesEditorView(*this, TVKLCDDisplayButtonNameAction::kActionType, view),
+            tr("Button Names"));
+        view->addActionEditor(new TVKDisplayEmulationEditorView(
+                                  *this, TVKLCDDisplayEmulationAction::kActionType, view),
+                              tr("Emulation"));
+        builtIn(TVKBuiltInLCDDisplayAction::kActionType);
+        break;
+    case corvane::ControlType::TimecodeDisplay:
+        view->addPreview(new TVKDisplayPreview(TVKDisplayPreview::Look::Timecode, view));
+        view->addActionEditor(new TVKDisplayEmulationEditorView(
+                                  *this, TVKTimecodeDisplayEmulationAction::kActionType, view),
+                              tr("Emulation"));
+        builtIn(TVKBuiltInTimecodeDisplayAction::kActionType);
+        break;
+    case corvane::ControlType::LCDButtonDisplay:
+        view->addPreview(new TVKDisplayPreview(TVKDisplayPreview::Look::LcdButton, view));
+        view->addActionEditor(new TVKHiResTextEditorView(*this, view), tr("Text"));
+        view->addActionEditor(new TVKIconEditorView(*this, view), tr("Icon"));
+        view->addActionEditor(new TVKStatusLineEditorView(*this, view), tr("Status"));
+        break;
+    case corvane::ControlType::NVLCDDisplay:
+        view->addPreview(new TVKDisplayPreview(TVKDisplayPreview::Look::Lcd, view));
+        view->addActionEditor(new TVKDisplayTextEditorView(*this, view), tr("Text"));
+        view->addActionEditor(
+            new TVKControlNamesEditorView(
+                *this, TVKFrameletCorvaneNVLCDDisplayButtonNameAction::kActionType, view),
+            tr("Button Names"));
+        builtIn(TVKBuiltInLCDDisplayAction::kActionType);
+        break;
+    default:
+        break;
+    }
+    return view;
+}
+
+void InspectorController::wireEditor(TVKEditorView* editor)
+{
+    editor->setTabGuard([this](corvane::FourCharCode identifier) { return tabView(identifier); });
+    if (QCheckBox* latch = editor->latchedCheckbox())
+        connect(latch, &QCheckBox::clicked, this, &InspectorController::handleLatchStateChange);
+    if (QButtonGroup* on = editor->onColorEditor())
+        connect(on, &QButtonGroup::idClicked, this, &InspectorController::handleOnColorChange);
+    if (QButtonGroup* off = editor->offColorEditor())
+        connect(off, &QButtonGroup::idClicked, this, &InspectorController::handleOffColorChange);
+    if (QButtonGroup* matrix = editor->onOffColorMatrix())
+        connect(matrix, &QButtonGroup::idClicked, this,
+                &InspectorController::handleOnOffColorMatrix);
+    if (cpkr_ColorPickerController* picker = editor->hiResColorEditor())
+        picker->setDelegate(
+            [this](cpkr_ColorPickerController&, quint8 color) { colorPicker(color); });
+}
+
+TVKEditorView* InspectorController::currentEditor() const
+{
+    return m_selectedEditor >= 0 ? m_editorList[size_t(m_selectedEditor)] : nullptr;
+}
+
+bool InspectorController::isShownEditor(const QWidget* editor) const
+{
+    const TVKEditorView* current = currentEditor();
+    return current && current->isAncestorOf(editor);
+}
+
+const corvane::PointerEnvironment& InspectorController::pointerEnvironment() const
+{
+    return *m_pointer;
+}
+
+QString InspectorController::pointerQueryProblem() const
+{
+    return m_pointer->problem();
+}
+
+// Selection
+
+void InspectorController::updateForNewControl(TVKControl* control)
+{
+    m_theControl = control;
+    if (!control) {
+        m_editedAction.setAction(nullptr);
+        m_currentActionType = 0;
+        updateDeleteActionButton();
+        return;
+    }
+    m_editedAction.setAction(control->action() ? control->action()->copyWithZone() : nullptr);
+    m_currentActionType = m_editedAction.actionType();
+
+    QString prefix = QCoreApplication::translate("InfoPlist", "Inspector - ", "TVKInspectorName");
+    if (prefix.isEmpty())
+        prefix = QStringLiteral("This isn't working - ");
+    const TVKKeyset* keyset = control->keyset();
+    const TVKLayer* layer = control->layer();
+    m_panel->setWindowTitle(
+        QStringLiteral("%1%2 (%3 Layer %4)")
+            .arg(prefix, control->name(), keyset ? keyset->name() : QStringLiteral("(null)"))
+            .arg(qlonglong(layer ? layer->index() + 1 : 1)));
+
+    setEditor(control->tvkControlType());
+    updateControlEditor();
+    updateActionEditor();
+    updateDeleteActionButton();
+}
+
+void InspectorController::handleControlSelection(const corvane::Notification& n)
+{
+    auto* control = n.userInfo.value(info::ControlObject).value<TVKControl*>();
+    m_controlIsADisplay =
+        control && (control->tvkControlType() == corvane::ControlType::LCDDisplay ||
+                    control->tvkControlType() == corvane::ControlType::NVLCDDisplay);
+    updateForNewControl(control);
+}
+
+void InspectorController::handleDisplaySelectionChange(const corvane::Notification& n)
+{
+    m_controlIsADisplay = true;
+    updateForNewControl(n.userInfo.value(info::ControlObject).value<TVKControl*>());
+}
+
+void InspectorController::handleControlPropertyChange(const corvane::Notification& n)
+{
+    auto* control = n.userInfo.value(info::ControlObject).value<TVKControl*>();
+    if (n.userInfo.value(info::BOOL).toBool() || control != m_theControl) {
+        // A control touched on the surface is never the display shown before it, whose edits
+        // would otherwise go to that display.
+        if (n.name == note::RemoteSelectionChange && control != m_theControl)
+            m_controlIsADisplay = control && isDisplayType(control->tvkControlType());
+        updateForNewControl(control);
+    } else {
+        updateControlEditor();
+    }
+}
+
+void InspectorController::handleEmulationModeChange(const corvane::Notification&)
+{
+    updateActionDescriptorField();
+}
+
+void InspectorController::setEditor(int type)
+{
+    if (type < 0 || type >= kEditorCount || type == m_selectedEditor)
+        return;
+    if (TVKEditorView* old = currentEditor())
+        old->hide();
+    TVKEditorView* editor = m_editorList[size_t(type)];
+    m_editorStack->setCurrentWidget(editor);
+    editor->show();
+    m_selectedEditor = type;
+    const bool hasBrightness = dynamic_cast<const TVK4WayControl*>(m_theControl) != nullptr;
+    m_brightnessRow->setVisible(hasBrightness);
+    m_sensitivityRow->setVisible(type == corvane::ControlType::Jog);
+    m_joystickSensitivityRow->setVisible(type == corvane::ControlType::Joystick);
+}
+
+void InspectorController::updateControlEditor()
+{
+    TVKEditorView* editor = currentEditor();
+    if (!m_theControl || !editor)
+        return;
+    {
+        const QSignalBlocker block(m_userNameField);
+        m_userNameField->setText(m_theControl->userName());
+        // Without a name of its own the control goes by its factory name.
+        m_userNameField->setPlaceholderText(m_theControl->name());
+    }
+    editor->setLatched(m_theControl->latched());
+    if (const auto* multi = dynamic_cast<const TVKMultiColorButtonControl*>(m_theControl)) {
+        m_currentOnColor = multi->onColor();
+        m_currentOffColor = multi->offColor();
+        editor->setOnColor(m_currentOnColor);
+        editor->setOffColor(m_currentOffColor);
+    }
+    if (const auto* fourWay = dynamic_cast<const TVK4WayControl*>(m_theControl)) {
+        m_currentOnColor = fourWay->onColor();
+        editor->setOnColor(m_currentOnColor);
+        const QSignalBlocker block(m_brightnessSlider);
+        m_brightnessSlider->setValue(fourWay->brightness());
+    }
+    if (const auto* jog = dynamic_cast<const TVKJogControl*>(m_theControl)) {
+        const QSignalBlocker block(m_sensitivitySlider);
+        m_sensitivitySlider->setValue(jog->sensitivity());
+    }
+    if (const auto* joystick = dynamic_cast<const TVKJoystickControl*>(m_theControl)) {
+        const QSignalBlocker block(m_joystickSensitivitySlider);
+        m_joystickSensitivitySlider->setValue(joystick->joystickSensitivity());
+    }
+    m_brightnessRow->setVisible(dynamic_cast<const TVK4WayControl*>(m_theControl) != nullptr);
+}
+
+void InspectorController::updateActionEditor()
+{
+    TVKEditorView* editor = currentEditor();
+    if (editor && !m_editedAction.isEmpty() && m_editedAction.editorTabID() != 0)
+        editor->selectActionEditorWithIdentifier(m_editedAction.editorTabID());
+    updateActionDescriptorField();
+    corvane::NotificationCenter::defaultCenter().post(note::NewActionSelected, this);
+}
+
+void InspectorController::updateActionDescriptorField()
+{
+    TVKEditorView* editor = currentEditor();
+    if (!editor)
+        return;
+    if (!m_editedAction.isEmpty())
+        editor->setActionDescriptor(m_editedAction.actionDescriptor());
+    else
+        editor->setActionDescriptor(m_controlIsADisplay ? QStringLiteral("No Function Assigned")
+                                                        : QStringLiteral("No Action Assigned"));
+    if (TVKDisplayPreview* preview = editor->preview())
+        preview->showAction(m_editedAction.action());
+}
+
+void InspectorController::updateDeleteActionButton()
+{
+    m_deleteActionButton->setEnabled(!m_editedAction.isEmpty());
+}
+
+// Posting edits
+
+void InspectorController::post(const QString& name, QVariantMap userInfo)
+{
+    userInfo.insert(info::CopyToLayers, m_copyToAllLayers);
+    corvane::NotificationCenter::defaultCenter().post(name, this, userInfo);
+}
+
+void InspectorController::handleUserNameChange()
+{
+    if (!m_theControl || m_userNameField->text() == m_theControl->userName())
+        return;
+    post(m_controlIsADisplay ? note::DisplayUserNameChange : note::UserNameChange,
+         {{info::String, m_userNameField->text()}});
+}
+
+void InspectorController::changeUserName(const QString& name)
+{
+    post(m_controlIsADisplay ? note::DisplayUserNameChange : note::UserNameChange,
+         {{info::String, name}});
+    if (m_theControl) {
+        const QSignalBlocker block(m_userNameField);
+        m_userNameField->setText(m_theControl->userName());
+    }
+}
+
+void InspectorController::handleLatchStateChange()
+{
+    TVKEditorView* editor = currentEditor();
+    if (!editor || !editor->latchedCheckbox())
+        return;
+    post(note::LatchChange, {{info::BOOL, editor->latchedCheckbox()->isChecked()}});
+}
+
+void InspectorController::handleOnColorChange()
+{
+    if (TVKEditorView* editor = currentEditor(); editor && editor->onColorEditor())
+        post(note::ColorChange, {{info::Color, qint64(editor->onColorEditor()->checkedId())}});
+}
+
+void InspectorController::handleOffColorChange()
+{
+    if (TVKEditorView* editor = currentEditor(); editor && editor->offColorEditor())
+        post(note::OffColorChange,
+             {{info::OffColor, qint64(editor->offColorEditor()->checkedId())}});
+}
+
+void InspectorController::colorPicker(quint8 color)
+{
+    if (m_currentStateColor == 0) {
+        m_currentOnColor = color;
+        post(note::ColorChange, {{info::Color, QVariant::fromValue(color)}});
+    } else {
+        m_currentOffColor = color;
+        post(note::OffColorChange, {{info::OffColor, QVariant::fromValue(color)}});
+    }
+}
+
+void InspectorController::handleOnOffColorMatrix(int tag)
+{
+    TVKEditorView* editor = currentEditor();
+    if (!editor)
+        return;
+    if (tag == 0)
+        editor->setOnColor(m_currentOnColor);
+    else
+        editor->setOffColor(m_currentOffColor);
+    m_currentStateColor = tag;
+}
+
+void InspectorController::handleBrightnessChange()
+{
+    post(note::BrightnessChange, {{info::Brightness, qint64(m_brightnessSlider->value())}});
+}
+
+void InspectorController::handleSensitivityChange()
+{
+    post(note::JogSensChange, {{info::JogSens, qint64(m_sensitivitySlider->value())}});
+}
+
+void InspectorController::handleJoystickSensitivityChange()
+{
+    post(note::JoySensChange, {{info::JoySens, qint64(m_joystickSensitivitySlider->value())}});
+}
+
+void InspectorController::handleDeleteAction()
+{
+    m_editedAction.setAction(nullptr);
+    actionParameterChanged();
+    corvane::NotificationCenter::defaultCenter().post(note::NewActionSelected, this);
+}
+
+void InspectorController::handleCopyToAllLayersChange()
+{
+    m_copyToAllLayers = m_allLayersCopyCheckbox->isChecked();
+}
+
+void InspectorController::actionParameterChanged()
+{
+    if (TVKAction* action = m_editedAction.action()) {
+        action->setOwningControl(m_theControl);
+        post(m_controlIsADisplay ? note::InsertEditedDisplayAction : note::InsertEditedAction, {});
+    } else {
+        post(m_controlIsADisplay ? note::DeleteDisplayAction : note::DeleteAction, {});
+    }
+    m_currentActionType = m_editedAction.actionType();
+    updateActionDescriptorField();
+    updateDeleteActionButton();
+}
+
+bool InspectorController::tabView(corvane::FourCharCode identifier) const
+{
+    if (identifier != corvane::fourCC("EMUL"))
+        return true;
+    const TVKKeyset* keyset = m_theControl ? m_theControl->keyset() : nullptr;
+    const uint mode = keyset ? keyset->emulationMode() : 0;
+    if (mode == 0)
+        return false;
+    if (mode != 3)
+        return true;
+    const TVKModelData* model = TVKModelData::defaultModelData();
+    const TVKControl* selected = model ? model->selectedControl() : nullptr;
+    return selected && (selected->tvkControlType() == corvane::ControlType::Jog ||
+                        selected->tvkControlType() == corvane::ControlType::Button);
+}

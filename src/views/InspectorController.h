@@ -1,0 +1,163 @@
+#pragma once
+
+#include "actions/TVKActionContainer.h"
+#include "core/NotificationCenter.h"
+#include "views/TVKActionEditors.h"
+
+#include <QObject>
+#include <QWidget>
+#include <array>
+#include <memory>
+#include <vector>
+
+class QCheckBox;
+class QLineEdit;
+class QPushButton;
+class QSlider;
+class QStackedLayout;
+class TVKController;
+class TVKEditorView;
+class TVKInstallation;
+
+// The inspector's floating panel. It never takes the keyboard from the surface windows by
+// appearing, and all of it is disabled while the keyset is locked.
+class InspectorPanel : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit InspectorPanel(QWidget* parent = nullptr);
+    bool locked() const { return m_locked; }
+    void setLocked(bool locked);
+
+private:
+    bool m_locked = false;
+    corvane::NotificationCenter::Observation m_lockObservation;
+};
+
+// Shows the selected control or display and turns every edit into the notification the
+// controller applies. The action being edited is a private copy until it is posted.
+class InspectorController : public QObject, public TVKActionEditorHost
+{
+    Q_OBJECT
+public:
+    // The editor list, indexed by control type.
+    static constexpr int kEditorCount = 13;
+
+    InspectorController(TVKController& controller, TVKInstallation& pointerQueries,
+                        QWidget* parentWindow);
+    ~InspectorController() override;
+
+    InspectorPanel* panel() const { return m_panel; }
+    const QString& nibName() const { return m_nibName; }
+
+    // Selection.
+    void updateForNewControl(TVKControl* control);
+    void handleControlSelection(const corvane::Notification& note);
+    void handleControlPropertyChange(const corvane::Notification& note);
+    void handleDisplaySelectionChange(const corvane::Notification& note);
+    void handleEmulationModeChange(const corvane::Notification& note);
+    void setEditor(int type);
+    void updateControlEditor();
+    void updateActionEditor();
+    void updateActionDescriptorField();
+    void updateDeleteActionButton();
+
+    // User actions.
+    void handleUserNameChange();
+    void changeUserName(const QString& name) override;
+    void handleLatchStateChange();
+    void handleOnColorChange();
+    void handleOffColorChange();
+    void colorPicker(quint8 color);
+    void handleOnOffColorMatrix(int tag);
+    void handleBrightnessChange();
+    void handleSensitivityChange();
+    void handleJoystickSensitivityChange();
+    void handleDeleteAction();
+    void handleCopyToAllLayersChange();
+    bool tabView(corvane::FourCharCode identifier) const;
+
+    // TVKActionEditorHost
+    TVKActionContainer& editedAction() override { return m_editedAction; }
+    void actionParameterChanged() override;
+    TVKControl* shownControl() const override { return m_theControl; }
+    const corvane::PointerEnvironment& pointerEnvironment() const override;
+    QString pointerQueryProblem() const override;
+    bool isShownEditor(const QWidget* editor) const override;
+
+    TVKControl* theControl() const { return m_theControl; }
+    bool controlIsADisplay() const { return m_controlIsADisplay; }
+    int selectedEditor() const { return m_selectedEditor; }
+    qint32 currentActionType() const { return m_currentActionType; }
+    bool copyToAllLayers() const { return m_copyToAllLayers; }
+    qint64 currentOnColor() const { return m_currentOnColor; }
+    qint64 currentOffColor() const { return m_currentOffColor; }
+    int currentStateColor() const { return m_currentStateColor; }
+    TVKEditorView* editor(int index) const { return m_editorList[size_t(index)]; }
+    TVKEditorView* currentEditor() const;
+    TVKEditorView* dzDisplayEditor() const { return m_dzDisplayEditor; }
+
+    QLineEdit* userNameField() const { return m_userNameField; }
+    QSlider* brightnessSlider() const { return m_brightnessSlider; }
+    QSlider* sensitivitySlider() const { return m_sensitivitySlider; }
+    QSlider* joystickSensitivitySlider() const { return m_joystickSensitivitySlider; }
+    QPushButton* deleteActionButton() const { return m_deleteActionButton; }
+    QCheckBox* allLayersCopyCheckbox() const { return m_allLayersCopyCheckbox; }
+
+private:
+    class PointerQueries;
+
+    void awakeFromNib();
+    TVKEditorView* makeEditor(int kind);
+    void post(const QString& name, QVariantMap userInfo);
+    void wireEditor(TVKEditorView* editor);
+
+    TVKController& m_controller;
+    QString m_nibName;
+    std::unique_ptr<PointerQueries> m_pointer;
+    InspectorPanel* m_panel = nullptr;
+
+    QLineEdit* m_userNameField = nullptr;
+    QSlider* m_brightnessSlider = nullptr;
+    QSlider* m_sensitivitySlider = nullptr;
+    QSlider* m_joystickSensitivitySlider = nullptr;
+    QWidget* m_brightnessRow = nullptr;
+    QWidget* m_sensitivityRow = nullptr;
+    QWidget* m_joystickSensitivityRow = nullptr;
+    QWidget* m_editorContainer = nullptr;
+    QStackedLayout* m_editorStack = nullptr;
+    QLabel* m_placeholder = nullptr;
+
+    TVKEditorView* m_buttonEditor = nullptr;
+    TVKEditorView* m_encoderEditor = nullptr;
+    TVKEditorView* m_fourWayEditor = nullptr;
+    TVKEditorView* m_shuttleEditor = nullptr;
+    TVKEditorView* m_jogEditor = nullptr;
+    TVKEditorView* m_faderEditor = nullptr;
+    TVKEditorView* m_joystickEditor = nullptr;
+    TVKEditorView* m_multiColorButtonEditor = nullptr;
+    TVKEditorView* m_lcdDisplayEditor = nullptr;
+    TVKEditorView* m_tcDisplayEditor = nullptr;
+    TVKEditorView* m_lcdButtonDisplayEditor = nullptr;
+    TVKEditorView* m_dzDisplayEditor = nullptr;
+    TVKEditorView* m_corvaneNVLCDDisplayEditor = nullptr;
+
+    QPushButton* m_deleteActionButton = nullptr;
+    QCheckBox* m_allLayersCopyCheckbox = nullptr;
+
+    qint64 m_selectedGroup = 0;
+    qint64 m_selectedControl = 0;
+    TVKControl* m_theControl = nullptr;
+    TVKActionContainer m_editedAction;
+    bool m_controlIsADisplay = false;
+    int m_selectedEditor = -1;
+    qint32 m_currentActionType = 0;
+    int m_builtInCommandsFontSize = 12;
+    bool m_copyToAllLayers = false;
+    qint64 m_currentOnColor = 0;
+    qint64 m_currentOffColor = 0;
+    int m_currentStateColor = 0;
+    std::array<TVKEditorView*, kEditorCount> m_editorList{};
+
+    std::vector<corvane::NotificationCenter::Observation> m_observations;
+};
