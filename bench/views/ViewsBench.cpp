@@ -9,10 +9,15 @@
 #include "app/TVKNoViews.h"
 #include "core/PlistCodec.h"
 #include "core/TVKUserDefaults.h"
+#include "model/TVKControl.h"
+#include "model/TVKLayer.h"
+#include "model/TVKModelData.h"
 #include "platform/TerminationSignals.h"
 #include "views/CorvaneSurfaceView.h"
 #include "views/CorvaneViews.h"
+#include "views/InspectorController.h"
 #include "views/KeysetSummaryController.h"
+#include "views/TVKEditorView.h"
 #include "views/TVKMainWindow.h"
 #include "views/TVKMultiStateButton.h"
 
@@ -234,6 +239,94 @@ void BM_FindAcrossFiftyKeysets(benchmark::State& state)
     state.counters["matches"] = double(found);
 }
 BENCHMARK(BM_FindAcrossFiftyKeysets)->Iterations(5)->Unit(benchmark::kMillisecond);
+
+// The first group of the selected layer with at least this many controls: its index.
+int groupWithAtLeast(const CorvaneController& controller, size_t count)
+{
+    const TVKLayer* layer = controller.modelData()->selectedLayer();
+    for (size_t group = 0; group < layer->groups().size(); ++group)
+        if (layer->groups()[group].size() >= count)
+            return int(group);
+    return -1;
+}
+
+// A touch on another control to the inspector showing it: the editor of its kind on screen,
+// its name, descriptor and action editors brought up to date. Button, encoder, trackball and
+// jog wheel in turn, so that every step changes the editor.
+void BM_InspectorShowsAnotherControl(benchmark::State& state)
+{
+    RunningApplication running;
+    CorvaneController& controller = running.controller;
+    CorvaneViews& views = running.views;
+    views.show(TVKWindow::Inspector);
+    QCoreApplication::processEvents();
+    InspectorController& inspector = *views.inspector();
+    const TVKLayer* layer = controller.modelData()->selectedLayer();
+    std::vector<std::pair<int, int>> targets;
+    for (const int type : {corvane::ControlType::Button, corvane::ControlType::Encoder,
+                           corvane::ControlType::FourWay, corvane::ControlType::Jog}) {
+        for (size_t group = 0; group < layer->groups().size() && int(targets.size()) < 4; ++group) {
+            const auto& controls = layer->groups()[group];
+            const auto found = std::find_if(controls.begin(), controls.end(), [&](const auto& c) {
+                return c && c->tvkControlType() == type;
+            });
+            if (found != controls.end()) {
+                targets.emplace_back(int(group), int(found - controls.begin()));
+                break;
+            }
+        }
+    }
+    std::vector<double> millis;
+    std::vector<double> sync;
+    size_t n = 0;
+    for (auto _ : state) {
+        const auto [group, control] = targets[n++ % targets.size()];
+        const Clock::time_point start = Clock::now();
+        controller.selectionChangedInSummaryWindowToGroup(group, control);
+        sync.push_back(since(start));
+        QCoreApplication::processEvents();
+        millis.push_back(since(start));
+        benchmark::DoNotOptimize(inspector.currentEditor());
+    }
+    std::sort(millis.begin(), millis.end());
+    // The inspector answers the selection notification at once; the repaint of the panel and
+    // of the two surface pictures follows in the event loop.
+    std::sort(sync.begin(), sync.end());
+    state.counters["editor_updated_median_ms"] = sync[sync.size() / 2];
+    state.counters["editor_updated_p99_ms"] =
+        sync[std::min(sync.size() - 1, sync.size() * 99 / 100)];
+    state.counters["repainted_median_ms"] = millis[millis.size() / 2];
+}
+BENCHMARK(BM_InspectorShowsAnotherControl)->Iterations(400)->Unit(benchmark::kMillisecond);
+
+// Opening the summary with a control of the NV's 240 LCD buttons selected, to its first paint.
+void BM_SummaryOpensOnTheLargestGroup(benchmark::State& state)
+{
+    for (auto _ : state) {
+        state.PauseTiming();
+        {
+            RunningApplication running;
+            const int group = groupWithAtLeast(running.controller, 240);
+            if (group < 0) {
+                state.SkipWithError("no group of 240 controls");
+                break;
+            }
+            running.controller.selectionChangedInSummaryWindowToGroup(group, 200);
+            QCoreApplication::processEvents();
+            FirstPaint paint;
+            state.ResumeTiming();
+            running.views.show(TVKWindow::Summary);
+            running.views.summary()->installEventFilter(&paint);
+            const QDeadlineTimer deadline(10000);
+            while (!paint.painted && !deadline.hasExpired())
+                QCoreApplication::processEvents();
+            state.PauseTiming();
+            running.views.summary()->removeEventFilter(&paint);
+        }
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(BM_SummaryOpensOnTheLargestGroup)->Iterations(5)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
