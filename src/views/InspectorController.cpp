@@ -277,8 +277,9 @@ void InspectorController::awakeFromNib()
         {m_brightnessSlider, &InspectorController::handleBrightnessChange},
         {m_sensitivitySlider, &InspectorController::handleSensitivityChange},
         {m_joystickSensitivitySlider, &InspectorController::handleJoystickSensitivityChange}};
-    for (const auto& [slider, handler] : sliders) {
-        connect(slider, &QSlider::actionTriggered, this, [this, handler](int action) {
+    for (const auto& entry : sliders) {
+        const auto handler = entry.second;
+        connect(entry.first, &QSlider::actionTriggered, this, [this, handler](int action) {
             if (action != QAbstractSlider::SliderMove)
                 QMetaObject::invokeMethod(
                     this, [this, handler] { (this->*handler)(); }, Qt::QueuedConnection);
