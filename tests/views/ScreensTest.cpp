@@ -72,6 +72,7 @@ QPalette darkPalette()
     p.setColor(QPalette::Base, QColor(0x1e, 0x1f, 0x22));
     p.setColor(QPalette::AlternateBase, QColor(0x26, 0x28, 0x2b));
     p.setColor(QPalette::Text, QColor(0xe6, 0xe7, 0xe9));
+    p.setColor(QPalette::PlaceholderText, QColor(0x8e, 0x91, 0x96));
     p.setColor(QPalette::Button, QColor(0x35, 0x37, 0x3c));
     p.setColor(QPalette::ButtonText, QColor(0xe6, 0xe7, 0xe9));
     p.setColor(QPalette::Highlight, QColor(0x3d, 0x8b, 0xfd));
