@@ -1,5 +1,6 @@
 #include "views/TVKDisplayView.h"
 
+#include "actions/CorvaneLCDButtonDisplayIconAction.h"
 #include "actions/TVKDisplayAction.h"
 #include "app/TVKController.h"
 #include "core/Notifications.h"
@@ -7,6 +8,7 @@
 #include "model/TVKModelData.h"
 #include "surface/TVK_Constant_Server.h"
 #include "views/CorvaneNVLayout.h"
+#include "views/TVKDisplayEditors.h"
 
 #include <QFontDatabase>
 #include <QKeyEvent>
@@ -119,7 +121,11 @@ void TVKDisplayView::paintEvent(QPaintEvent*)
             text.truncate(m_characters);
         // A display with nothing to show names itself, faintly, so that it reads as a place
         // that can be chosen.
-        const bool placeholder = text.isEmpty();
+        const TVKControl* shown = displayForCell(cell);
+        const auto* icon =
+            shown ? dynamic_cast<const CorvaneLCDButtonDisplayIconAction*>(shown->action())
+                  : nullptr;
+        const bool placeholder = text.isEmpty() && !icon;
         if (placeholder) {
             // The factory names of the small button screens do not fit them: their number does.
             const TVKControl* display = displayForCell(cell);
@@ -130,7 +136,9 @@ void TVKDisplayView::paintEvent(QPaintEvent*)
         const QRectF textRect = r.adjusted(6, 0, -6, 0);
         const int align =
             m_kind == Kind::Lcd ? int(Qt::AlignLeft | Qt::AlignVCenter) : int(Qt::AlignCenter);
-        if (placeholder) {
+        if (icon) {
+            CorvaneROMIcons::paint(p, r.adjusted(2, 2, -2, -2), icon->romIcon(), ink);
+        } else if (placeholder) {
             QFont small = font;
             small.setBold(false);
             small.setPixelSize(qMax(7, int(qMin(r.height() * 0.42, 11.0))));

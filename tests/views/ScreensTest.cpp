@@ -14,6 +14,7 @@
 #include "views/KeysetSummaryController.h"
 #include "views/TVKAboutBox.h"
 #include "views/TVKActionEditors.h"
+#include "views/TVKDisplayEditors.h"
 #include "views/TVKEditorView.h"
 #include "views/TVKMainWindow.h"
 #include "views/TVKMultiStateButton.h"
@@ -188,7 +189,10 @@ TEST_F(ViewsTest, Screens)
     shoot(ControlType::TimecodeDisplay, "EMUL", QStringLiteral("timecode"));
     shoot(ControlType::MultiColorButton, "MIDI", QStringLiteral("multicolour"), customMIDI);
     shoot(ControlType::LCDButtonDisplay, "TEXT", QStringLiteral("lcd-button-text"));
-    shoot(ControlType::LCDButtonDisplay, "ICON", QStringLiteral("lcd-button-icon"));
+    shoot(
+        ControlType::LCDButtonDisplay, "ICON", QStringLiteral("lcd-button-icon"),
+        [](QWidget& tab) { static_cast<TVKIconEditorView&>(tab).iconGroup()->button(0)->click(); });
+    capture(*app->window(TVKWindow::TLW), QStringLiteral("tlw-with-an-icon"));
     shoot(ControlType::NVLCDDisplay, "ENAM", QStringLiteral("nv-display"));
 
     QApplication::setPalette(darkPalette());
