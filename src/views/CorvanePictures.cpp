@@ -6,23 +6,15 @@
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
-#include "surface/TVK_6BitColorUtilities.h"
 #include "surface/TVK_Constant_Server.h"
 #include "views/CorvaneNVLayout.h"
+#include "views/cpkr_ColorPicker.h"
 
 #include <QPainter>
 
 namespace note = corvane::note;
 
 namespace {
-
-QColor screenColor(int sixBitColor)
-{
-    const corvane::RgbColor c =
-        TVK_6BitColorUtilities::colorFromSixBitColor(quint8(sixBitColor & 0x3f));
-    return QColor::fromRgbF(float(qBound(0.0, c.red, 1.0)), float(qBound(0.0, c.green, 1.0)),
-                            float(qBound(0.0, c.blue, 1.0)));
-}
 
 // The eight NV group colours, as the surface shows them.
 const QColor kGroupColors[] = {QColor(0xff, 0x40, 0x40), QColor(0x40, 0xd0, 0x60),
@@ -108,12 +100,12 @@ void CorvaneLCDButtonPicture::paintOverlay(QPainter& painter)
         if (!button)
             continue;
         const QRectF glass = QRectF(each.frame).adjusted(6, 6, -6, -6);
-        QColor off = screenColor(button->offColor());
+        QColor off = cpkr_colorFromSixBitColor(button->offColor());
         off.setAlphaF(0.55f);
         painter.setPen(Qt::NoPen);
         painter.setBrush(off);
         painter.drawRoundedRect(glass, 2, 2);
-        painter.setBrush(screenColor(button->onColor()));
+        painter.setBrush(cpkr_colorFromSixBitColor(button->onColor()));
         painter.drawRoundedRect(QRectF(glass.left(), glass.top(), glass.width(), 5), 2, 2);
         const int member = layer && group == corvane::nv::kLCDButtonGroup
                                ? layer->corvaneNVGroupForButtonWithID(index)

@@ -525,8 +525,7 @@ void InspectorController::setEditor(int type)
     m_editorStack->setCurrentWidget(editor);
     editor->show();
     m_selectedEditor = type;
-    const bool hasBrightness = dynamic_cast<const TVK4WayControl*>(m_theControl) != nullptr;
-    m_brightnessRow->setVisible(hasBrightness);
+    m_brightnessRow->setVisible(type == corvane::ControlType::FourWay);
     m_sensitivityRow->setVisible(type == corvane::ControlType::Jog);
     m_joystickSensitivityRow->setVisible(type == corvane::ControlType::Joystick);
 }
@@ -563,7 +562,6 @@ void InspectorController::updateControlEditor()
         const QSignalBlocker block(m_joystickSensitivitySlider);
         m_joystickSensitivitySlider->setValue(joystick->joystickSensitivity());
     }
-    m_brightnessRow->setVisible(dynamic_cast<const TVK4WayControl*>(m_theControl) != nullptr);
 }
 
 void InspectorController::updateActionEditor()

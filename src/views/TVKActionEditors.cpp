@@ -4,10 +4,9 @@
 #include "actions/TVKMIDIAction.h"
 #include "actions/editors/KeyEventTranslator.h"
 #include "core/Notifications.h"
-#include "model/TVKKeyset.h"
-#include "model/TVKModelData.h"
 #include "surface/SurfaceConstants.h"
 #include "surface/TVK_Constant_Server.h"
+#include "views/TVKEditorCells.h"
 
 #include <QApplication>
 #include <QButtonGroup>
@@ -34,20 +33,14 @@
 using corvane::EmulationActionEditor;
 using corvane::KeySequenceEditor;
 using corvane::MIDIActionEditor;
+using TVKEditorCells::hintLabel;
+using TVKEditorCells::selectCell;
 
 namespace {
 
 // Item data of the built-in browser: the rows of the logic's command list.
 constexpr int kGroupRowRole = Qt::UserRole;
 constexpr int kCommandRowRole = Qt::UserRole + 1;
-
-QLabel* hintLabel(const QString& text, QWidget* parent)
-{
-    auto* label = new QLabel(text, parent);
-    label->setWordWrap(true);
-    label->setForegroundRole(QPalette::PlaceholderText);
-    return label;
-}
 
 QSpinBox* spinBox(int minimum, int maximum, QWidget* parent)
 {
@@ -63,14 +56,6 @@ void selectItemWithData(QComboBox* box, int data)
     const QSignalBlocker block(box);
     const int index = box->findData(data);
     box->setCurrentIndex(index);
-}
-
-void checkButton(QButtonGroup* group, int id)
-{
-    if (QAbstractButton* button = group->button(id)) {
-        const QSignalBlocker block(group);
-        button->setChecked(true);
-    }
 }
 
 // The separator groups of the catalogue, drawn as a rule rather than a row of underscores.
@@ -391,7 +376,7 @@ void TVKKeySequenceActionEditorView::redraw()
     m_next->setEnabled(m_logic.nextEnabled());
     m_delete->setEnabled(m_logic.deleteEnabled());
     if (m_directions)
-        checkButton(m_directions, m_logic.currentAxis());
+        selectCell(m_directions, m_logic.currentAxis());
 }
 
 // TVKMIDIActionEditorView
@@ -540,9 +525,9 @@ void TVKMIDIActionEditorView::redraw()
 {
     const QScopedValueRollback<bool> guard(m_redrawing, true);
     const MIDIActionEditor::Controls& c = m_logic.controls();
-    checkButton(m_mode, c.modeCell);
+    selectCell(m_mode, c.modeCell);
     if (m_axis)
-        checkButton(m_axis, m_logic.currentAxis());
+        selectCell(m_axis, m_logic.currentAxis());
     selectItemWithData(m_command, c.commandTag);
     m_channel->setValue(c.channelField);
     m_data1->setValue(c.data1Field);
@@ -787,13 +772,10 @@ void TVKEmulationActionEditorView::redraw()
             m_control->addItem(title, tag);
         m_shownControlMenu = c.controlMenuGroup;
     }
-    const TVKModelData* model = TVKModelData::defaultModelData();
-    const TVKKeyset* keyset =
-        model && model->numberOfKeysets() > 0 ? model->selectedKeyset() : nullptr;
-    const uint mode = keyset ? keyset->emulationMode() : 0;
+    const int mode = EmulationActionEditor::selectedKeysetEmulationMode();
     static const QString modeNames[] = {QString(), tr("A"), tr("B"), tr("C")};
     m_modeLabel->setText(
-        mode == 0 || mode > 3
+        mode <= 0 || mode > 3
             ? tr("This keyset does not emulate a console.")
             : tr("This keyset emulates a console in mode %1.").arg(modeNames[mode]));
 
@@ -969,5 +951,5 @@ TVKSpecialActionEditorView::TVKSpecialActionEditorView(TVKActionEditorHost& host
 
 void TVKSpecialActionEditorView::updateForNewAction()
 {
-    checkButton(m_modes, m_logic.selectedCellTag());
+    selectCell(m_modes, m_logic.selectedCellTag());
 }

@@ -24,7 +24,6 @@ class QProgressBar;
 class QPushButton;
 class QSlider;
 class QSpinBox;
-class QStackedWidget;
 class QTreeWidget;
 class QTreeWidgetItem;
 class TVKActionContainer;

@@ -8,10 +8,9 @@
 #include "actions/TVKDisplayEmulationAction.h"
 #include "actions/TVKDisplayTextAction.h"
 #include "model/TVKControl.h"
-#include "model/TVKKeyset.h"
-#include "model/TVKModelData.h"
 #include "surface/SurfaceConstants.h"
 #include "surface/TVK_Constant_Server.h"
+#include "views/TVKEditorCells.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -30,40 +29,12 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+using TVKEditorCells::hintLabel;
+using TVKEditorCells::selectCell;
+
 namespace {
 
 constexpr int kFallbackDisplayWidth = 40;
-
-QLabel* hintLabel(const QString& text, QWidget* parent)
-{
-    auto* label = new QLabel(text, parent);
-    label->setWordWrap(true);
-    label->setForegroundRole(QPalette::PlaceholderText);
-    return label;
-}
-
-void checkButton(QButtonGroup* group, int id)
-{
-    const QSignalBlocker block(group);
-    if (QAbstractButton* button = group->button(id)) {
-        button->setChecked(true);
-        return;
-    }
-    // No cell for that value: show none ticked.
-    if (QAbstractButton* checked = group->checkedButton()) {
-        group->setExclusive(false);
-        checked->setChecked(false);
-        group->setExclusive(true);
-    }
-}
-
-int keysetEmulationMode()
-{
-    const TVKModelData* model = TVKModelData::defaultModelData();
-    const TVKKeyset* keyset =
-        model && model->numberOfKeysets() > 0 ? model->selectedKeyset() : nullptr;
-    return keyset ? int(keyset->emulationMode()) : 0;
-}
 
 } // namespace
 
@@ -353,7 +324,7 @@ void TVKHiResTextEditorView::updateForNewAction()
 void TVKHiResTextEditorView::redraw()
 {
     const QScopedValueRollback<bool> guard(m_redrawing, true);
-    checkButton(m_lineCount, int(m_logic.lineCount()));
+    selectCell(m_lineCount, int(m_logic.lineCount()));
     const int perLine =
         int(CorvaneHiResLCDButtonDisplayTextAction::charsPerLineForLineCount(m_logic.lineCount()));
     for (int line = 0; line < 4; ++line) {
@@ -489,7 +460,7 @@ void TVKDisplayEmulationEditorView::apply()
 
 void TVKDisplayEmulationEditorView::updateForNewAction()
 {
-    const int mode = keysetEmulationMode();
+    const int mode = corvane::EmulationActionEditor::selectedKeysetEmulationMode();
     m_mode->setText(mode == 0 ? tr("This keyset does not emulate a console.")
                               : tr("What the emulated console sends for this display:"));
     const TVKActionContainer& container = m_host.editedAction();
@@ -553,7 +524,7 @@ TVKIconEditorView::TVKIconEditorView(TVKActionEditorHost& host, QWidget* parent)
         if (m_host.editedAction().actionType() != CorvaneLCDButtonDisplayIconAction::kActionType)
             return;
         m_host.editedAction().setAction(nullptr);
-        checkButton(m_icons, -1);
+        selectCell(m_icons, -1);
         if (m_host.isShownEditor(this))
             m_host.actionParameterChanged();
     });
@@ -562,10 +533,10 @@ TVKIconEditorView::TVKIconEditorView(TVKActionEditorHost& host, QWidget* parent)
 void TVKIconEditorView::updateForNewAction()
 {
     const TVKActionContainer& container = m_host.editedAction();
-    checkButton(m_icons,
-                container.actionType() == CorvaneLCDButtonDisplayIconAction::kActionType
-                    ? static_cast<CorvaneLCDButtonDisplayIconAction*>(container.action())->romIcon()
-                    : -1);
+    selectCell(m_icons,
+               container.actionType() == CorvaneLCDButtonDisplayIconAction::kActionType
+                   ? static_cast<CorvaneLCDButtonDisplayIconAction*>(container.action())->romIcon()
+                   : -1);
 }
 
 // TVKStatusLineEditorView
@@ -602,7 +573,7 @@ TVKStatusLineEditorView::TVKStatusLineEditorView(TVKActionEditorHost& host, QWid
 void TVKStatusLineEditorView::updateForNewAction()
 {
     const TVKActionContainer& container = m_host.editedAction();
-    checkButton(
+    selectCell(
         m_modes,
         container.actionType() == CorvaneButtonDisplayMidiEmulationAction::kActionType
             ? int(static_cast<CorvaneButtonDisplayMidiEmulationAction*>(container.action())->mode())

@@ -1,9 +1,9 @@
 #include "views/TVKEditorView.h"
 
 #include "core/Notifications.h"
-#include "surface/TVK_6BitColorUtilities.h"
 #include "views/TVKActionEditors.h"
 #include "views/TVKDisplayEditors.h"
+#include "views/TVKEditorCells.h"
 #include "views/cpkr_ColorPicker.h"
 
 #include <QButtonGroup>
@@ -19,13 +19,6 @@
 #include <QVBoxLayout>
 
 namespace {
-
-QColor screenColor(qint64 sixBit)
-{
-    const corvane::RgbColor c = TVK_6BitColorUtilities::colorFromSixBitColor(quint8(sixBit));
-    return QColor::fromRgbF(float(qBound(0.0, c.red, 1.0)), float(qBound(0.0, c.green, 1.0)),
-                            float(qBound(0.0, c.blue, 1.0)));
-}
 
 // A round swatch of a ring colour; the checked one wears a ring of the highlight colour.
 QIcon ringSwatch(const QColor& color, int side, qreal dpr)
@@ -217,40 +210,26 @@ void TVKEditorView::setLatched(bool latched)
     m_latchedCheckbox->setChecked(latched);
 }
 
-void TVKEditorView::selectCell(QButtonGroup* matrix, qint64 tag)
-{
-    if (!matrix)
-        return;
-    const QSignalBlocker block(matrix);
-    if (QAbstractButton* old = matrix->checkedButton()) {
-        matrix->setExclusive(false);
-        old->setChecked(false);
-        matrix->setExclusive(true);
-    }
-    if (QAbstractButton* cell = matrix->button(int(tag)))
-        cell->setChecked(true);
-}
-
 void TVKEditorView::setOnColor(qint64 color)
 {
     if (m_sixBitOnColor)
-        m_sixBitOnColor->setColor(screenColor(color));
+        m_sixBitOnColor->setColor(cpkr_colorFromSixBitColor(int(color)));
     if (m_hiResColorEditor && m_onOffColorMatrix->checkedId() == 0) {
         m_hiResColorEditor->updateColor(quint8(color));
         return;
     }
-    selectCell(m_onColorEditor, color);
+    TVKEditorCells::selectCell(m_onColorEditor, int(color));
 }
 
 void TVKEditorView::setOffColor(qint64 color)
 {
     if (m_sixBitOffColor)
-        m_sixBitOffColor->setColor(screenColor(color));
+        m_sixBitOffColor->setColor(cpkr_colorFromSixBitColor(int(color)));
     if (m_hiResColorEditor && m_onOffColorMatrix->checkedId() == 1) {
         m_hiResColorEditor->updateColor(quint8(color));
         return;
     }
-    selectCell(m_offColorEditor, color);
+    TVKEditorCells::selectCell(m_offColorEditor, int(color));
 }
 
 void TVKEditorView::handleLockStateChange(const corvane::Notification& note)

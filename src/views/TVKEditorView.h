@@ -69,7 +69,6 @@ public:
 
 private:
     void tabChanged(int index);
-    static void selectCell(QButtonGroup* matrix, qint64 tag);
 
     QString m_iD;
     QLabel* m_actionDescriptorField = nullptr;

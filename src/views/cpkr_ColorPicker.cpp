@@ -23,6 +23,11 @@ QColor paletteColor(int position)
 
 } // namespace
 
+QColor cpkr_colorFromSixBitColor(int sixBitColor)
+{
+    return screenColor(TVK_6BitColorUtilities::colorFromSixBitColor(quint8(sixBitColor & 0x3f)));
+}
+
 cpkr_ColorPickerView::cpkr_ColorPickerView(QWidget* parent) : QWidget(parent)
 {
     setFixedSize(kColumns * kCell + 1, kRows * kCell + 1);

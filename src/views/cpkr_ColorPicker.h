@@ -7,6 +7,9 @@
 class QSlider;
 class TVK_6BitColorUtilities;
 
+// The screen colour of a six-bit colour as the surface's lit keys show it.
+QColor cpkr_colorFromSixBitColor(int sixBitColor);
+
 // The palette of the 64 surface colours, 16 across and 4 down, brightest reds on the top row.
 // The grid over it is the picker's matrix: a click or the arrow keys choose a cell.
 class cpkr_ColorPickerView : public QWidget

@@ -125,7 +125,7 @@ QList<EmulationActionEditor::MenuItem> EmulationActionEditor::controlMenuForGrou
     return items;
 }
 
-int EmulationActionEditor::selectedKeysetEmulationMode() const
+int EmulationActionEditor::selectedKeysetEmulationMode()
 {
     const TVKModelData* model = TVKModelData::defaultModelData();
     if (!model || model->numberOfKeysets() == 0)

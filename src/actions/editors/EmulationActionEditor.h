@@ -82,10 +82,12 @@ public:
     // The largest number the field and stepper accept for the selected group.
     int numberLimit() const;
 
+    // The emulation mode of the keyset being edited; 0 without one.
+    static int selectedKeysetEmulationMode();
+
 private:
     void setUpForGroup(int group);
     void makeNewAction();
-    int selectedKeysetEmulationMode() const;
 
     TVKActionContainer& m_container;
     Kind m_kind;
