@@ -192,6 +192,7 @@ void InspectorController::awakeFromNib()
         label->setBuddy(slider);
         form->addRow(label, line);
         connect(slider, &QSlider::valueChanged, value, [value](int v) { value->setNum(v); });
+        value->setNum(slider->value());
         row->hide();
     };
     slider(m_brightnessRow, m_brightnessSlider, tr("&Brightness:"), 0, 15);
@@ -551,15 +552,14 @@ void InspectorController::updateControlEditor()
     if (const auto* fourWay = dynamic_cast<const TVK4WayControl*>(m_theControl)) {
         m_currentOnColor = fourWay->onColor();
         editor->setOnColor(m_currentOnColor);
-        const QSignalBlocker block(m_brightnessSlider);
+        // The sliders post edits only from the user's actions, so the shown value may be set
+        // with its signals on: they keep the number beside each slider current.
         m_brightnessSlider->setValue(fourWay->brightness());
     }
     if (const auto* jog = dynamic_cast<const TVKJogControl*>(m_theControl)) {
-        const QSignalBlocker block(m_sensitivitySlider);
         m_sensitivitySlider->setValue(jog->sensitivity());
     }
     if (const auto* joystick = dynamic_cast<const TVKJoystickControl*>(m_theControl)) {
-        const QSignalBlocker block(m_joystickSensitivitySlider);
         m_joystickSensitivitySlider->setValue(joystick->joystickSensitivity());
     }
 }

@@ -664,11 +664,17 @@ void TVKMouseActionEditorView::redraw()
     m_captureText->setText(m_logic.captureText());
     m_capture->setVisible(m_logic.captureButtonVisible());
     m_progress->setVisible(m_logic.progressRunning());
+    // Rows with nothing to say take no room.
+    auto* form = static_cast<QFormLayout*>(layout());
+    form->setRowVisible(m_captureText, !m_logic.captureText().isEmpty());
+    form->setRowVisible(m_capture->parentWidget(),
+                        m_logic.captureButtonVisible() || m_logic.progressRunning());
     // A refused capture says why when the desktop could not be asked at all.
     const QString problem = m_host.pointerQueryProblem();
     m_platformNote->setText(problem);
-    m_platformNote->setVisible(!problem.isEmpty() && m_logic.captureButtonVisible() &&
-                               m_logic.captureText().startsWith(QLatin1String("Please place")));
+    form->setRowVisible(m_platformNote,
+                        !problem.isEmpty() && m_logic.captureButtonVisible() &&
+                            m_logic.captureText().startsWith(QLatin1String("Please place")));
 }
 
 // TVKEmulationActionEditorView
