@@ -9,6 +9,8 @@ packages=(
     clang clang-format libclang-rt-14-dev
     xvfb xauth
     libxml2-utils libplist-utils python3
+    libxcb1-dev libxcb-res0-dev openbox xterm x11-apps procps
+    desktop-file-utils appstream shared-mime-info dpkg-dev file
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -7,14 +7,6 @@ scripts/install-deps.sh >&2
 cmake --preset release >/dev/null
 cmake --build --preset release --target corvane corvane-service-sim >&2
 
-# The built-in command catalogue lives in the support folder, where the installer puts it; a
-# build run puts it there too when it is missing, and never replaces one that is there.
-support="${XDG_DATA_HOME:-$HOME/.local/share}/Tavrik"
-if [ ! -f "$support/TVK_Built_In_Commands.xml" ]; then
-    mkdir -p "$support"
-    cp resources/BuiltInCommands/TVK_Built_In_Commands.xml "$support/"
-fi
-
 ports="${TVK_PORT_DIR:-${XDG_RUNTIME_DIR:+$XDG_RUNTIME_DIR/tvk}}"
 ports="${ports:-/tmp/tvk-$(id -u)}"
 listening() {

@@ -12,6 +12,7 @@
 #include "model/TVKControl.h"
 #include "model/TVKLayer.h"
 #include "model/TVKModelData.h"
+#include "platform/InstallPlatform.h"
 #include "platform/TerminationSignals.h"
 #include "views/CorvaneSurfaceView.h"
 #include "views/CorvaneViews.h"
@@ -23,6 +24,7 @@
 
 #include <QApplication>
 #include <QDeadlineTimer>
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -74,7 +76,16 @@ public:
     explicit Home(const corvane::PlistValue& configuration)
     {
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(m_dir.path()));
+        qputenv("XDG_DATA_HOME", QFile::encodeName(m_dir.path() + QStringLiteral("/data")));
         qputenv("TVK_PORT_DIR", QFile::encodeName(m_dir.path()));
+        // Installed already, so that the start-up check shows no window.
+        qputenv("CORVANE_BUNDLE_DIR", CORVANE_BUNDLE);
+        const QString driver = QStringLiteral("/MIDI Drivers/CorvaneEthernetMIDIDriver.plugin");
+        QDir().mkpath(m_dir.path() + QStringLiteral("/data/MIDI Drivers"));
+        QDir().mkpath(m_dir.path() + QStringLiteral("/data/Tavrik"));
+        corvane::InstallPlatform::copyItem(
+            QStringLiteral(CORVANE_BUNDLE "/Contents/Helpers/CorvaneEthernetMIDIDriver.plugin"),
+            m_dir.path() + QStringLiteral("/data") + driver);
         qputenv("QT_QPA_PLATFORM", "offscreen");
         corvane::TVKUserDefaults store;
         store.setObject(QStringLiteral("TVKModelData"), configuration);

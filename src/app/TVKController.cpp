@@ -361,6 +361,23 @@ void TVKController::installIfNeeded()
     setOpenStatesForPeripheralWindows();
 }
 
+void TVKController::handleInstall()
+{
+    TVKInstallationNames passed = controllerName();
+    passed.applicationName.clear();
+    m_views.installation->startInstallForController(passed, needsSetup());
+    // A service the installation just started has a new port.
+    if (m_messenger)
+        m_messenger->restartRemotePort();
+    checkConnection();
+    getGlobalDefaults();
+}
+
+void TVKController::handleUninstall()
+{
+    m_views.installation->startUninstallForController(controllerName());
+}
+
 void TVKController::triggerAXAlert()
 {
     const std::optional<QPointF> origin = m_views.windows->mainWindowOrigin();

@@ -173,6 +173,12 @@ public:
     // --- Keyset commands ------------------------------------------------------------------
     void handleNewKeyset();
     void handleImportKeyset();
+    // Imports the keyset file at the path (the file manager's "Open With", a second start).
+    void importKeysetFile(const QString& path);
+    // File menu: the installation check with its window, then the service is looked for
+    // again; and the uninstaller.
+    void handleInstall();
+    void handleUninstall();
     void handleExportKeyset();
     void handleCopyKeyset();
     void handlePasteKeyset();

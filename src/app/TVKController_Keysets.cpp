@@ -115,6 +115,13 @@ void TVKController::handleImportKeyset()
     const QString path = m_views.dialogs->runOpenPanel({keysetFileType()});
     if (path.isEmpty())
         return;
+    importKeysetFile(path);
+}
+
+void TVKController::importKeysetFile(const QString& path)
+{
+    if (!m_modelData)
+        return;
     const corvane::PlistReadResult read = corvane::PlistCodec::readFile(path);
     QString reason;
     if (!read.ok)

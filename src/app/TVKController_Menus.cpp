@@ -32,6 +32,8 @@ void TVKController::makeMenuItems()
     addMenuItem(Command::HandleImportKeyset, tr("Import Keyset…"))->setShortcut(QKeySequence::Open);
     addMenuItem(Command::HandleExportKeyset, tr("Export Keyset…"))
         ->setShortcut(QKeySequence::SaveAs);
+    addMenuItem(Command::HandleInstall, tr("Install…"));
+    addMenuItem(Command::HandleUninstall, tr("Uninstall…"));
     addMenuItem(Command::HandleCopyKeyset, tr("Copy keyset"));
     addMenuItem(Command::HandlePasteKeyset, tr("Paste to keyset"));
     addMenuItem(Command::HandleClearKeyset, tr("Clear keyset"));
@@ -238,6 +240,12 @@ void TVKController::perform(QAction* item)
         break;
     case Command::HandleImportKeyset:
         handleImportKeyset();
+        break;
+    case Command::HandleInstall:
+        handleInstall();
+        break;
+    case Command::HandleUninstall:
+        handleUninstall();
         break;
     case Command::HandleExportKeyset:
         handleExportKeyset();

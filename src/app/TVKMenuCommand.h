@@ -32,6 +32,8 @@ enum class TVKMenuCommand
     HandleKeysetsMenu,
     HandleEndCapture,
     AttemptReconnect,
+    HandleInstall,
+    HandleUninstall,
     ConnectionIndicator,
     // The surface family's own.
     ReverseRBButtons,

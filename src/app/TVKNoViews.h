@@ -39,5 +39,6 @@ public:
     void selectFieldText(TVKSheetField) override {}
 
     void startInstallForController(const TVKInstallationNames&, bool) override {}
+    void startUninstallForController(const TVKInstallationNames&) override {}
     bool getAXObjects(TVKAXObjectInfo&, QPointF) override { return false; }
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/DesktopEntries.h"
+#include "platform/TVKAXUtilities.h"
 
 #include <QImage>
 #include <QPointF>
@@ -137,17 +138,6 @@ public:
     virtual void selectFieldText(TVKSheetField field) = 0;
 };
 
-// What lies under the pointer (application, window, its place on the screen).
-struct TVKAXObjectInfo
-{
-    QString applicationName;
-    QString signature;
-    QString bundleID;
-    QString windowTitle;
-    QPointF windowPosition;
-    QPointF windowSize;
-};
-
 // The eight names of the background components, in the order the controller hands them out.
 struct TVKInstallationNames
 {
@@ -167,5 +157,10 @@ class TVKInstallation
 public:
     virtual ~TVKInstallation() = default;
     virtual void startInstallForController(const TVKInstallationNames& names, bool needsSetup) = 0;
+    virtual void startUninstallForController(const TVKInstallationNames& names) = 0;
     virtual bool getAXObjects(TVKAXObjectInfo& info, QPointF point) = 0;
+    // The pointer where the desktop has it (top-left origin), and the height of the desktop in
+    // the same units; none where the desktop cannot be asked.
+    virtual std::optional<QPointF> pointerOnDesktop() { return std::nullopt; }
+    virtual std::optional<double> desktopHeight() { return std::nullopt; }
 };

@@ -98,6 +98,8 @@ bool isTrue(const QString& value)
     return value == u"true";
 }
 
+} // namespace
+
 QString userLanguage()
 {
     for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
@@ -107,8 +109,6 @@ QString userLanguage()
     }
     return QString();
 }
-
-} // namespace
 
 QStringList applicationFolders()
 {

@@ -24,6 +24,9 @@ struct DesktopApplication
 // Flatpak and Snap exports where those are not listed), read the way desktop shells read them.
 namespace DesktopEntries {
 
+// The user's language for localized keys, from LC_ALL, LC_MESSAGES or LANG.
+QString userLanguage();
+
 // The "applications" folders searched, most important first.
 QStringList applicationFolders();
 

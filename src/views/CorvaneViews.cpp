@@ -1,11 +1,14 @@
 #include "views/CorvaneViews.h"
 
 #include "app/CorvaneController.h"
+#include "app/TVKUninstallerController.h"
 #include "platform/TerminationSignals.h"
+#include "platform/X11Accessibility.h"
 #include "views/CorvaneExpanderControllers.h"
 #include "views/InspectorController.h"
 #include "views/KeysetSummaryController.h"
 #include "views/TVKAboutBox.h"
+#include "views/TVKInstallerWindows.h"
 #include "views/TVKMainWindow.h"
 #include "views/TVKMenuBar.h"
 #include "views/TVKQtDialogs.h"
@@ -43,6 +46,60 @@ CorvaneViews::~CorvaneViews()
     for (QWidget* w : std::initializer_list<QWidget*>{m_preferences, m_appPort, m_aboutBox, m_tl,
                                                       m_tlw, m_tlw2, m_nv, m_dz, m_summary, m_main})
         delete w;
+}
+
+void CorvaneViews::startInstallForController(const TVKInstallationNames& names, bool needsSetup)
+{
+    TVKInstallerDialog window(TVKInstallerDialog::Kind::Install, m_controller.defaults(),
+                              m_controller.corvaneModelData(), m_main);
+    window.onProceed = [] {
+        if (TVKInstallerController* installer = TVKInstallerController::current())
+            installer->initiateInstall();
+    };
+    window.onCancel = [] {
+        if (TVKInstallerController* installer = TVKInstallerController::current())
+            installer->cancelInstall();
+    };
+    TVKInstallerController::startInstallForController(
+        window, TVKInstallEnvironment::system(),
+        {names.controllerName, names.driverName, names.backgroundAppName, names.backgroundAppID,
+         names.launcherAppName, names.launcherAppID, names.uninstallerName},
+        needsSetup);
+}
+
+void CorvaneViews::startUninstallForController(const TVKInstallationNames& names)
+{
+    TVKInstallerDialog window(TVKInstallerDialog::Kind::Uninstall, m_controller.defaults(),
+                              m_controller.corvaneModelData(), m_main);
+    window.onProceed = [] { TVKUninstallerController::current()->okayUninstall(); };
+    window.onCancel = [] { TVKUninstallerController::current()->cancelUninstall(); };
+    TVKUninstallerController::startUninstallForController(
+        window, TVKInstallEnvironment::system(), names.applicationName,
+        {names.controllerName, names.driverName, names.backgroundAppName, names.backgroundAppID,
+         names.launcherAppName, names.launcherAppID, names.uninstallerName});
+}
+
+corvane::X11Accessibility& CorvaneViews::desktop()
+{
+    if (!m_desktop)
+        m_desktop = std::make_unique<corvane::X11Accessibility>();
+    return *m_desktop;
+}
+
+bool CorvaneViews::getAXObjects(TVKAXObjectInfo& info, QPointF point)
+{
+    return TVKAXUtilities::getAXObjects(desktop(), info, point);
+}
+
+std::optional<QPointF> CorvaneViews::pointerOnDesktop()
+{
+    return desktop().pointer();
+}
+
+std::optional<double> CorvaneViews::desktopHeight()
+{
+    const std::optional<QSizeF> size = desktop().screenSize();
+    return size ? std::optional<double>(size->height()) : std::nullopt;
 }
 
 TVKMenuBar* CorvaneViews::makeMenuBar()

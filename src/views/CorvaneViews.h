@@ -23,7 +23,8 @@ class TVKMenuBar;
 class TVKPreferencesSheet;
 namespace corvane {
 class TerminationSignals;
-}
+class X11Accessibility;
+} // namespace corvane
 
 // The windows of the application as the controller sees them: the main window, the expander
 // windows, the about box and the two sheets, made when first needed. It tells the controller
@@ -81,13 +82,16 @@ public:
     void refreshSheet(TVKSheet sheet) override;
     void selectFieldText(TVKSheetField field) override;
 
-    // TVKInstallation: the background components are installed by the package; nothing lies
-    // under the pointer until the desktop can be asked.
-    void startInstallForController(const TVKInstallationNames&, bool) override {}
-    bool getAXObjects(TVKAXObjectInfo&, QPointF) override { return false; }
+    // TVKInstallation
+    void startInstallForController(const TVKInstallationNames& names, bool needsSetup) override;
+    void startUninstallForController(const TVKInstallationNames& names) override;
+    bool getAXObjects(TVKAXObjectInfo& info, QPointF point) override;
+    std::optional<QPointF> pointerOnDesktop() override;
+    std::optional<double> desktopHeight() override;
 
 private:
     TVKMenuBar* makeMenuBar();
+    corvane::X11Accessibility& desktop();
     QWidget* make(TVKWindow window);
     void focusWindowChanged(QWindow* window);
     void restoreGeometry(QWidget* window);
@@ -108,5 +112,6 @@ private:
     TVKAppPortSheet* m_appPort = nullptr;
     QAction* m_dzAction = nullptr;
     std::vector<TVKMenuBar*> m_menuBars;
+    std::unique_ptr<corvane::X11Accessibility> m_desktop;
     bool m_nvMenuShown = false;
 };

@@ -44,14 +44,20 @@ class InspectorController::PointerQueries : public corvane::PointerEnvironment
 public:
     explicit PointerQueries(TVKInstallation& installation) : m_installation(installation) {}
 
+    // The desktop's own pointer and height where it can be asked (they stay true under the
+    // toolkit's scaling), else the toolkit's.
     QPointF pointerLocation() const override
     {
+        if (const std::optional<QPointF> pointer = m_installation.pointerOnDesktop())
+            return {pointer->x(), screensHeight() - pointer->y()};
         const QPoint pointer = QCursor::pos();
         return {double(pointer.x()), screensHeight() - pointer.y()};
     }
 
     double screensHeight() const override
     {
+        if (const std::optional<double> height = m_installation.desktopHeight())
+            return *height;
         QRect all;
         for (const QScreen* screen : QGuiApplication::screens())
             all = all.united(screen->geometry());
@@ -69,13 +75,12 @@ public:
             return false;
         }
         m_problem.clear();
-        result.applicationName = found.applicationName;
-        result.signature = corvane::fourCharCodeFromString(found.signature);
-        if (!found.bundleID.isEmpty())
-            result.bundleID = found.bundleID;
-        result.windowTitle = found.windowTitle;
-        result.windowPosition = found.windowPosition;
-        result.windowSize = QSizeF(found.windowSize.x(), found.windowSize.y());
+        result.applicationName = found.appName;
+        result.signature = found.appSignature;
+        result.bundleID = found.appID;
+        result.windowTitle = found.windowName.value_or(QString());
+        result.windowPosition = found.windowPos;
+        result.windowSize = found.windowSize;
         return true;
     }
 

@@ -25,6 +25,9 @@ TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*
     file->addAction(item(Command::HandleImportKeyset));
     file->addAction(item(Command::HandleExportKeyset));
     file->addSeparator();
+    file->addAction(item(Command::HandleInstall));
+    file->addAction(item(Command::HandleUninstall));
+    file->addSeparator();
     QAction* quitItem = file->addAction(tr("&Quit"));
     quitItem->setShortcut(QKeySequence::Quit);
     quitItem->setMenuRole(QAction::QuitRole);

@@ -10,8 +10,6 @@
 
 namespace corvane::test {
 
-namespace {
-
 void ensureGuiApplication()
 {
     if (QCoreApplication::instance())
@@ -22,8 +20,6 @@ void ensureGuiApplication()
     static QGuiApplication* app = new QGuiApplication(argc, argv);
     (void)app;
 }
-
-} // namespace
 
 PlistValue readablePart(const PlistValue& keysets)
 {

@@ -11,6 +11,9 @@
 
 namespace corvane::test {
 
+// The application object the controller and its timers need, made once per test program.
+void ensureGuiApplication();
+
 // The controller as the application runs it: its store in a private XDG configuration folder,
 // the real simulated service beside it on a private port folder, the windows scripted.
 class ControllerTest : public ::testing::Test

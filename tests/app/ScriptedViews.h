@@ -129,6 +129,7 @@ public:
         installNames = names;
         installNeedsSetup = needsSetup;
     }
+    void startUninstallForController(const TVKInstallationNames&) override {}
     bool getAXObjects(TVKAXObjectInfo&, QPointF point) override
     {
         axQueries.push_back(point);

@@ -4,6 +4,7 @@
 #include "actions/BuiltInCommandCatalogue.h"
 #include "model/TVKLayer.h"
 #include "model/TVKModelData.h"
+#include "platform/InstallPlatform.h"
 #include "views/CorvaneSurfaceView.h"
 #include "views/TVKMainWindow.h"
 #include "views/TVKMultiStateButton.h"
@@ -27,6 +28,17 @@ void ViewsTest::SetUp()
         (void)application;
     }
     ControllerTest::SetUp();
+    // The background components are in place, as after the first start: the installation
+    // check at start-up finds nothing to do and shows no window.
+    qputenv("CORVANE_BUNDLE_DIR", CORVANE_BINARY_DIR "/share/corvane");
+    const QString driver = QStringLiteral("CorvaneEthernetMIDIDriver.plugin");
+    const QString installed =
+        InstallPlatform::expandUserPath(QStringLiteral("~/Library/Audio/MIDI Drivers/") + driver);
+    QDir().mkpath(QFileInfo(installed).path());
+    ASSERT_TRUE(InstallPlatform::copyItem(
+        QStringLiteral(CORVANE_BINARY_DIR "/share/corvane/Contents/Helpers/") + driver, installed));
+    QDir().mkpath(
+        InstallPlatform::expandUserPath(QStringLiteral("~/Library/Application Support/Tavrik")));
 }
 
 void ViewsTest::TearDown()

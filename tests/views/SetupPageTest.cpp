@@ -1,0 +1,125 @@
+// The first-run setup page: what it reads from a store, what it refuses and what it writes.
+#include "QtPrinters.h"
+#include "core/TVKUserDefaults.h"
+#include "model/CorvaneModelData.h"
+#include "views/TVKSetupViewControllers.h"
+
+#include <QApplication>
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QTemporaryDir>
+#include <QTextBrowser>
+#include <gtest/gtest.h>
+
+using corvane::PlistValue;
+
+namespace {
+
+class SetupPageTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!QCoreApplication::instance()) {
+            static int argc = 1;
+            static char name[] = "views_tests";
+            static char* argv[] = {name, nullptr};
+            new QApplication(argc, argv);
+        }
+    }
+
+    std::unique_ptr<corvaneEthernetSetupViewController> page(CorvaneModelData* model = nullptr)
+    {
+        std::unique_ptr<TVKSetupViewController> made =
+            TVKSetupViewController::make(QStringLiteral("corvaneEthernetSetupViewController"),
+                                         QStringLiteral("corvaneEthernet_Initial_Setup"),
+                                         QStringLiteral("corvaneEthernet"), store, model);
+        return std::unique_ptr<corvaneEthernetSetupViewController>(
+            static_cast<corvaneEthernetSetupViewController*>(made.release()));
+    }
+
+    void type(corvaneEthernetSetupViewController& setup, const QStringList& address,
+              const QString& port)
+    {
+        for (int i = 0; i < 4; ++i)
+            setup.ipField(i)->setText(address[i]);
+        setup.portField()->setText(port);
+    }
+
+    QTemporaryDir dir;
+    corvane::TVKUserDefaults store{dir.path() + QStringLiteral("/store.plist")};
+};
+
+TEST_F(SetupPageTest, StartsFromNothingAndStoresTheAddressWithoutLeadingZeros)
+{
+    auto setup = page();
+    EXPECT_EQ(setup->ipField(0)->text(), QStringLiteral("0"));
+    EXPECT_EQ(setup->ipField(3)->text(), QStringLiteral("0"));
+    EXPECT_EQ(setup->portField()->text(), QStringLiteral("23"));
+    EXPECT_EQ(setup->themeRadioGroup()->checkedId(), 0);
+    EXPECT_FALSE(setup->tlsaCheck()->isChecked());
+    EXPECT_FALSE(setup->helpDisplay()->toPlainText().isEmpty()) << "help page 0 is shown";
+
+    type(*setup,
+         {QStringLiteral("192"), QStringLiteral("168"), QStringLiteral("001"),
+          QStringLiteral("250")},
+         QStringLiteral("23"));
+    ASSERT_TRUE(setup->finishSetup());
+    corvane::TVKUserDefaults written(store.path());
+    EXPECT_EQ(written.objectForKey(u"TVKIPAdr").toString(), QStringLiteral("192.168.1.250"));
+    EXPECT_EQ(written.objectForKey(u"TVKEnetPrt").toInteger(), 23);
+
+    // 256 in a field, or the port 65535, is refused and nothing changes.
+    type(*setup,
+         {QStringLiteral("10"), QStringLiteral("0"), QStringLiteral("0"), QStringLiteral("256")},
+         QStringLiteral("23"));
+    EXPECT_FALSE(setup->finishSetup());
+    type(*setup,
+         {QStringLiteral("10"), QStringLiteral("0"), QStringLiteral("0"), QStringLiteral("1")},
+         QStringLiteral("65535"));
+    EXPECT_FALSE(setup->finishSetup());
+    EXPECT_EQ(corvane::TVKUserDefaults(store.path()).objectForKey(u"TVKIPAdr").toString(),
+              QStringLiteral("192.168.1.250"));
+}
+
+TEST_F(SetupPageTest, ReadsTheConfigurationAndWritesItBackWithTheModel)
+{
+    PlistValue model = PlistValue::makeDict();
+    model.insert(QStringLiteral("TVKIPAdr"), PlistValue(QStringLiteral("10.1")));
+    model.insert(QStringLiteral("TVKEnetPrt"), PlistValue(qint64(4000)));
+    model.insert(QStringLiteral("TVKStandaloneNV"), PlistValue(qint64(1)));
+    model.insert(QStringLiteral("TVKHardwareStyle"), PlistValue(qint64(1)));
+    store.setObject(QStringLiteral("TVKModelData"), model);
+
+    CorvaneModelData data;
+    auto setup = page(&data);
+    // An address of two parts fills two fields.
+    EXPECT_EQ(setup->ipField(1)->text(), QStringLiteral("1"));
+    EXPECT_TRUE(setup->ipField(2)->text().isEmpty());
+    EXPECT_EQ(setup->portField()->text(), QStringLiteral("4000"));
+    EXPECT_EQ(setup->themeRadioGroup()->checkedId(), 1);
+    // At most one expander standalone: the one on can be turned off, the others wait.
+    EXPECT_TRUE(setup->cnvsaCheck()->isChecked());
+    EXPECT_TRUE(setup->cnvsaCheck()->isEnabled());
+    EXPECT_FALSE(setup->tlsaCheck()->isEnabled());
+    setup->cnvsaCheck()->click();
+    EXPECT_TRUE(setup->tlsaCheck()->isEnabled());
+    setup->tlsaCheck()->click();
+    EXPECT_FALSE(setup->tlwsaCheck()->isEnabled());
+    EXPECT_FALSE(setup->cnvsaCheck()->isEnabled());
+
+    type(*setup,
+         {QStringLiteral("10"), QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")},
+         QStringLiteral("4001"));
+    ASSERT_TRUE(setup->finishSetup());
+    const PlistValue& written = store.objectForKey(u"TVKModelData");
+    EXPECT_EQ(written.value(u"TVKIPAdr").toString(), QStringLiteral("10.1.2.3"));
+    EXPECT_EQ(written.value(u"TVKStandaloneTL").toInteger(), 1);
+    EXPECT_EQ(written.value(u"TVKStandaloneNV").toInteger(), 0);
+    EXPECT_TRUE(data.standaloneTL());
+    EXPECT_FALSE(data.standaloneNV());
+    EXPECT_EQ(data.hardwareStyle(), 1);
+}
+
+} // namespace
