@@ -410,7 +410,12 @@ bool TVKInstallerController::findBackgroundAppInLoginItems(const QString& name, 
 
 std::optional<qint64> TVKInstallerController::getBackgroundApp()
 {
-    const std::vector<qint64> running = install::processesOfBundle(m_parameters.bgAppID);
+    return runningApplication(m_parameters.bgAppID);
+}
+
+std::optional<qint64> TVKInstallerController::runningApplication(const QString& identifier)
+{
+    const std::vector<qint64> running = install::processesOfBundle(identifier);
     if (running.empty())
         return std::nullopt;
     return running.front();
@@ -441,12 +446,17 @@ void TVKInstallerController::terminateBackgroundApps()
 
 void TVKInstallerController::relaunchBackgroundApps()
 {
+    relaunchHelpersExcept(m_parameters.bgAppID);
+}
+
+void TVKInstallerController::relaunchHelpersExcept(const QString& backgroundAppID)
+{
     QDirIterator it(install::expandUserPath(kSupport), {QStringLiteral("*.app")}, QDir::Dirs);
     while (it.hasNext()) {
         const QString path = it.next();
         const std::optional<install::BundleInfo> bundle = install::readBundle(path);
         // The service itself is started by the launcher.
-        if (bundle && bundle->identifier != m_parameters.bgAppID &&
+        if (bundle && bundle->identifier != backgroundAppID &&
             bundle->identifier.startsWith(QStringLiteral("com.tavrik")))
             install::launchBundle(path);
     }

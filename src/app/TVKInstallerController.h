@@ -122,6 +122,11 @@ public:
     void checkIfMIDIServerHasQuit();
     void runSetup();
 
+    // Shared with the uninstaller: the support folder's helpers other than the service start
+    // again; the running application of an identifier.
+    static void relaunchHelpersExcept(const QString& backgroundAppID);
+    static std::optional<qint64> runningApplication(const QString& identifier);
+
     int installStage() const { return m_installStage; }
     const TVKInstallerFace& face() const { return m_face; }
     const TVKInstallParameters& parameters() const { return m_parameters; }

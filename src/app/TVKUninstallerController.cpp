@@ -124,22 +124,12 @@ void TVKUninstallerController::removeComponentAtPath(const QString& path)
 
 void TVKUninstallerController::relaunchBackgroundApps()
 {
-    QDirIterator it(install::expandUserPath(kSupport), {QStringLiteral("*.app")}, QDir::Dirs);
-    while (it.hasNext()) {
-        const QString path = it.next();
-        const std::optional<install::BundleInfo> bundle = install::readBundle(path);
-        if (bundle && bundle->identifier != m_parameters.bgAppID &&
-            bundle->identifier.startsWith(QStringLiteral("com.tavrik")))
-            install::launchBundle(path);
-    }
+    TVKInstallerController::relaunchHelpersExcept(m_parameters.bgAppID);
 }
 
 std::optional<qint64> TVKUninstallerController::getBackgroundApp()
 {
-    const std::vector<qint64> running = install::processesOfBundle(m_parameters.bgAppID);
-    if (running.empty())
-        return std::nullopt;
-    return running.front();
+    return TVKInstallerController::runningApplication(m_parameters.bgAppID);
 }
 
 bool TVKUninstallerController::isMIDIServerRunning()

@@ -16,6 +16,7 @@
 #include "views/TVKActionEditors.h"
 #include "views/TVKDisplayEditors.h"
 #include "views/TVKEditorView.h"
+#include "views/TVKInstallerWindows.h"
 #include "views/TVKMainWindow.h"
 #include "views/TVKMultiStateButton.h"
 #include "views/TVKSheetDialogs.h"
@@ -195,7 +196,32 @@ TEST_F(ViewsTest, Screens)
     capture(*app->window(TVKWindow::TLW), QStringLiteral("tlw-with-an-icon"));
     shoot(ControlType::NVLCDDisplay, "ENAM", QStringLiteral("nv-display"));
 
+    // The installer as the first start shows it, then with its setup page.
+    const auto installer = [&](const QString& name) {
+        TVKInstallerDialog window(TVKInstallerDialog::Kind::Install, controller->defaults(),
+                                  controller->corvaneModelData(), app->mainWindow());
+        TVKInstallerFace face;
+        face.message = QStringLiteral(
+            "Additional software components must be installed in order for the control surface "
+            "to function. This installation only takes place the first time you run the "
+            "software, after an update, or when you choose \"Install\" from the File Menu.");
+        face.cancel = {QStringLiteral("Cancel"), true, true};
+        face.proceed = {QStringLiteral("Install"), true, true};
+        face.quitMIDIWarningShown = true;
+        window.refresh(face);
+        window.adjustSize();
+        capture(window, name);
+        face.cancel.title = QStringLiteral("Setup Later");
+        face.proceed.title = QStringLiteral("Apply");
+        face.quitMIDIWarningShown = false;
+        window.refresh(face);
+        window.showSetupPage(QStringLiteral("corvaneEthernet"));
+        capture(window, name + QStringLiteral("-setup"));
+    };
+    installer(QStringLiteral("installer"));
+
     QApplication::setPalette(darkPalette());
+    installer(QStringLiteral("installer-dark-theme"));
     shoot(ControlType::Button, "KEYS", QStringLiteral("keys-dark-theme"));
     shoot(ControlType::MultiColorButton, "MIDI", QStringLiteral("multicolour-dark-theme"));
     capture(*app->mainWindow(), QStringLiteral("main-midnight-dark-theme"));
