@@ -5,6 +5,7 @@
 #include "QtPrinters.h"
 #include "TestConfig.h"
 #include "app/TVKInstallerController.h"
+#include "app/TVKInstanceLink.h"
 #include "app/TVKUninstallerController.h"
 #include "core/Log.h"
 #include "platform/InstallPlatform.h"
@@ -478,6 +479,43 @@ TEST_F(InstallerTest, TheProgramInstallsAndUninstallsWithoutWindows)
     EXPECT_EQ(corvane.exitCode(), 0);
     EXPECT_TRUE(corvane.readAllStandardOutput().contains("Uninstall Complete!"));
     EXPECT_FALSE(QFileInfo::exists(path(QStringLiteral("data/MIDI Drivers/")) + kNames.driver));
+}
+
+} // namespace
+
+namespace {
+
+// A second start hands its files to the running Corvane; without one, nobody takes them.
+TEST(InstanceLink, TheRunningInstanceTakesTheFilesOfASecondStart)
+{
+    corvane::test::ensureGuiApplication();
+    QTemporaryDir ports;
+    const QByteArray previous = qgetenv("TVK_PORT_DIR");
+    qputenv("TVK_PORT_DIR", QFile::encodeName(ports.path()));
+    EXPECT_FALSE(TVKInstanceLink::sendToRunningInstance({QStringLiteral("/tmp/a.CvKs")}, 200));
+    {
+        TVKInstanceLink running;
+        ASSERT_TRUE(running.listen());
+        QStringList received;
+        int requests = 0;
+        QObject::connect(&running, &TVKInstanceLink::openRequested, [&](const QStringList& files) {
+            received = files;
+            ++requests;
+        });
+        const QStringList files = {QStringLiteral("/tmp/My Mixer.CvKs"),
+                                   QStringLiteral("/tmp/ü.CvKs")};
+        EXPECT_TRUE(TVKInstanceLink::sendToRunningInstance(files, 200));
+        EXPECT_TRUE(waitUntil([&] { return requests == 1; }));
+        EXPECT_EQ(received, files);
+        // No files: it only comes to the front.
+        EXPECT_TRUE(TVKInstanceLink::sendToRunningInstance({}, 200));
+        EXPECT_TRUE(waitUntil([&] { return requests == 2; }));
+        EXPECT_TRUE(received.isEmpty());
+    }
+    // A socket left behind by an instance that ended is taken over.
+    TVKInstanceLink next;
+    EXPECT_TRUE(next.listen());
+    qputenv("TVK_PORT_DIR", previous);
 }
 
 } // namespace
