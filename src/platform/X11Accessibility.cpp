@@ -99,7 +99,8 @@ struct X11Accessibility::Connection
         if (!bytes)
             return std::nullopt;
         std::vector<uint32_t> values(size_t(bytes->size()) / sizeof(uint32_t));
-        std::memcpy(values.data(), bytes->constData(), values.size() * sizeof(uint32_t));
+        if (!values.empty())
+            std::memcpy(values.data(), bytes->constData(), values.size() * sizeof(uint32_t));
         return values;
     }
 

@@ -138,7 +138,8 @@ public:
     {
         const QByteArray list = property(root, "_NET_CLIENT_LIST");
         std::vector<xcb_window_t> windows(size_t(list.size()) / 4);
-        memcpy(windows.data(), list.constData(), windows.size() * 4);
+        if (!windows.empty())
+            memcpy(windows.data(), list.constData(), windows.size() * 4);
         return windows;
     }
 
