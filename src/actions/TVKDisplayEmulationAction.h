@@ -17,6 +17,7 @@ public:
     void setDisplaySource(int source);
 
     QString text() override { return m_text; }
+    const QString& storedText() const { return m_text; }
 
     QString actionDescriptor() const override;
     corvane::FourCharCode editorTabID() const override;

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "actions/TVKKeystrokeElement.h"
+
+#include <QString>
+
+class TVKAction;
+
+// A second, human description of an action, beside its descriptor: keys written as Linux desktops
+// write them ("Ctrl+Shift+S"), MIDI messages by name ("Note On C4 (60) vel 100 · ch 1"), the
+// emulated control by its group and name. The descriptor texts stay what they are; they are what
+// older files, the service and users' notes have always shown. The words go through
+// QCoreApplication::translate with the context "ActionDescription".
+namespace corvane {
+
+enum class Detail
+{
+    Short, // fits a tooltip's first line or a label: what the control does, no more
+    Full,  // everything the action holds: channel, velocity, the place of a click, empty directions
+};
+
+// What the description needs to know about the control that carries the action. By default it is
+// taken from the owning control; a caller describing an action of no control (a clipboard, a
+// sheet) gives it itself.
+struct ActionContext
+{
+    int controlType = -1;   // corvane::ControlType; -1 when unknown
+    int emulationMode = -1; // the keyset's emulation mode (0 none, 1 A, 2 B, 3 C); -1 unknown
+};
+
+ActionContext contextOfAction(const TVKAction& action);
+
+// The description of any action. Every kind of action gives a non-empty text.
+QString describeAction(const TVKAction& action, Detail detail);
+QString describeAction(const TVKAction& action, Detail detail, const ActionContext& context);
+
+// "Ctrl+Shift+S", "Alt+F4", "Super+Page Up". Modifiers in the order Ctrl, Alt, Shift, Super.
+QString describeKeystroke(const TVKKeystrokeElement& keystroke);
+// The keystrokes joined with ", "; an empty list gives an empty text.
+QString describeKeySequence(const TVKKeystrokeList& sequence);
+// The modifier word (Shift 0x20000, Control 0x40000, Alt 0x80000, Super 0x100000) as the
+// prefix of a key or a click: "Ctrl+Shift+", or empty.
+QString modifierPrefix(quint64 modifiers);
+
+// One MIDI message by name ("CC 7 · value · ch 1"); a data byte of 0xF1 is the control's value.
+QString describeMidiMessage(const quint8* bytes, unsigned size, Detail detail);
+// "C4" for note 60, "C#-1" for note 1.
+QString midiNoteName(int note);
+
+// A text made comparable for searching: lower case, and every run of modifiers joined by "+"
+// ("shift+ctrl+s", "Control+Shift+S") written in one order with one name per modifier, so
+// that the same shortcut typed either way finds the same controls.
+QString searchableText(const QString& text);
+
+} // namespace corvane
