@@ -215,11 +215,9 @@ void BM_EditAllLayersAndUndo(benchmark::State& state)
     controller.setViews({&views, &views, &views, &views});
     std::vector<double> edits;
     std::vector<double> undos;
-    const QVariantMap copy{{corvane::info::CopyToLayers, true}};
     for (auto _ : state) {
         Clock::time_point start = Clock::now();
-        corvane::NotificationCenter::defaultCenter().post(corvane::note::InsertEditedAction,
-                                                          nullptr, copy);
+        corvane::NotificationCenter::defaultCenter().post(corvane::note::InsertEditedAction{true});
         edits.push_back(since(start));
         start = Clock::now();
         controller.undoManager().undo();

@@ -138,7 +138,7 @@ void CorvaneController::setHardwareGraphics(qint64 style)
 {
     if (style >= 0 && style < m_hardwareImages.size())
         m_views.windows->showHardwareImage(m_hardwareImages.at(style));
-    notifyWithMessage(note::HdwStyChg);
+    notifyWithMessage(note::HdwStyChg{});
 }
 
 void CorvaneController::windowDidBecomeKey(TVKWindow window)
@@ -196,20 +196,20 @@ void CorvaneController::showExpander()
 void CorvaneController::showTLW()
 {
     m_views.windows->show(TVKWindow::TLW);
-    notifyWithMessage(note::SelectedLayerChange);
+    notifyWithMessage(note::SelectedLayerChange{});
 }
 
 void CorvaneController::showTLW2()
 {
     m_views.windows->show(TVKWindow::TLW2);
-    notifyWithMessage(note::SelectedLayerChange);
+    notifyWithMessage(note::SelectedLayerChange{});
 }
 
 void CorvaneController::showNV()
 {
     m_views.windows->show(TVKWindow::NV);
     m_views.windows->makeKeyAndOrderFront(TVKWindow::NV);
-    notifyWithMessage(note::SelectedLayerChange);
+    notifyWithMessage(note::SelectedLayerChange{});
 }
 
 void CorvaneController::radioController(qint64 value)

@@ -19,7 +19,6 @@
 #include <QPainter>
 
 namespace note = corvane::note;
-namespace info = corvane::info;
 using corvane::PlistValue;
 
 namespace {
@@ -302,7 +301,7 @@ void TVKController::journal(corvane::MessageID id, const QByteArray& body)
 
 void TVKController::windowAndControllerAwake(bool secondInspector)
 {
-    notifyWithMessage(note::SelectedKeysetChange);
+    notifyWithMessage(note::SelectedKeysetChange{});
     notifyOfRemoteControlChange(m_selectedControl, m_selectedGroup, true);
     showMainWindow();
     showInspector();
@@ -389,27 +388,24 @@ void TVKController::triggerAXAlert()
 void TVKController::registerForNotifications()
 {
     corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
-    const auto observe = [&](const QString& name,
-                             void (TVKController::*handler)(const corvane::Notification&)) {
-        m_observations.push_back(
-            center.addObserver(name, nullptr, [this, handler](const corvane::Notification& n) {
-                (this->*handler)(n);
-            }));
+    const auto observe = [&]<class Notice>(void (TVKController::*handler)(const Notice&)) {
+        m_observations.push_back(center.observe<Notice>(
+            nullptr, [this, handler](const Notice& notice) { (this->*handler)(notice); }));
     };
-    observe(note::UserNameChange, &TVKController::handleUserNameChange);
-    observe(note::DisplayUserNameChange, &TVKController::handleDisplayUserNameChange);
-    observe(note::LatchChange, &TVKController::handleLatchStyleChange);
-    observe(note::ColorChange, &TVKController::handleOnColorChange);
-    observe(note::OffColorChange, &TVKController::handleOffColorChange);
-    observe(note::BrightnessChange, &TVKController::handleBrightnessChange);
-    observe(note::JogSensChange, &TVKController::handleJogSensitivityChange);
-    observe(note::JoySensChange, &TVKController::handleJoystickSensitivityChange);
-    observe(note::InsertEditedAction, &TVKController::handleInsertEditedAction);
-    observe(note::InsertEditedDisplayAction, &TVKController::handleInsertEditedDisplayAction);
-    observe(note::DeleteDisplayAction, &TVKController::handleDeleteDisplayAction);
-    observe(note::DeleteAction, &TVKController::handleDeleteAction);
-    observe(note::StartCapture, &TVKController::handleStartCapture);
-    observe(note::InspUpdate, &TVKController::handleInspectorNeedsUpdate);
+    observe(&TVKController::handleUserNameChange);
+    observe(&TVKController::handleDisplayUserNameChange);
+    observe(&TVKController::handleLatchStyleChange);
+    observe(&TVKController::handleOnColorChange);
+    observe(&TVKController::handleOffColorChange);
+    observe(&TVKController::handleBrightnessChange);
+    observe(&TVKController::handleJogSensitivityChange);
+    observe(&TVKController::handleJoystickSensitivityChange);
+    observe(&TVKController::handleInsertEditedAction);
+    observe(&TVKController::handleInsertEditedDisplayAction);
+    observe(&TVKController::handleDeleteDisplayAction);
+    observe(&TVKController::handleDeleteAction);
+    observe(&TVKController::handleStartCapture);
+    observe(&TVKController::handleInspectorNeedsUpdate);
 }
 
 // --- Shutdown and persistence ------------------------------------------------------------------
@@ -476,7 +472,7 @@ void TVKController::setSelectedKeyset(qint64 index)
     m_selectedKeyset = index;
     if (m_modelData)
         m_modelData->setSelectedKeysetIndex(int(index));
-    notifyWithMessage(note::SelectedKeysetChange);
+    notifyWithMessage(note::SelectedKeysetChange{});
     notifyOfControlChange(m_selectedControl, m_selectedGroup);
     showKeysetNameAndIcon();
     if (m_messenger)
@@ -499,7 +495,7 @@ void TVKController::setSelectedGroup(qint64 group)
     if (group == m_selectedGroup)
         return;
     m_selectedGroup = group;
-    notifyWithMessage(note::SelectedGroupChange);
+    notifyWithMessage(note::SelectedGroupChange{});
 }
 
 void TVKController::setSelectedControl(qint64 control)
@@ -546,7 +542,7 @@ void TVKController::showInspector()
 {
     // The inspector is made on first use, from the nib named for this surface family.
     m_views.windows->show(TVKWindow::Inspector);
-    notifyWithMessage(note::SelectedKeysetChange);
+    notifyWithMessage(note::SelectedKeysetChange{});
     notifyOfControlChange(m_selectedControl, m_selectedGroup);
 }
 
@@ -637,8 +633,8 @@ void TVKController::keysetChangedInSummaryWindow(qint64 keyset)
 void TVKController::layerChangedInSummaryWindow(qint64 layer)
 {
     setSelectedLayer(layer);
-    notifyWithMessage(note::SelectedLayerChange);
-    notifyWithMessage(note::RemoteLayerChange);
+    notifyWithMessage(note::SelectedLayerChange{});
+    notifyWithMessage(note::RemoteLayerChange{});
 }
 
 void TVKController::selectionChangedInSummaryWindowToGroup(qint64 group, qint64 control)
@@ -648,11 +644,6 @@ void TVKController::selectionChangedInSummaryWindowToGroup(qint64 group, qint64 
 
 // --- Notifications -----------------------------------------------------------------------------
 
-void TVKController::notifyWithMessage(const QString& name)
-{
-    corvane::NotificationCenter::defaultCenter().post(name, this);
-}
-
 void TVKController::notifyOfControlChange(qint64 control, qint64 group)
 {
     notifyOfControlChange(control, group, m_selectedLayer);
@@ -661,12 +652,7 @@ void TVKController::notifyOfControlChange(qint64 control, qint64 group)
 void TVKController::notifyOfControlChange(qint64 control, qint64 group, qint64 layer)
 {
     TVKControl* selected = m_modelData ? m_modelData->selectedControl() : nullptr;
-    corvane::NotificationCenter::defaultCenter().post(
-        note::SelectionChange, this,
-        {{info::GroupID, group},
-         {info::ControlIndex, control},
-         {info::LayerIndex, layer},
-         {info::ControlObject, QVariant::fromValue(selected)}});
+    notifyWithMessage(note::SelectionChange{group, control, layer, selected});
 }
 
 void TVKController::notifyOfDisplaySelection(qint64 display, qint64 group)
@@ -681,12 +667,7 @@ void TVKController::notifyOfDisplaySelection(qint64 display, qint64 group, qint6
                                                              int(group), int(display))
                              : nullptr;
     // The display's index travels under the control's key.
-    corvane::NotificationCenter::defaultCenter().post(
-        note::DisplaySelectionChange, this,
-        {{info::GroupID, group},
-         {info::ControlIndex, display},
-         {info::LayerIndex, layer},
-         {info::ControlObject, QVariant::fromValue(object)}});
+    notifyWithMessage(note::DisplaySelectionChange{group, display, layer, object});
 }
 
 void TVKController::notifyOfRemoteControlChange(qint64 control, qint64 group,
@@ -700,62 +681,47 @@ void TVKController::notifyOfRemoteControlChange(qint64 control, qint64 group,
             object = m_modelData->controlForKeyset(int(m_selectedKeyset), int(m_selectedLayer),
                                                    dataGroup, dataControl);
     }
-    corvane::NotificationCenter::defaultCenter().post(
-        note::RemoteSelectionChange, this,
-        {{info::GroupID, group},
-         {info::ControlIndex, control},
-         {info::BOOL, visibleEditorUpdate},
-         {info::ControlObject, QVariant::fromValue(object)}});
+    notifyWithMessage(note::RemoteSelectionChange{group, control, visibleEditorUpdate, object});
 }
 
 void TVKController::notifyOfRemoteDisplayChange(qint64 display, qint64 group,
                                                 bool visibleEditorUpdate)
 {
     TVKControl* object = m_modelData ? m_modelData->selectedDisplay() : nullptr;
-    corvane::NotificationCenter::defaultCenter().post(
-        note::RemoteDisplaySelectionChange, this,
-        {{info::GroupID, group},
-         {info::ControlIndex, display},
-         {info::BOOL, visibleEditorUpdate},
-         {info::ControlObject, QVariant::fromValue(object)}});
+    notifyWithMessage(
+        note::RemoteDisplaySelectionChange{group, display, visibleEditorUpdate, object});
 }
 
 void TVKController::notifyOfControlOnColorChange(qint64 color, qint64 group, qint64 control)
 {
-    corvane::NotificationCenter::defaultCenter().post(
-        note::DispColorChange, this,
-        {{info::Color, color}, {info::GroupID, group}, {info::ControlIndex, control}});
+    notifyWithMessage(note::DispColorChange{color, group, control});
 }
 
 void TVKController::notifyOfControlOffColorChange(qint64 color, qint64 group, qint64 control)
 {
-    corvane::NotificationCenter::defaultCenter().post(
-        note::DispOffColorChange, this,
-        {{info::OffColor, color}, {info::GroupID, group}, {info::ControlIndex, control}});
+    notifyWithMessage(note::DispOffColorChange{color, group, control});
 }
 
 void TVKController::notifyOfControlPropertyChange(TVKControl* control)
 {
     if (!control)
         return;
-    corvane::NotificationCenter::defaultCenter().post(
-        note::ControlPropertyChange, this, {{info::ControlObject, QVariant::fromValue(control)}});
+    notifyWithMessage(note::ControlPropertyChange{control});
 }
 
 void TVKController::notifyOfControlUserNameChange(TVKControl* control)
 {
     if (!control)
         return;
-    corvane::NotificationCenter::defaultCenter().post(
-        note::ShowUserNameChange, this, {{info::ControlObject, QVariant::fromValue(control)}});
+    notifyWithMessage(note::ShowUserNameChange{control});
 }
 
 void TVKController::notifyKeysetSummaryNeedsUpdate()
 {
-    notifyWithMessage(note::UpdateKSum);
+    notifyWithMessage(note::UpdateKSum{});
 }
 
-void TVKController::handleStartCapture(const corvane::Notification&)
+void TVKController::handleStartCapture(const note::StartCapture&)
 {
     m_capturing = true;
     validateMenuItems();
@@ -764,6 +730,6 @@ void TVKController::handleStartCapture(const corvane::Notification&)
 void TVKController::handleEndCapture()
 {
     m_capturing = false;
-    notifyWithMessage(note::EndCapture);
+    notifyWithMessage(note::EndCapture{});
     validateMenuItems();
 }

@@ -5,6 +5,7 @@
 #include "app/TVKUndoManager.h"
 #include "app/TVKViewInterfaces.h"
 #include "core/NotificationCenter.h"
+#include "core/Notifications.h"
 #include "core/PlistValue.h"
 #include "core/TVKUserDefaults.h"
 #include "service/MessageFrame.h"
@@ -142,7 +143,12 @@ public:
     void selectionChangedInSummaryWindowToGroup(qint64 group, qint64 control);
 
     // --- Notifications --------------------------------------------------------------------
-    void notifyWithMessage(const QString& name);
+    // Posts a notice with the controller as its sender.
+    template <class Notice>
+    void notifyWithMessage(const Notice& notice)
+    {
+        corvane::NotificationCenter::defaultCenter().post(notice, this);
+    }
     void notifyOfControlChange(qint64 control, qint64 group);
     void notifyOfControlChange(qint64 control, qint64 group, qint64 layer);
     void notifyOfDisplaySelection(qint64 display, qint64 group);
@@ -308,26 +314,25 @@ protected:
     void validateTitledKeysetItem(QAction* item, const QString& verb, bool enabled);
 
     // Edit notifications (posted by the inspector).
-    void handleUserNameChange(const corvane::Notification& note);
-    void handleDisplayUserNameChange(const corvane::Notification& note);
-    void handleLatchStyleChange(const corvane::Notification& note);
-    void handleOnColorChange(const corvane::Notification& note);
-    void handleOffColorChange(const corvane::Notification& note);
-    void handleBrightnessChange(const corvane::Notification& note);
-    void handleJogSensitivityChange(const corvane::Notification& note);
-    void handleJoystickSensitivityChange(const corvane::Notification& note);
-    void handleInsertEditedAction(const corvane::Notification& note);
-    void handleDeleteAction(const corvane::Notification& note);
-    void handleInsertEditedDisplayAction(const corvane::Notification& note);
-    void handleDeleteDisplayAction(const corvane::Notification& note);
-    void handleInspectorNeedsUpdate(const corvane::Notification& note);
-    void handleStartCapture(const corvane::Notification& note);
+    void handleUserNameChange(const corvane::note::UserNameChange& notice);
+    void handleDisplayUserNameChange(const corvane::note::DisplayUserNameChange& notice);
+    void handleLatchStyleChange(const corvane::note::LatchChange& notice);
+    void handleOnColorChange(const corvane::note::ColorChange& notice);
+    void handleOffColorChange(const corvane::note::OffColorChange& notice);
+    void handleBrightnessChange(const corvane::note::BrightnessChange& notice);
+    void handleJogSensitivityChange(const corvane::note::JogSensChange& notice);
+    void handleJoystickSensitivityChange(const corvane::note::JoySensChange& notice);
+    void handleInsertEditedAction(const corvane::note::InsertEditedAction& notice);
+    void handleDeleteAction(const corvane::note::DeleteAction& notice);
+    void handleInsertEditedDisplayAction(const corvane::note::InsertEditedDisplayAction& notice);
+    void handleDeleteDisplayAction(const corvane::note::DeleteDisplayAction& notice);
+    void handleInspectorNeedsUpdate(const corvane::note::InspUpdate& notice);
+    void handleStartCapture(const corvane::note::StartCapture& notice);
 
-    // The handlers of one value per layer: the value and the copy flag read from the
-    // notification, the target from the model's selection.
+    // The handlers of one value per layer: the value and the copy flag from the notice, the
+    // target from the model's selection.
     template <typename T, typename Primitive>
-    void handleValueEdit(const corvane::Notification& note, const QString& key,
-                         Primitive primitive);
+    void handleValueEdit(const T& value, bool copyToLayers, Primitive primitive);
     // Every edit primitive of one value per layer runs through here.
     template <typename Apply>
     std::vector<TVKControl*> forEachAffectedControl(qint64 keyset, qint64 layer, qint64 group,

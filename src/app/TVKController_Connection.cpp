@@ -65,7 +65,7 @@ void TVKController::handleCurrentControlInfoForKeyset(qint64 keyset, qint64 laye
     toOnscreen(group, control, m_selectedGroup, m_selectedControl);
     copySelectionToModelData();
     showKeysetNameAndIcon();
-    notifyWithMessage(note::SelectedKeysetChange);
+    notifyWithMessage(note::SelectedKeysetChange{});
     notifyOfRemoteControlChange(m_selectedControl, m_selectedGroup, true);
     validateMenuItems();
 }
@@ -147,7 +147,7 @@ void TVKController::handleTVKLayerSelector(qint64 layer)
         return;
     setSelectedLayer(layer);
     notifyOfControlChange(m_selectedControl, m_selectedGroup);
-    notifyWithMessage(note::SelectedLayerChange);
+    notifyWithMessage(note::SelectedLayerChange{});
 }
 
 void TVKController::handleDisplay(qint64 display, qint64 group)

@@ -10,7 +10,6 @@
 #include "surface/TVK_Constant_Server.h"
 
 namespace note = corvane::note;
-namespace info = corvane::info;
 using Property = TVK_PrivateMessenger::ControlProperty;
 
 namespace {
@@ -88,77 +87,72 @@ void TVKController::finishControlEdit(const std::vector<TVKControl*>& visited, b
 
 // --- Handlers ----------------------------------------------------------------------------------
 
-void TVKController::handleUserNameChange(const corvane::Notification& n)
+void TVKController::handleUserNameChange(const note::UserNameChange& n)
 {
     if (!m_modelData)
         return;
-    undoableSetUserName(n.userInfo.value(info::String).toString(),
-                        m_modelData->selectedKeysetIndex(), m_modelData->selectedLayerIndex(),
-                        m_modelData->selectedGroupIndex(), m_modelData->selectedControlIndex(),
-                        n.userInfo.value(info::CopyToLayers).toBool());
+    undoableSetUserName(n.userName, m_modelData->selectedKeysetIndex(),
+                        m_modelData->selectedLayerIndex(), m_modelData->selectedGroupIndex(),
+                        m_modelData->selectedControlIndex(), n.copyToLayers);
 }
 
-void TVKController::handleDisplayUserNameChange(const corvane::Notification& n)
+void TVKController::handleDisplayUserNameChange(const note::DisplayUserNameChange& n)
 {
     if (!m_modelData || !m_displaySelected)
         return;
-    undoableSetDisplayUserName(n.userInfo.value(info::String).toString(),
-                               m_modelData->selectedKeysetIndex(),
+    undoableSetDisplayUserName(n.userName, m_modelData->selectedKeysetIndex(),
                                m_modelData->selectedLayerIndex(), m_selectedDisplayGroup,
-                               m_selectedDisplay, n.userInfo.value(info::CopyToLayers).toBool());
+                               m_selectedDisplay, n.copyToLayers);
 }
 
 template <typename T, typename Primitive>
-void TVKController::handleValueEdit(const corvane::Notification& n, const QString& key,
-                                    Primitive primitive)
+void TVKController::handleValueEdit(const T& value, bool copy, Primitive primitive)
 {
     if (!m_modelData)
         return;
     // The value goes to every layer when copied, else to the selected control's layer.
-    const bool copy = n.userInfo.value(corvane::info::CopyToLayers).toBool();
-    (this->*primitive)(repeated(n.userInfo.value(key).value<T>(), copy,
-                                m_constantServer ? m_constantServer->numLayers() : 0),
+    (this->*primitive)(repeated(value, copy, m_constantServer ? m_constantServer->numLayers() : 0),
                        m_modelData->selectedKeysetIndex(), m_modelData->selectedLayerIndex(),
                        m_modelData->selectedGroupIndex(), m_modelData->selectedControlIndex(),
                        copy);
 }
 
-void TVKController::handleLatchStyleChange(const corvane::Notification& n)
+void TVKController::handleLatchStyleChange(const note::LatchChange& n)
 {
-    handleValueEdit<bool>(n, info::BOOL, &TVKController::undoableSetLatchStyle);
+    handleValueEdit(n.latched, n.copyToLayers, &TVKController::undoableSetLatchStyle);
 }
 
-void TVKController::handleOnColorChange(const corvane::Notification& n)
+void TVKController::handleOnColorChange(const note::ColorChange& n)
 {
-    handleValueEdit<qint64>(n, info::Color, &TVKController::undoableSetOnColor);
+    handleValueEdit(n.color, n.copyToLayers, &TVKController::undoableSetOnColor);
 }
 
-void TVKController::handleOffColorChange(const corvane::Notification& n)
+void TVKController::handleOffColorChange(const note::OffColorChange& n)
 {
-    handleValueEdit<qint64>(n, info::OffColor, &TVKController::undoableSetOffColor);
+    handleValueEdit(n.color, n.copyToLayers, &TVKController::undoableSetOffColor);
 }
 
-void TVKController::handleBrightnessChange(const corvane::Notification& n)
+void TVKController::handleBrightnessChange(const note::BrightnessChange& n)
 {
-    handleValueEdit<qint64>(n, info::Brightness, &TVKController::undoableSetBrightness);
+    handleValueEdit(n.brightness, n.copyToLayers, &TVKController::undoableSetBrightness);
 }
 
-void TVKController::handleJogSensitivityChange(const corvane::Notification& n)
+void TVKController::handleJogSensitivityChange(const note::JogSensChange& n)
 {
-    handleValueEdit<qint64>(n, info::JogSens, &TVKController::undoableSetJogSensitivity);
+    handleValueEdit(n.sensitivity, n.copyToLayers, &TVKController::undoableSetJogSensitivity);
 }
 
-void TVKController::handleJoystickSensitivityChange(const corvane::Notification& n)
+void TVKController::handleJoystickSensitivityChange(const note::JoySensChange& n)
 {
-    handleValueEdit<qint64>(n, info::JoySens, &TVKController::undoableSetJoystickSensitivity);
+    handleValueEdit(n.sensitivity, n.copyToLayers, &TVKController::undoableSetJoystickSensitivity);
 }
 
-void TVKController::handleInsertEditedAction(const corvane::Notification& n)
+void TVKController::handleInsertEditedAction(const note::InsertEditedAction& n)
 {
     const TVKAction* edited = m_views.windows->inspectorEditedAction();
     if (!edited)
         return;
-    const bool copy = n.userInfo.value(info::CopyToLayers).toBool();
+    const bool copy = n.copyToLayers;
     // Every layer receives the same action.
     const std::shared_ptr<const TVKAction> action = edited->copyWithZone();
     undoableInsertAction(
@@ -167,16 +161,16 @@ void TVKController::handleInsertEditedAction(const corvane::Notification& n)
         tr("Edit Control Action"), copy);
 }
 
-void TVKController::handleDeleteAction(const corvane::Notification& n)
+void TVKController::handleDeleteAction(const note::DeleteAction& n)
 {
-    const bool copy = n.userInfo.value(info::CopyToLayers).toBool();
+    const bool copy = n.copyToLayers;
     const std::shared_ptr<const TVKAction> none = std::make_shared<TVKNULLAction>();
     undoableInsertAction(repeated(none, copy, kDeleteCopyCount), m_selectedKeyset, m_selectedLayer,
                          m_modelDataGroupIndex, m_modelDataControlIndex,
                          tr("Delete Control Action"), copy);
 }
 
-void TVKController::handleInsertEditedDisplayAction(const corvane::Notification&)
+void TVKController::handleInsertEditedDisplayAction(const note::InsertEditedDisplayAction&)
 {
     const TVKAction* edited = m_views.windows->inspectorEditedAction();
     if (!edited)
@@ -186,17 +180,15 @@ void TVKController::handleInsertEditedDisplayAction(const corvane::Notification&
                                 tr("Edit Display Function"));
 }
 
-void TVKController::handleDeleteDisplayAction(const corvane::Notification&)
+void TVKController::handleDeleteDisplayAction(const note::DeleteDisplayAction&)
 {
     undoableInsertDisplayAction(nullptr, m_selectedKeyset, m_selectedLayer, m_selectedDisplayGroup,
                                 m_selectedDisplay, tr("Delete Display Function"));
 }
 
-void TVKController::handleInspectorNeedsUpdate(const corvane::Notification& n)
+void TVKController::handleInspectorNeedsUpdate(const note::InspUpdate& n)
 {
-    if (n.userInfo.contains(info::ControlIndex) && n.userInfo.contains(info::GroupID))
-        notifyOfControlChange(n.userInfo.value(info::ControlIndex).toLongLong(),
-                              n.userInfo.value(info::GroupID).toLongLong());
+    notifyOfControlChange(n.controlIndex, n.groupID);
 }
 
 // --- Primitives without undo ---------------------------------------------------------------------

@@ -16,7 +16,6 @@
 #include <QMimeData>
 
 namespace note = corvane::note;
-namespace info = corvane::info;
 using corvane::FourCharCode;
 using corvane::PlistValue;
 
@@ -84,7 +83,7 @@ void TVKController::handleNewKeyset()
         m_messenger->sendAddKeysetMessage(int(index), m_modelData->keysetAtIndex(int(index)));
     setSelectedKeyset(index);
     updateKeysetsMenu();
-    notifyWithMessage(note::KeysetCountChange);
+    notifyWithMessage(note::KeysetCountChange{});
 }
 
 void TVKController::handleExportKeyset()
@@ -175,7 +174,7 @@ void TVKController::importKeysetFile(const QString& path)
         m_messenger->sendAddKeysetMessage(int(index), imported);
     setSelectedKeyset(index);
     updateKeysetsMenu();
-    notifyWithMessage(note::KeysetCountChange);
+    notifyWithMessage(note::KeysetCountChange{});
 }
 
 void TVKController::handleCopyKeyset()
@@ -295,7 +294,7 @@ void TVKController::undoableDeleteKeyset(qint64 index)
     m_undoManager.registerUndo([this, kept = keep(std::move(deleted)),
                                 index] { undoableRestoreKeyset(std::move(*kept), index); },
                                tr("Delete Keyset"));
-    notifyWithMessage(note::KeysetCountChange);
+    notifyWithMessage(note::KeysetCountChange{});
 }
 
 void TVKController::undoableRestoreKeyset(std::unique_ptr<TVKKeyset> keyset, qint64 index)
@@ -323,8 +322,7 @@ void TVKController::setKeysetLockState(bool locked)
     if (TVKKeyset* keyset = keysetAt(m_selectedKeyset))
         keyset->setLocked(locked);
     m_views.windows->setLockButtonState(locked);
-    corvane::NotificationCenter::defaultCenter().post(note::LockStateChange, this,
-                                                      {{info::Lock, locked}});
+    notifyWithMessage(note::LockStateChange{locked});
     validateMenuItems();
 }
 
@@ -332,8 +330,7 @@ void TVKController::handleLockUnlockButton(bool buttonState)
 {
     if (TVKKeyset* keyset = keysetAt(m_selectedKeyset))
         keyset->setLocked(buttonState);
-    corvane::NotificationCenter::defaultCenter().post(note::LockStateChange, this,
-                                                      {{info::Lock, buttonState}});
+    notifyWithMessage(note::LockStateChange{buttonState});
     validateMenuItems();
 }
 
@@ -380,7 +377,7 @@ void TVKController::handleEmulationMenu(qint64 mode)
                            tr("Disable Emulation"));
     else
         keyset->setEmulationMode(uint(mode));
-    notifyWithMessage(note::EmulChg);
+    notifyWithMessage(note::EmulChg{});
     if (m_messenger)
         m_messenger->sendEmulationModeMessage(mode);
     validateMenuItems();

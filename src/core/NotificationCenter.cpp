@@ -4,6 +4,33 @@
 
 namespace corvane {
 
+NoticeRegistry& NoticeRegistry::instance()
+{
+    static NoticeRegistry registry;
+    return registry;
+}
+
+NoticeRegistry::Use& NoticeRegistry::use(QLatin1StringView name, const void* payloadType)
+{
+    for (Use& u : m_uses) {
+        if (u.name == name && u.payloadType == payloadType)
+            return u;
+    }
+    return m_uses.emplace_back(Use{name, payloadType});
+}
+
+bool NoticeRegistry::notePosted(QLatin1StringView name, const void* payloadType)
+{
+    use(name, payloadType).posted = true;
+    return true;
+}
+
+bool NoticeRegistry::noteObserved(QLatin1StringView name, const void* payloadType)
+{
+    use(name, payloadType).observed = true;
+    return true;
+}
+
 NotificationCenter::Observation::Observation(Observation&& other) noexcept
     : m_center(other.m_center), m_id(other.m_id)
 {
@@ -58,7 +85,12 @@ NotificationCenter& NotificationCenter::defaultCenter()
     return center;
 }
 
-NotificationCenter::Observation NotificationCenter::addObserver(const QString& name,
+NotificationCenter::Observation NotificationCenter::observeAll(const void* sender, Handler handler)
+{
+    return addObserver(QLatin1StringView(), sender, std::move(handler));
+}
+
+NotificationCenter::Observation NotificationCenter::addObserver(QLatin1StringView name,
                                                                 const void* sender, Handler handler)
 {
     Observation observation;
@@ -79,9 +111,9 @@ void NotificationCenter::remove(quint64 id)
                     m_entries.end());
 }
 
-void NotificationCenter::post(const QString& name, const void* sender, const QVariantMap& userInfo)
+void NotificationCenter::deliver(QLatin1StringView name, const void* sender, const void* payload)
 {
-    const Notification notification{name, sender, userInfo};
+    const Notification notification{name, sender, payload};
     // Deliver to the observers registered at the time of posting; one removed by an earlier
     // handler during this delivery is skipped.
     std::vector<std::pair<quint64, std::shared_ptr<Handler>>> targets;

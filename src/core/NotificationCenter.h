@@ -1,23 +1,70 @@
 #pragma once
 
+#include <QLatin1StringView>
 #include <QString>
-#include <QVariantMap>
 #include <functional>
 #include <memory>
 #include <vector>
 
 namespace corvane {
 
+class NoticeRegistry;
+
+// What every observer is handed: the name, the poster, and the payload of the notice type that
+// name belongs to (see Notifications.h). The payload lives only for the delivery.
 struct Notification
 {
-    QString name;
+    QLatin1StringView name;
     const void* sender = nullptr;
-    QVariantMap userInfo;
+    const void* payload = nullptr;
 };
 
+// The names every typed post() and observe() in the program mentions, each with the payload type
+// it belongs to. It is filled before main() from the instantiations of those templates, so a
+// program can ask which observed names nothing posts.
+class NoticeRegistry
+{
+public:
+    struct Use
+    {
+        QLatin1StringView name;
+        const void* payloadType; // one address per payload type
+        bool posted = false;
+        bool observed = false;
+    };
+
+    static NoticeRegistry& instance();
+    const std::vector<Use>& uses() const { return m_uses; }
+
+    template <class Notice>
+    static const void* payloadType()
+    {
+        static const char tag = 0;
+        return &tag;
+    }
+
+    bool notePosted(QLatin1StringView name, const void* payloadType);
+    bool noteObserved(QLatin1StringView name, const void* payloadType);
+
+private:
+    Use& use(QLatin1StringView name, const void* payloadType);
+    std::vector<Use> m_uses;
+};
+
+namespace detail {
+template <class Notice>
+inline const bool noticePosted =
+    NoticeRegistry::instance().notePosted(Notice::name, NoticeRegistry::payloadType<Notice>());
+template <class Notice>
+inline const bool noticeObserved =
+    NoticeRegistry::instance().noteObserved(Notice::name, NoticeRegistry::payloadType<Notice>());
+} // namespace detail
+
 // Synchronous, in-process notifications: post() calls every matching observer before it returns.
-// An observer lives exactly as long as the Observation that addObserver() returned, so nothing can
-// be called after its owner went away, even from inside a delivery.
+// Notices are the payload structs of Notifications.h; each carries its name, so posting and
+// observing one are checked by the compiler. An observer lives exactly as long as the
+// Observation that observe() returned, so nothing can be called after its owner went away, even
+// from inside a delivery.
 class NotificationCenter
 {
 public:
@@ -49,10 +96,37 @@ public:
 
     static NotificationCenter& defaultCenter();
 
-    // An empty name observes every notification; a null sender accepts any sender.
-    [[nodiscard]] Observation addObserver(const QString& name, const void* sender, Handler handler);
+    // Delivers the notice to its observers; a null sender means nobody in particular.
+    template <class Notice>
+    void post(const Notice& notice, const void* sender = nullptr)
+    {
+        static_cast<void>(detail::noticePosted<Notice>);
+        deliver(Notice::name, sender, &notice);
+    }
 
-    void post(const QString& name, const void* sender = nullptr, const QVariantMap& userInfo = {});
+    // Observes one notice type, from one sender or (null) from any.
+    template <class Notice>
+    [[nodiscard]] Observation observe(const void* sender,
+                                      std::function<void(const Notice&)> handler)
+    {
+        static_cast<void>(detail::noticeObserved<Notice>);
+        return addObserver(Notice::name, sender,
+                           [handler = std::move(handler)](const Notification& n) {
+                               handler(*static_cast<const Notice*>(n.payload));
+                           });
+    }
+
+    // Observes each of several notice types with one handler that needs no payload (views that
+    // redraw on any of them), appending the observations to the owner's list.
+    template <class... Notices>
+    void observeEach(std::vector<Observation>& into, const void* sender,
+                     const std::function<void()>& handler)
+    {
+        (into.push_back(observe<Notices>(sender, [handler](const Notices&) { handler(); })), ...);
+    }
+
+    // Sees every notice, by name and sender only (logging, tests).
+    [[nodiscard]] Observation observeAll(const void* sender, Handler handler);
 
     std::size_t observerCount() const;
 
@@ -60,11 +134,13 @@ private:
     struct Entry
     {
         quint64 id;
-        QString name;
+        QLatin1StringView name; // empty: every notice
         const void* sender;
         std::shared_ptr<Handler> handler;
     };
 
+    Observation addObserver(QLatin1StringView name, const void* sender, Handler handler);
+    void deliver(QLatin1StringView name, const void* sender, const void* payload);
     void remove(quint64 id);
 
     std::vector<Entry> m_entries;

@@ -8,7 +8,6 @@
 #include "model/TVKLayer.h"
 #include "model/TVKModelData.h"
 
-#include <QVariantMap>
 #include <algorithm>
 
 using corvane::PlistValue;
@@ -494,9 +493,7 @@ void CorvaneLayer::addButtonID(int button, int group)
         modelData->selectedControlIndex() == button) {
         // Both keys carry 24, as the inspector has always been told.
         corvane::NotificationCenter::defaultCenter().post(
-            corvane::note::InspUpdate, this,
-            QVariantMap{{corvane::info::ControlIndex, kNVButtonGroupID},
-                        {corvane::info::GroupID, kNVButtonGroupID}});
+            corvane::note::InspUpdate{kNVButtonGroupID, kNVButtonGroupID}, this);
     }
 }
 

@@ -59,11 +59,9 @@ CorvaneExpanderWindowController::CorvaneExpanderWindowController(CorvaneControll
     statusBar()->setSizeGripEnabled(false);
 
     corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
-    for (const QString& name : {note::SelectedLayerChange, note::RemoteLayerChange,
-                                note::SelectedKeysetChange, note::KeysetCountChange}) {
-        m_observations.push_back(center.addObserver(
-            name, nullptr, [this](const corvane::Notification&) { updateStatus(); }));
-    }
+    center.observeEach<note::SelectedLayerChange, note::RemoteLayerChange,
+                       note::SelectedKeysetChange, note::KeysetCountChange>(
+        m_observations, nullptr, [this] { updateStatus(); });
     updateStatus();
 }
 
@@ -154,10 +152,8 @@ CorvaneNVController::CorvaneNVController(CorvaneController& master, TVKMenuBar* 
     });
 
     corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
-    for (const QString& name : {note::SelectionChange, note::RemoteSelectionChange}) {
-        m_observations.push_back(center.addObserver(
-            name, nullptr, [this](const corvane::Notification&) { followSelection(); }));
-    }
+    center.observeEach<note::SelectionChange, note::RemoteSelectionChange>(
+        m_observations, nullptr, [this] { followSelection(); });
     applyBanks();
 }
 
@@ -275,7 +271,7 @@ void CorvaneNVController::addSelectionToGroup(int group)
         return;
     model->addButtonID(button, group);
     m_surface->update();
-    corvane::NotificationCenter::defaultCenter().post(note::CorvaneNVSelectGroup, this);
+    corvane::NotificationCenter::defaultCenter().post(note::CorvaneNVSelectGroup{}, this);
 }
 
 void CorvaneNVController::deleteGroup(int group)
@@ -283,7 +279,7 @@ void CorvaneNVController::deleteGroup(int group)
     if (auto* model = m_master.corvaneModelData()) {
         model->deleteCorvaneNVGroup(group);
         m_master.updateCorvaneNVGroupMenus();
-        corvane::NotificationCenter::defaultCenter().post(note::CorvaneNVSelectGroup, this);
+        corvane::NotificationCenter::defaultCenter().post(note::CorvaneNVSelectGroup{}, this);
     }
 }
 
@@ -349,7 +345,7 @@ void CorvaneNVController::handleCorvaneNVMenuItem(QAction* item)
             model->deleteButtonID(button, group);
             m_master.updateCorvaneNVGroupMenus();
             m_surface->update();
-            corvane::NotificationCenter::defaultCenter().post(note::CorvaneNVSelectGroup, this);
+            corvane::NotificationCenter::defaultCenter().post(note::CorvaneNVSelectGroup{}, this);
         }
         break;
     }

@@ -35,7 +35,7 @@ void CorvaneBankedPicture::setBank(int bank)
     m_bank = bank;
     // What is lit belongs to the bank shown before; ask again.
     m_cell->setState(0);
-    m_cell->handleRemoteSelectionChange({});
+    m_cell->handleRemoteSelectionChange();
     update();
 }
 
@@ -66,13 +66,9 @@ void CorvaneLCDButtonPicture::awakeFromNib()
         shown |= each.frame;
     setMask(shown);
     corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
-    for (const QString& name :
-         {note::DispColorChange, note::DispOffColorChange, note::SelectedLayerChange,
-          note::SelectedKeysetChange, note::KeysetContentChange, note::InspUpdate,
-          note::CorvaneNVSelectGroup, note::UpdateKSum}) {
-        m_observations.push_back(
-            center.addObserver(name, nullptr, [this](const corvane::Notification&) { update(); }));
-    }
+    center.observeEach<note::DispColorChange, note::DispOffColorChange, note::SelectedLayerChange,
+                       note::SelectedKeysetChange, note::InspUpdate, note::CorvaneNVSelectGroup,
+                       note::UpdateKSum>(m_observations, nullptr, [this] { update(); });
 }
 
 void CorvaneLCDButtonPicture::paintOverlay(QPainter& painter)

@@ -106,9 +106,8 @@ CorvaneSurfaceView::CorvaneSurfaceView(const QString& unit, QWidget* parent)
         view->setGeometry(united);
         m_displays.push_back(view);
     }
-    m_observations.push_back(corvane::NotificationCenter::defaultCenter().addObserver(
-        corvane::note::HdwStyChg, nullptr,
-        [this](const corvane::Notification&) { followHardwareStyle(); }));
+    corvane::NotificationCenter::defaultCenter().observeEach<corvane::note::HdwStyChg>(
+        m_observations, nullptr, [this] { followHardwareStyle(); });
     followHardwareStyle();
 }
 

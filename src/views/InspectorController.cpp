@@ -34,7 +34,6 @@
 #include <QVBoxLayout>
 
 namespace note = corvane::note;
-namespace info = corvane::info;
 using corvane::ControlType::isDisplayType;
 
 // The pointer as the mouse editors read it: the global position from the toolkit, and what lies
@@ -96,10 +95,8 @@ private:
 InspectorPanel::InspectorPanel(QWidget* parent) : QWidget(parent, Qt::Tool)
 {
     setAttribute(Qt::WA_ShowWithoutActivating);
-    m_lockObservation = corvane::NotificationCenter::defaultCenter().addObserver(
-        note::LockStateChange, nullptr, [this](const corvane::Notification& n) {
-            setLocked(n.userInfo.value(info::Lock).toBool());
-        });
+    m_lockObservation = corvane::NotificationCenter::defaultCenter().observe<note::LockStateChange>(
+        nullptr, [this](const note::LockStateChange& lock) { setLocked(lock.locked); });
 }
 
 void InspectorPanel::setLocked(bool locked)
@@ -123,19 +120,26 @@ InspectorController::InspectorController(TVKController& controller, TVKInstallat
     awakeFromNib();
 
     auto& centre = corvane::NotificationCenter::defaultCenter();
-    auto observe = [&](const QString& name,
-                       void (InspectorController::*handler)(const corvane::Notification&)) {
-        m_observations.push_back(
-            centre.addObserver(name, nullptr, [this, handler](const corvane::Notification& n) {
-                (this->*handler)(n);
-            }));
-    };
-    observe(note::SelectionChange, &InspectorController::handleControlSelection);
-    observe(note::ControlPropertyChange, &InspectorController::handleControlPropertyChange);
-    observe(note::RemoteSelectionChange, &InspectorController::handleControlPropertyChange);
-    observe(note::DisplaySelectionChange, &InspectorController::handleDisplaySelectionChange);
-    observe(note::RemoteDisplaySelectionChange, &InspectorController::handleDisplaySelectionChange);
-    observe(note::EmulChg, &InspectorController::handleEmulationModeChange);
+    m_observations.push_back(centre.observe<note::SelectionChange>(
+        nullptr, [this](const note::SelectionChange& n) { handleControlSelection(n.control); }));
+    m_observations.push_back(centre.observe<note::ControlPropertyChange>(
+        nullptr, [this](const note::ControlPropertyChange& n) {
+            handleControlPropertyChange(n.control, false, false);
+        }));
+    m_observations.push_back(centre.observe<note::RemoteSelectionChange>(
+        nullptr, [this](const note::RemoteSelectionChange& n) {
+            handleControlPropertyChange(n.control, n.visibleEditorUpdate, true);
+        }));
+    m_observations.push_back(centre.observe<note::DisplaySelectionChange>(
+        nullptr, [this](const note::DisplaySelectionChange& n) {
+            handleDisplaySelectionChange(n.control);
+        }));
+    m_observations.push_back(centre.observe<note::RemoteDisplaySelectionChange>(
+        nullptr, [this](const note::RemoteDisplaySelectionChange& n) {
+            handleDisplaySelectionChange(n.control);
+        }));
+    centre.observeEach<note::EmulChg>(m_observations, nullptr,
+                                      [this] { handleEmulationModeChange(); });
 
     const TVKModelData* model = TVKModelData::defaultModelData();
     const TVKKeyset* keyset =
@@ -487,28 +491,27 @@ void InspectorController::updateForNewControl(TVKControl* control)
     updateDeleteActionButton();
 }
 
-void InspectorController::handleControlSelection(const corvane::Notification& n)
+void InspectorController::handleControlSelection(TVKControl* control)
 {
-    auto* control = n.userInfo.value(info::ControlObject).value<TVKControl*>();
     m_controlIsADisplay =
         control && (control->tvkControlType() == corvane::ControlType::LCDDisplay ||
                     control->tvkControlType() == corvane::ControlType::NVLCDDisplay);
     updateForNewControl(control);
 }
 
-void InspectorController::handleDisplaySelectionChange(const corvane::Notification& n)
+void InspectorController::handleDisplaySelectionChange(TVKControl* display)
 {
     m_controlIsADisplay = true;
-    updateForNewControl(n.userInfo.value(info::ControlObject).value<TVKControl*>());
+    updateForNewControl(display);
 }
 
-void InspectorController::handleControlPropertyChange(const corvane::Notification& n)
+void InspectorController::handleControlPropertyChange(TVKControl* control, bool visibleEditorUpdate,
+                                                      bool fromSurface)
 {
-    auto* control = n.userInfo.value(info::ControlObject).value<TVKControl*>();
-    if (n.userInfo.value(info::BOOL).toBool() || control != m_theControl) {
+    if (visibleEditorUpdate || control != m_theControl) {
         // A control touched on the surface is never the display shown before it, whose edits
         // would otherwise go to that display.
-        if (n.name == note::RemoteSelectionChange && control != m_theControl)
+        if (fromSurface && control != m_theControl)
             m_controlIsADisplay = control && isDisplayType(control->tvkControlType());
         updateForNewControl(control);
     } else {
@@ -516,7 +519,7 @@ void InspectorController::handleControlPropertyChange(const corvane::Notificatio
     }
 }
 
-void InspectorController::handleEmulationModeChange(const corvane::Notification&)
+void InspectorController::handleEmulationModeChange()
 {
     updateActionDescriptorField();
 }
@@ -575,7 +578,7 @@ void InspectorController::updateActionEditor()
     if (editor && !m_editedAction.isEmpty() && m_editedAction.editorTabID() != 0)
         editor->selectActionEditorWithIdentifier(m_editedAction.editorTabID());
     updateActionDescriptorField();
-    corvane::NotificationCenter::defaultCenter().post(note::NewActionSelected, this);
+    corvane::NotificationCenter::defaultCenter().post(note::NewActionSelected{}, this);
 }
 
 void InspectorController::updateActionDescriptorField()
@@ -599,24 +602,31 @@ void InspectorController::updateDeleteActionButton()
 
 // Posting edits
 
-void InspectorController::post(const QString& name, QVariantMap userInfo)
+template <class Edit>
+void InspectorController::post(Edit edit)
 {
-    userInfo.insert(info::CopyToLayers, m_copyToAllLayers);
-    corvane::NotificationCenter::defaultCenter().post(name, this, userInfo);
+    edit.copyToLayers = m_copyToAllLayers;
+    corvane::NotificationCenter::defaultCenter().post(edit, this);
+}
+
+void InspectorController::postUserName(const QString& name)
+{
+    if (m_controlIsADisplay)
+        post(note::DisplayUserNameChange{name});
+    else
+        post(note::UserNameChange{name});
 }
 
 void InspectorController::handleUserNameChange()
 {
     if (!m_theControl || m_userNameField->text() == m_theControl->userName())
         return;
-    post(m_controlIsADisplay ? note::DisplayUserNameChange : note::UserNameChange,
-         {{info::String, m_userNameField->text()}});
+    postUserName(m_userNameField->text());
 }
 
 void InspectorController::changeUserName(const QString& name)
 {
-    post(m_controlIsADisplay ? note::DisplayUserNameChange : note::UserNameChange,
-         {{info::String, name}});
+    postUserName(name);
     if (m_theControl) {
         const QSignalBlocker block(m_userNameField);
         m_userNameField->setText(m_theControl->userName());
@@ -628,30 +638,29 @@ void InspectorController::handleLatchStateChange()
     TVKEditorView* editor = currentEditor();
     if (!editor || !editor->latchedCheckbox())
         return;
-    post(note::LatchChange, {{info::BOOL, editor->latchedCheckbox()->isChecked()}});
+    post(note::LatchChange{editor->latchedCheckbox()->isChecked()});
 }
 
 void InspectorController::handleOnColorChange()
 {
     if (TVKEditorView* editor = currentEditor(); editor && editor->onColorEditor())
-        post(note::ColorChange, {{info::Color, qint64(editor->onColorEditor()->checkedId())}});
+        post(note::ColorChange{editor->onColorEditor()->checkedId()});
 }
 
 void InspectorController::handleOffColorChange()
 {
     if (TVKEditorView* editor = currentEditor(); editor && editor->offColorEditor())
-        post(note::OffColorChange,
-             {{info::OffColor, qint64(editor->offColorEditor()->checkedId())}});
+        post(note::OffColorChange{editor->offColorEditor()->checkedId()});
 }
 
 void InspectorController::colorPicker(quint8 color)
 {
     if (m_currentStateColor == 0) {
         m_currentOnColor = color;
-        post(note::ColorChange, {{info::Color, QVariant::fromValue(color)}});
+        post(note::ColorChange{color});
     } else {
         m_currentOffColor = color;
-        post(note::OffColorChange, {{info::OffColor, QVariant::fromValue(color)}});
+        post(note::OffColorChange{color});
     }
 }
 
@@ -669,24 +678,24 @@ void InspectorController::handleOnOffColorMatrix(int tag)
 
 void InspectorController::handleBrightnessChange()
 {
-    post(note::BrightnessChange, {{info::Brightness, qint64(m_brightnessSlider->value())}});
+    post(note::BrightnessChange{m_brightnessSlider->value()});
 }
 
 void InspectorController::handleSensitivityChange()
 {
-    post(note::JogSensChange, {{info::JogSens, qint64(m_sensitivitySlider->value())}});
+    post(note::JogSensChange{m_sensitivitySlider->value()});
 }
 
 void InspectorController::handleJoystickSensitivityChange()
 {
-    post(note::JoySensChange, {{info::JoySens, qint64(m_joystickSensitivitySlider->value())}});
+    post(note::JoySensChange{m_joystickSensitivitySlider->value()});
 }
 
 void InspectorController::handleDeleteAction()
 {
     m_editedAction.setAction(nullptr);
     actionParameterChanged();
-    corvane::NotificationCenter::defaultCenter().post(note::NewActionSelected, this);
+    corvane::NotificationCenter::defaultCenter().post(note::NewActionSelected{}, this);
 }
 
 void InspectorController::handleCopyToAllLayersChange()
@@ -698,9 +707,15 @@ void InspectorController::actionParameterChanged()
 {
     if (TVKAction* action = m_editedAction.action()) {
         action->setOwningControl(m_theControl);
-        post(m_controlIsADisplay ? note::InsertEditedDisplayAction : note::InsertEditedAction, {});
+        if (m_controlIsADisplay)
+            post(note::InsertEditedDisplayAction{});
+        else
+            post(note::InsertEditedAction{});
     } else {
-        post(m_controlIsADisplay ? note::DeleteDisplayAction : note::DeleteAction, {});
+        if (m_controlIsADisplay)
+            post(note::DeleteDisplayAction{});
+        else
+            post(note::DeleteAction{});
     }
     m_currentActionType = m_editedAction.actionType();
     updateActionDescriptorField();

@@ -52,10 +52,13 @@ public:
 
     // Selection.
     void updateForNewControl(TVKControl* control);
-    void handleControlSelection(const corvane::Notification& note);
-    void handleControlPropertyChange(const corvane::Notification& note);
-    void handleDisplaySelectionChange(const corvane::Notification& note);
-    void handleEmulationModeChange(const corvane::Notification& note);
+    void handleControlSelection(TVKControl* control);
+    // visibleEditorUpdate: show the control afresh even when it is shown; fromSurface: the control
+    // was touched on the surface.
+    void handleControlPropertyChange(TVKControl* control, bool visibleEditorUpdate,
+                                     bool fromSurface);
+    void handleDisplaySelectionChange(TVKControl* display);
+    void handleEmulationModeChange();
     void setEditor(int type);
     void updateControlEditor();
     void updateActionEditor();
@@ -109,7 +112,10 @@ private:
 
     void awakeFromNib();
     TVKEditorView* makeEditor(int kind);
-    void post(const QString& name, QVariantMap userInfo);
+    // Posts an edit for the controller, carrying the copy-to-all-layers choice.
+    template <class Edit>
+    void post(Edit edit);
+    void postUserName(const QString& name);
     void wireEditor(TVKEditorView* editor);
 
     TVKController& m_controller;

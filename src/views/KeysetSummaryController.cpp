@@ -451,18 +451,13 @@ KeysetSummaryController::KeysetSummaryController(TVKModelData& modelData, TVKCon
     });
 
     corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
-    for (const QString& name : {note::SelectionChange, note::RemoteSelectionChange}) {
-        m_observations.push_back(center.addObserver(
-            name, nullptr, [this](const corvane::Notification&) { setBrowserPathFromData(); }));
-    }
-    for (const QString& name : {note::ControlPropertyChange, note::ShowUserNameChange,
-                                note::UpdateKSum, note::KeysetCountChange}) {
-        m_observations.push_back(
-            center.addObserver(name, nullptr, [this](const corvane::Notification&) {
-                m_model->refresh();
-                setBrowserPathFromData();
-            }));
-    }
+    center.observeEach<note::SelectionChange, note::RemoteSelectionChange>(
+        m_observations, nullptr, [this] { setBrowserPathFromData(); });
+    center.observeEach<note::ControlPropertyChange, note::ShowUserNameChange, note::UpdateKSum,
+                       note::KeysetCountChange>(m_observations, nullptr, [this] {
+        m_model->refresh();
+        setBrowserPathFromData();
+    });
     resize(1000, 640);
     setBrowserPathFromData();
 }

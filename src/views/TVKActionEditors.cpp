@@ -87,11 +87,12 @@ TVKActionEditorView::TVKActionEditorView(TVKActionEditorHost& host, corvane::Fou
                                          QWidget* parent)
     : QWidget(parent), m_host(host), m_tabID(tabID)
 {
-    m_newActionObservation = corvane::NotificationCenter::defaultCenter().addObserver(
-        corvane::note::NewActionSelected, nullptr, [this](const corvane::Notification&) {
-            if (m_host.isShownEditor(this))
-                updateForNewAction();
-        });
+    m_newActionObservation =
+        corvane::NotificationCenter::defaultCenter().observe<corvane::note::NewActionSelected>(
+            nullptr, [this](const corvane::note::NewActionSelected&) {
+                if (m_host.isShownEditor(this))
+                    updateForNewAction();
+            });
 }
 
 // TVKKeystrokeEntryView

@@ -24,14 +24,11 @@ TVKDisplayView::TVKDisplayView(int group, Kind kind, int characters, std::vector
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_TranslucentBackground);
     corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
-    for (const QString& name :
-         {note::SelectionChange, note::DisplaySelectionChange, note::RemoteSelectionChange,
-          note::RemoteDisplaySelectionChange, note::SelectedLayerChange, note::SelectedKeysetChange,
-          note::KeysetContentChange, note::UpdateKSum, note::InspUpdate,
-          note::DisplayUserNameChange, note::ControlActionChange, note::ReflectActionEdit}) {
-        m_observations.push_back(
-            center.addObserver(name, nullptr, [this](const corvane::Notification&) { update(); }));
-    }
+    center.observeEach<note::SelectionChange, note::DisplaySelectionChange,
+                       note::RemoteSelectionChange, note::RemoteDisplaySelectionChange,
+                       note::SelectedLayerChange, note::SelectedKeysetChange, note::UpdateKSum,
+                       note::InspUpdate, note::DisplayUserNameChange>(m_observations, nullptr,
+                                                                      [this] { update(); });
 }
 
 void TVKDisplayView::setBank(int bank)

@@ -60,9 +60,10 @@ TVKEditorView::TVKEditorView(QWidget* parent) : QWidget(parent)
     column->addWidget(m_properties);
     m_properties->hide();
     connect(m_editorTabs, &QTabWidget::currentChanged, this, &TVKEditorView::tabChanged);
-    m_lockObservation = corvane::NotificationCenter::defaultCenter().addObserver(
-        corvane::note::LockStateChange, nullptr,
-        [this](const corvane::Notification& note) { handleLockStateChange(note); });
+    m_lockObservation =
+        corvane::NotificationCenter::defaultCenter().observe<corvane::note::LockStateChange>(
+            nullptr,
+            [this](const corvane::note::LockStateChange& lock) { handleLockStateChange(lock); });
 }
 
 void TVKEditorView::addActionEditor(TVKActionEditorView* editor, const QString& title)
@@ -232,9 +233,9 @@ void TVKEditorView::setOffColor(qint64 color)
     TVKEditorCells::selectCell(m_offColorEditor, int(color));
 }
 
-void TVKEditorView::handleLockStateChange(const corvane::Notification& note)
+void TVKEditorView::handleLockStateChange(const corvane::note::LockStateChange& lock)
 {
-    setLockState(note.userInfo.value(corvane::info::Lock).toBool());
+    setLockState(lock.locked);
 }
 
 void TVKEditorView::setLockState(bool locked)

@@ -2,6 +2,7 @@
 
 #include "core/FourCharCode.h"
 #include "core/NotificationCenter.h"
+#include "core/Notifications.h"
 
 #include <QString>
 #include <QWidget>
@@ -50,7 +51,7 @@ public:
     void setLatched(bool latched);
     void setOnColor(qint64 color);
     void setOffColor(qint64 color);
-    void handleLockStateChange(const corvane::Notification& note);
+    void handleLockStateChange(const corvane::note::LockStateChange& lock);
     void setLockState(bool locked);
     bool locked() const { return m_locked; }
 

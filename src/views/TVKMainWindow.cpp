@@ -146,21 +146,15 @@ TVKMainWindow::TVKMainWindow(CorvaneController& controller, TVKMenuBar* menuBar,
     statusBar()->addWidget(m_status, 1);
 
     corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
-    for (const QString& name :
-         {note::SelectedLayerChange, note::RemoteLayerChange, note::SelectedKeysetChange}) {
-        m_observations.push_back(
-            center.addObserver(name, nullptr, [this](const corvane::Notification&) {
-                updateLayerSelector();
-                updateStatus();
-            }));
-    }
-    for (const QString& name :
-         {note::SelectionChange, note::RemoteSelectionChange, note::DisplaySelectionChange,
-          note::RemoteDisplaySelectionChange, note::UserNameChange, note::ControlActionChange,
-          note::InspUpdate, note::UpdateKSum, note::KeysetContentChange}) {
-        m_observations.push_back(center.addObserver(
-            name, nullptr, [this](const corvane::Notification&) { updateStatus(); }));
-    }
+    center.observeEach<note::SelectedLayerChange, note::RemoteLayerChange,
+                       note::SelectedKeysetChange>(m_observations, nullptr, [this] {
+        updateLayerSelector();
+        updateStatus();
+    });
+    center.observeEach<note::SelectionChange, note::RemoteSelectionChange,
+                       note::DisplaySelectionChange, note::RemoteDisplaySelectionChange,
+                       note::UserNameChange, note::InspUpdate, note::UpdateKSum>(
+        m_observations, nullptr, [this] { updateStatus(); });
     updateLayerSelector();
     updateConnection();
 }

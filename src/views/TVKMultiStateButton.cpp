@@ -17,8 +17,6 @@
 #include <typeinfo>
 
 namespace note = corvane::note;
-namespace info = corvane::info;
-using corvane::Notification;
 using corvane::NotificationCenter;
 using corvane::PlistValue;
 
@@ -62,15 +60,12 @@ void TVKMultiStateButtonCell::setImageCount(qint64 numImages, const TVKImageList
 void TVKMultiStateButtonCell::startObserving()
 {
     NotificationCenter& center = NotificationCenter::defaultCenter();
-    m_observations.push_back(
-        center.addObserver(note::SelectedGroupChange, nullptr,
-                           [this](const Notification& n) { handleSelectedGroupChange(n); }));
-    m_observations.push_back(
-        center.addObserver(note::RemoteSelectionChange, nullptr,
-                           [this](const Notification& n) { handleRemoteSelectionChange(n); }));
-    m_observations.push_back(
-        center.addObserver(note::DisplaySelectionChange, nullptr,
-                           [this](const Notification& n) { handleDisplayChange(n); }));
+    center.observeEach<note::SelectedGroupChange>(m_observations, nullptr,
+                                                  [this] { handleSelectedGroupChange(); });
+    center.observeEach<note::RemoteSelectionChange>(m_observations, nullptr,
+                                                    [this] { handleRemoteSelectionChange(); });
+    center.observeEach<note::DisplaySelectionChange>(m_observations, nullptr,
+                                                     [this] { handleDisplayChange(); });
 }
 
 void TVKMultiStateButtonCell::setState(int state)
@@ -111,7 +106,7 @@ void TVKMultiStateButtonCell::stopTracking(QPointF point, bool mouseIsUp)
     setState(m_imageIndex != 0 ? 1 : 0);
 }
 
-void TVKMultiStateButtonCell::handleSelectedGroupChange(const Notification&)
+void TVKMultiStateButtonCell::handleSelectedGroupChange()
 {
     const TVKController* controller = TVKController::c();
     if (controller && controller->selectedGroup() != m_tag)
@@ -134,7 +129,7 @@ void TVKMultiStateButtonCell::remoteSelectionChange()
     setState(1);
 }
 
-void TVKMultiStateButtonCell::handleRemoteSelectionChange(const Notification&)
+void TVKMultiStateButtonCell::handleRemoteSelectionChange()
 {
     try {
         remoteSelectionChange();
@@ -145,7 +140,7 @@ void TVKMultiStateButtonCell::handleRemoteSelectionChange(const Notification&)
     }
 }
 
-void TVKMultiStateButtonCell::handleDisplayChange(const Notification&)
+void TVKMultiStateButtonCell::handleDisplayChange()
 {
     setState(0);
 }
@@ -186,8 +181,8 @@ void TVKMultiStateButton::awakeFromNib()
     setTag(description.value(u"ControlTag").toInteger());
     m_cell->setImageCount(m_numImages, &m_images, &m_hitTestPaths);
     m_cell->startObserving();
-    m_observations.push_back(NotificationCenter::defaultCenter().addObserver(
-        note::HdwStyChg, nullptr, [this](const Notification&) { hardwareStyleChanged(); }));
+    NotificationCenter::defaultCenter().observeEach<note::HdwStyChg>(
+        m_observations, nullptr, [this] { hardwareStyleChanged(); });
     hardwareStyleChanged();
 }
 
@@ -523,12 +518,10 @@ void TrackballRingControl::awakeFromNib()
     m_cell->setImageCount(m_numImages, &m_images, &m_hitTestPaths);
     m_cell->startObserving();
     NotificationCenter& center = NotificationCenter::defaultCenter();
-    m_observations.push_back(center.addObserver(
-        note::DispColorChange, nullptr, [this](const Notification& n) { handleColorChange(n); }));
-    for (const QString& name : {note::SelectedLayerChange, note::SelectedKeysetChange}) {
-        m_observations.push_back(center.addObserver(
-            name, nullptr, [this](const Notification& n) { handleLayerChange(n); }));
-    }
+    m_observations.push_back(center.observe<note::DispColorChange>(
+        nullptr, [this](const note::DispColorChange& n) { handleColorChange(n); }));
+    center.observeEach<note::SelectedLayerChange, note::SelectedKeysetChange>(
+        m_observations, nullptr, [this] { handleLayerChange(); });
 }
 
 void TrackballRingControl::setColor(qint64 color)
@@ -544,13 +537,13 @@ void TrackballRingControl::setColor(qint64 color)
     update();
 }
 
-void TrackballRingControl::handleColorChange(const Notification& n)
+void TrackballRingControl::handleColorChange(const note::DispColorChange& n)
 {
-    if (n.userInfo.value(info::GroupID).toLongLong() == groupID())
-        setColor(n.userInfo.value(info::Color).toLongLong());
+    if (n.groupID == groupID())
+        setColor(n.color);
 }
 
-void TrackballRingControl::handleLayerChange(const Notification&)
+void TrackballRingControl::handleLayerChange()
 {
     const TVKController* controller = TVKController::c();
     const TVKModelData* model = TVKModelData::defaultModelData();
@@ -576,8 +569,8 @@ void CorvaneTrackballRingControl::awakeFromNib()
     m_whiteImages = namesFrom(lists.at(4));
     m_imageList.resize(5);
     m_imageList[4] = m_whiteImages;
-    m_observations.push_back(NotificationCenter::defaultCenter().addObserver(
-        note::HdwStyChg, nullptr, [this](const Notification&) { hardwareStyleChanged(); }));
+    NotificationCenter::defaultCenter().observeEach<note::HdwStyChg>(
+        m_observations, nullptr, [this] { hardwareStyleChanged(); });
     hardwareStyleChanged();
 }
 

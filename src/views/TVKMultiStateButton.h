@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/NotificationCenter.h"
+#include "core/Notifications.h"
 #include "core/PlistValue.h"
 
 #include <QAbstractButton>
@@ -30,9 +31,9 @@ public:
     void startObserving();
     void startTrackingAt(QPointF point);
     void stopTracking(QPointF point, bool mouseIsUp);
-    void handleSelectedGroupChange(const corvane::Notification& note);
-    void handleRemoteSelectionChange(const corvane::Notification& note);
-    void handleDisplayChange(const corvane::Notification& note);
+    void handleSelectedGroupChange();
+    void handleRemoteSelectionChange();
+    void handleDisplayChange();
 
     quint64 imageIndex() const { return m_imageIndex; }
     void setImageIndex(quint64 index) { m_imageIndex = index; }
@@ -205,8 +206,8 @@ public:
 
     void awakeFromNib() override;
     void setColor(qint64 color);
-    void handleColorChange(const corvane::Notification& note);
-    void handleLayerChange(const corvane::Notification& note);
+    void handleColorChange(const corvane::note::DispColorChange& notice);
+    void handleLayerChange();
     int groupID() const;
     int trackballNumber() const { return m_trackballNumber; }
     qint64 color() const { return m_color; }

@@ -210,7 +210,7 @@ TEST_F(BuiltInEditorTest, ListAndTitleForTheSelectedKeyset)
     EXPECT_EQ(editor.usageWord(), QStringLiteral("button"));
     EXPECT_EQ(editor.title(), QStringLiteral("No Built In Commands available for Default"));
     model->setSelectedKeysetIndex(1);
-    NotificationCenter::defaultCenter().post(corvane::note::SelectedKeysetChange);
+    NotificationCenter::defaultCenter().post(corvane::note::SelectedKeysetChange{});
     EXPECT_EQ(redraws, 1);
     EXPECT_EQ(editor.title(), QStringLiteral("Built In Commands for Editor:"));
     ASSERT_EQ(editor.groups().size(), 2u);

@@ -158,14 +158,11 @@ TEST(KeySequenceEditor, LockedKeysetIgnoresKeys)
     KeySequenceEditor editor(container, TVKButtonKeySequenceAction::kActionType);
     int redraws = 0;
     editor.setStateChangedHandler([&] { ++redraws; });
-    QVariantMap lock;
-    lock.insert(corvane::info::Lock, true);
-    NotificationCenter::defaultCenter().post(corvane::note::LockStateChange, nullptr, lock);
+    NotificationCenter::defaultCenter().post(corvane::note::LockStateChange{true});
     EXPECT_EQ(redraws, 1) << "the widget hears of the lock from the editor";
     editor.keystrokeEntry(QStringLiteral("a"), 30, 0);
     EXPECT_TRUE(container.isEmpty());
-    lock.insert(corvane::info::Lock, false);
-    NotificationCenter::defaultCenter().post(corvane::note::LockStateChange, nullptr, lock);
+    NotificationCenter::defaultCenter().post(corvane::note::LockStateChange{false});
     editor.keystrokeEntry(QStringLiteral("a"), 30, 0);
     EXPECT_FALSE(container.isEmpty());
 }
@@ -392,8 +389,8 @@ TEST_F(MouseEditorTest, CaptureComputesEachLocationType)
     editor.selectOperation(1);
     editor.selectLocationType(1);
     int started = 0;
-    auto watch = NotificationCenter::defaultCenter().addObserver(
-        corvane::note::StartCapture, &editor, [&](const Notification&) { ++started; });
+    auto watch = NotificationCenter::defaultCenter().observe<corvane::note::StartCapture>(
+        &editor, [&](const corvane::note::StartCapture&) { ++started; });
     editor.startCapture();
     EXPECT_EQ(started, 1);
     EXPECT_TRUE(editor.progressRunning());
@@ -402,7 +399,7 @@ TEST_F(MouseEditorTest, CaptureComputesEachLocationType)
     pointer.pointer = QPointF(220, 1080 - 245);
     int redraws = 0;
     editor.setStateChangedHandler([&] { ++redraws; });
-    NotificationCenter::defaultCenter().post(corvane::note::EndCapture);
+    NotificationCenter::defaultCenter().post(corvane::note::EndCapture{});
     EXPECT_EQ(redraws, 1);
     EXPECT_EQ(pointer.askedAt, QPointF(220, 245));
     auto* action = held<TVKMouseAction>(container);
@@ -617,7 +614,7 @@ TEST_F(EmulationEditorTest, JogSpeedFollowsModeC)
     EXPECT_FALSE(c.modeCContainerVisible);
 
     setMode(3);
-    NotificationCenter::defaultCenter().post(corvane::note::EmulChg);
+    NotificationCenter::defaultCenter().post(corvane::note::EmulChg{});
     EXPECT_TRUE(c.modeCContainerVisible);
     EXPECT_EQ(c.speedSlider, 1) << "the slider shows the held action's speed in mode C";
     c.speedSlider = 6;
@@ -629,7 +626,7 @@ TEST_F(EmulationEditorTest, JogSpeedFollowsModeC)
 
     // Locking or unlocking the keyset shows the action again.
     setMode(0);
-    NotificationCenter::defaultCenter().post(corvane::note::LockStateChange);
+    NotificationCenter::defaultCenter().post(corvane::note::LockStateChange{});
     EXPECT_FALSE(c.modeCContainerVisible);
     EXPECT_EQ(redraws, 5) << "three operations asked for, two notifications";
 }

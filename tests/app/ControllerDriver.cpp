@@ -21,9 +21,11 @@ void reply(const QString& line)
     std::fflush(stdout);
 }
 
-void post(const QString& name, const QVariantMap& userInfo)
+// Posts an edit as the inspector does.
+template <class Edit>
+void post(const Edit& edit)
 {
-    corvane::NotificationCenter::defaultCenter().post(name, nullptr, userInfo);
+    corvane::NotificationCenter::defaultCenter().post(edit);
 }
 
 } // namespace
@@ -77,15 +79,13 @@ int main(int argc, char** argv)
             } else if (command == QLatin1String("keyset")) {
                 controller.setSelectedKeyset(arg(1));
             } else if (command == QLatin1String("latch")) {
-                post(note::LatchChange,
-                     {{info::BOOL, arg(1) != 0}, {info::CopyToLayers, arg(2) != 0}});
+                post(note::LatchChange{arg(1) != 0, arg(2) != 0});
             } else if (command == QLatin1String("color")) {
-                post(note::ColorChange, {{info::Color, arg(1)}, {info::CopyToLayers, arg(2) != 0}});
+                post(note::ColorChange{arg(1), arg(2) != 0});
             } else if (command == QLatin1String("name")) {
-                post(note::UserNameChange,
-                     {{info::String, words.value(1)}, {info::CopyToLayers, false}});
+                post(note::UserNameChange{words.value(1), false});
             } else if (command == QLatin1String("delete-action")) {
-                post(note::DeleteAction, {{info::CopyToLayers, arg(1) != 0}});
+                post(note::DeleteAction{arg(1) != 0});
             } else if (command == QLatin1String("set-all")) {
                 controller.handleSetAllMenuItems(arg(1));
             } else if (command == QLatin1String("emulation")) {

@@ -1,4 +1,5 @@
 #include "ControllerFixture.h"
+#include "NoticeRecorder.h"
 #include "actions/TVKMIDIAction.h"
 #include "actions/TVKNULLAction.h"
 #include "core/Notifications.h"
@@ -51,9 +52,11 @@ protected:
         return controller->modelData()->controlForKeyset(0, layer, at.first, at.second);
     }
 
-    void post(const QString& name, const QVariantMap& userInfo)
+    // Posts an edit as the inspector does.
+    template <class Edit>
+    void post(const Edit& edit)
     {
-        NotificationCenter::defaultCenter().post(name, nullptr, userInfo);
+        NotificationCenter::defaultCenter().post(edit);
     }
 };
 
@@ -65,9 +68,9 @@ TEST_F(EditTest, LatchOnOneLayerAndOnAllLayersIsOneUndoStepEach)
     select(button);
     control(2, button)->setLatched(true);
     const qsizetype from = mark();
-    post(note::LatchChange, {{info::BOOL, true}, {info::CopyToLayers, false}});
+    post(note::LatchChange{true, false});
     EXPECT_TRUE(control(0, button)->latched());
-    post(note::LatchChange, {{info::BOOL, false}, {info::CopyToLayers, true}});
+    post(note::LatchChange{false, true});
     for (int layer = 0; layer < 4; ++layer)
         EXPECT_FALSE(control(layer, button)->latched());
     EXPECT_EQ(controller->undoManager().undoActionName(), QStringLiteral("Change Latch Style"));
@@ -94,30 +97,29 @@ TEST_F(EditTest, ColoursSkipControlsWithoutOneButStillRegisterAStep)
     const auto plain = find([](TVKControl* c) {
         return c->tvkControlType() == 0 && !dynamic_cast<TVKMultiColorButtonControl*>(c);
     });
-    std::vector<Notification> shown;
-    NotificationCenter::Observation watch = NotificationCenter::defaultCenter().addObserver(
-        note::DispColorChange, nullptr, [&](const Notification& n) { shown.push_back(n); });
+    NoticeRecorder<note::DispColorChange> shownColours;
+    const auto& shown = shownColours.posted;
 
     select(lit);
     qsizetype from = mark();
-    post(note::ColorChange, {{info::Color, 42}, {info::CopyToLayers, true}});
-    post(note::OffColorChange, {{info::OffColor, 5}, {info::CopyToLayers, false}});
+    post(note::ColorChange{42, true});
+    post(note::OffColorChange{5, false});
     for (int layer = 0; layer < 4; ++layer)
         EXPECT_EQ(dynamic_cast<TVKMultiColorButtonControl*>(control(layer, lit))->onColor(), 42);
     EXPECT_EQ(dynamic_cast<TVKMultiColorButtonControl*>(control(0, lit))->offColor(), 5);
     ASSERT_TRUE(waitForCount(QStringLiteral("ChCo"), 4, from));
     ASSERT_TRUE(waitForCount(QStringLiteral("COfC"), 1, from));
     ASSERT_EQ(shown.size(), 1u);
-    EXPECT_EQ(shown[0].userInfo.value(info::Color).toLongLong(), 42);
+    EXPECT_EQ(shown[0].color, 42);
 
     select(plain);
     from = mark();
     const int steps = controller->undoManager().stack().count();
-    post(note::ColorChange, {{info::Color, 9}, {info::CopyToLayers, true}});
+    post(note::ColorChange{9, true});
     EXPECT_EQ(controller->undoManager().stack().count(), steps + 1);
     EXPECT_EQ(controller->undoManager().undoActionName(), QStringLiteral("Change Color"));
     ASSERT_EQ(shown.size(), 2u);
-    EXPECT_EQ(shown[1].userInfo.value(info::Color).toLongLong(), 0);
+    EXPECT_EQ(shown[1].color, 0);
     spinFor(50);
     EXPECT_TRUE(received(QStringLiteral("ChCo"), from).empty());
     controller->undoManager().undo();
@@ -136,15 +138,14 @@ TEST_F(EditTest, ActionsAreInsertedAndDeletedOnOneOrAllLayersAndUndone)
     select(button);
     TVKButtonMIDIAction edited(control(0, button));
     views.editedAction = &edited;
-    std::vector<Notification> remote;
-    NotificationCenter::Observation watch = NotificationCenter::defaultCenter().addObserver(
-        note::RemoteSelectionChange, nullptr, [&](const Notification& n) { remote.push_back(n); });
+    NoticeRecorder<note::RemoteSelectionChange> remoteSelection;
+    const auto& remote = remoteSelection.posted;
 
     qsizetype from = mark();
-    post(note::InsertEditedAction, {{info::CopyToLayers, false}});
+    post(note::InsertEditedAction{false});
     ASSERT_FALSE(remote.empty());
-    EXPECT_FALSE(remote.back().userInfo.value(info::BOOL).toBool()) << "edited where selected";
-    post(note::InsertEditedAction, {{info::CopyToLayers, true}});
+    EXPECT_FALSE(remote.back().visibleEditorUpdate) << "edited where selected";
+    post(note::InsertEditedAction{true});
     for (int layer = 0; layer < 4; ++layer) {
         ASSERT_NE(control(layer, button)->action(), nullptr);
         EXPECT_EQ(control(layer, button)->action()->actionType(), edited.actionType());
@@ -153,7 +154,7 @@ TEST_F(EditTest, ActionsAreInsertedAndDeletedOnOneOrAllLayersAndUndone)
     EXPECT_EQ(controller->undoManager().undoActionName(), QStringLiteral("Edit Control Action"));
     ASSERT_TRUE(waitForCount(QStringLiteral("InAc"), 5, from));
     // Copied, the edited control is the last layer's, which is not the selected one.
-    EXPECT_TRUE(remote.back().userInfo.value(info::BOOL).toBool());
+    EXPECT_TRUE(remote.back().visibleEditorUpdate);
     EXPECT_TRUE(serviceInStep());
 
     // Undo with another control selected moves the selection and the highlight back.
@@ -162,18 +163,18 @@ TEST_F(EditTest, ActionsAreInsertedAndDeletedOnOneOrAllLayersAndUndone)
     controller->undoManager().undo();
     EXPECT_EQ(controller->modelDataGroupIndex(), button.first);
     EXPECT_EQ(controller->modelDataControlIndex(), button.second);
-    EXPECT_TRUE(remote.back().userInfo.value(info::BOOL).toBool());
+    EXPECT_TRUE(remote.back().visibleEditorUpdate);
     ASSERT_TRUE(waitForCount(QStringLiteral("TCtl"), 2, from));
     EXPECT_TRUE(serviceInStep());
     controller->undoManager().redo();
     EXPECT_TRUE(serviceInStep());
 
     from = mark();
-    post(note::DeleteAction, {{info::CopyToLayers, false}});
+    post(note::DeleteAction{false});
     EXPECT_EQ(control(0, button)->action(), nullptr);
     EXPECT_NE(control(1, button)->action(), nullptr);
     EXPECT_EQ(controller->undoManager().undoActionName(), QStringLiteral("Delete Control Action"));
-    EXPECT_TRUE(remote.back().userInfo.value(info::BOOL).toBool()) << "stored as none";
+    EXPECT_TRUE(remote.back().visibleEditorUpdate) << "stored as none";
     ASSERT_TRUE(waitForCount(QStringLiteral("InAc"), 1, from));
     EXPECT_TRUE(serviceInStep());
     controller->undoManager().undo();
@@ -189,7 +190,7 @@ TEST_F(EditTest, DisplayActionsAndTheUndoableOnesOfNone)
     const TVKAction* before = display->action();
     const std::unique_ptr<TVKAction> kept = before ? before->copyWithZone() : nullptr;
     qsizetype from = mark();
-    post(note::DeleteDisplayAction, {});
+    post(note::DeleteDisplayAction{});
     EXPECT_EQ(display->action(), nullptr);
     EXPECT_EQ(controller->undoManager().undoActionName(),
               QStringLiteral("Delete Display Function"));
@@ -204,8 +205,7 @@ TEST_F(EditTest, DisplayActionsAndTheUndoableOnesOfNone)
     select(button);
     const int steps = controller->undoManager().stack().count();
     from = mark();
-    post(note::UserNameChange,
-         {{info::String, QStringLiteral("Punch In")}, {info::CopyToLayers, true}});
+    post(note::UserNameChange{QStringLiteral("Punch In"), true});
     EXPECT_EQ(control(3, button)->userName(), QStringLiteral("Punch In"));
     EXPECT_EQ(controller->undoManager().stack().count(), steps);
     ASSERT_TRUE(waitForCount(QStringLiteral("ChUN"), 1, from));
@@ -219,15 +219,15 @@ TEST_F(EditTest, SensitivitiesChangeOnlyControlsThatHaveThem)
     const auto button = find([](TVKControl* c) { return c->tvkControlType() == 0; });
     select(jog);
     qsizetype from = mark();
-    post(note::JogSensChange, {{info::JogSens, 7}, {info::CopyToLayers, true}});
+    post(note::JogSensChange{7, true});
     ASSERT_TRUE(waitForCount(QStringLiteral("ChJS"), 4, from));
     EXPECT_EQ(dynamic_cast<TVKJogControl*>(control(3, jog))->sensitivity(), 7);
 
     // These surfaces have no joystick: its sensitivity changes nothing and sends nothing.
     select(button);
     from = mark();
-    post(note::JoySensChange, {{QStringLiteral("TVKJoySens"), 3}, {info::CopyToLayers, true}});
-    post(note::BrightnessChange, {{info::Brightness, 2}, {info::CopyToLayers, false}});
+    post(note::JoySensChange{3, true});
+    post(note::BrightnessChange{2, false});
     spinFor(100);
     EXPECT_TRUE(received(QStringLiteral("ChJy"), from).empty());
     EXPECT_TRUE(received(QStringLiteral("ChBr"), from).empty());

@@ -62,8 +62,10 @@ TEST_F(ControllerTest, PreferenceSheetValidatesCollectsAndSendsEverything)
     views.visible.insert(TVKWindow::TLW);
     const qsizetype from = mark();
     int styleChanges = 0;
-    NotificationCenter::Observation watch = NotificationCenter::defaultCenter().addObserver(
-        QStringLiteral("TVKHdwStyChg"), nullptr, [&](const Notification&) { ++styleChanges; });
+    NotificationCenter::Observation watch =
+        NotificationCenter::defaultCenter().observeAll(nullptr, [&](const Notification& n) {
+            styleChanges += n.name == QLatin1StringView("TVKHdwStyChg");
+        });
     c.okPrefsWindow();
     EXPECT_EQ(views.ended, std::vector<TVKSheet>{TVKSheet::Preferences});
     EXPECT_EQ(c.ipAddress(), QStringLiteral("192.168.7.20"));

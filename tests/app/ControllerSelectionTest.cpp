@@ -1,4 +1,5 @@
 #include "ControllerFixture.h"
+#include "NoticeRecorder.h"
 #include "core/Notifications.h"
 #include "model/TVKControl.h"
 #include "model/TVKModelData.h"
@@ -21,23 +22,13 @@ std::vector<qint64> words(const QJsonObject& line)
     return out;
 }
 
-struct Recorder
-{
-    explicit Recorder(const QString& name)
-        : observation(NotificationCenter::defaultCenter().addObserver(
-              name, nullptr, [this](const Notification& n) { posted.push_back(n); }))
-    {}
-    std::vector<Notification> posted;
-    NotificationCenter::Observation observation;
-};
-
 } // namespace
 
 TEST_F(ControllerTest, TouchOnTheSurfaceMovesTheSelectionAndTheHighlight)
 {
     ASSERT_TRUE(startService());
     CorvaneController& c = startController();
-    Recorder remote(note::RemoteSelectionChange);
+    NoticeRecorder<note::RemoteSelectionChange> remote;
 
     // A release, and a touch of what is already selected, change and send nothing.
     qsizetype from = mark();
@@ -60,9 +51,8 @@ TEST_F(ControllerTest, TouchOnTheSurfaceMovesTheSelectionAndTheHighlight)
     EXPECT_EQ(words(echoes[0]), (std::vector<qint64>{0, 0, 0, 0}));
     EXPECT_EQ(words(echoes[1]), (std::vector<qint64>{1, 3, 0, 1}));
     ASSERT_EQ(remote.posted.size(), 1u);
-    EXPECT_TRUE(remote.posted[0].userInfo.value(info::BOOL).toBool());
-    EXPECT_EQ(remote.posted[0].userInfo.value(info::ControlObject).value<TVKControl*>(),
-              c.modelData()->controlForKeyset(0, 0, 1, 3));
+    EXPECT_TRUE(remote.posted[0].visibleEditorUpdate);
+    EXPECT_EQ(remote.posted[0].control, c.modelData()->controlForKeyset(0, 0, 1, 3));
     EXPECT_EQ(c.modelDataGroupIndex(), 1);
     EXPECT_EQ(c.modelDataControlIndex(), 3);
     int group = 0;
@@ -87,7 +77,7 @@ TEST_F(ControllerTest, CurrentControlFromTheServiceIsEchoedEvenWhenNothingChange
     ASSERT_TRUE(startService());
     CorvaneController& c = startController();
     c.modelData()->addKeysetWithName(QStringLiteral("Second"), fourCC("SeCo"));
-    Recorder keysetChange(note::SelectedKeysetChange);
+    NoticeRecorder<note::SelectedKeysetChange> keysetChange;
     for (int round = 0; round < 2; ++round) {
         const qsizetype from = mark();
         service->command(QStringLiteral("send CurC 1 2 1 3"));
@@ -117,7 +107,7 @@ TEST_F(ControllerTest, MessagesArrivingWhileARequestWaitsAreServedInOrder)
             return o.value(QStringLiteral("held")) == QStringLiteral("CnSt");
         },
         3000, from));
-    Recorder remote(note::RemoteSelectionChange);
+    NoticeRecorder<note::RemoteSelectionChange> remote;
     EXPECT_TRUE(c.checkConnection()) << "the reply says connected";
     EXPECT_EQ(remote.posted.size(), 1u);
     EXPECT_EQ(c.modelDataControlIndex(), 2);
@@ -131,8 +121,8 @@ TEST_F(ControllerTest, LayerAndDisplaySelection)
 {
     ASSERT_TRUE(startService());
     CorvaneController& c = startController();
-    Recorder layer(note::SelectedLayerChange);
-    Recorder display(note::DisplaySelectionChange);
+    NoticeRecorder<note::SelectedLayerChange> layer;
+    NoticeRecorder<note::DisplaySelectionChange> display;
     qsizetype from = mark();
     c.handleTVKLayerSelector(0);
     c.handleTVKLayerSelector(3);
@@ -143,7 +133,8 @@ TEST_F(ControllerTest, LayerAndDisplaySelection)
     c.handleTVKDisplay(0, 1);
     EXPECT_TRUE(c.displaySelected());
     ASSERT_EQ(display.posted.size(), 1u);
-    EXPECT_EQ(display.posted[0].userInfo.value(info::LayerIndex).toLongLong(), 3);
-    EXPECT_NE(display.posted[0].userInfo.value(info::ControlObject).value<TVKControl*>(), nullptr);
-    EXPECT_FALSE(display.posted[0].userInfo.contains(info::DisplayIndex));
+    EXPECT_EQ(display.posted[0].layerIndex, 3);
+    EXPECT_EQ(display.posted[0].groupID, 0);
+    EXPECT_EQ(display.posted[0].controlIndex, 1) << "the display's index";
+    EXPECT_EQ(display.posted[0].control, c.modelData()->displayForKeyset(0, 3, 0, 1));
 }

@@ -1,4 +1,5 @@
 #include "ModelFixture.h"
+#include "NoticeRecorder.h"
 #include "core/Log.h"
 #include "core/NotificationCenter.h"
 #include "core/Notifications.h"
@@ -359,10 +360,8 @@ TEST_F(NVGroupTest, MovingTheOnlyMemberOfAnEarlierGroupLandsInTheGroupBehind)
 
 TEST_F(NVGroupTest, AddingTheSelectedButtonTellsTheInspector)
 {
-    std::vector<corvane::Notification> seen;
-    auto observation = corvane::NotificationCenter::defaultCenter().addObserver(
-        corvane::note::InspUpdate, nullptr,
-        [&seen](const corvane::Notification& n) { seen.push_back(n); });
+    NoticeRecorder<corvane::note::InspUpdate> inspector;
+    const auto& seen = inspector.posted;
     m_layer->createCorvaneNVGroupNamed(QStringLiteral("A"));
     m_modelData->setSelectedGroupIndex(24);
     m_modelData->setSelectedControlIndex(17);
@@ -370,8 +369,8 @@ TEST_F(NVGroupTest, AddingTheSelectedButtonTellsTheInspector)
     EXPECT_TRUE(seen.empty());
     m_layer->addButtonID(17, 0);
     ASSERT_EQ(seen.size(), 1u);
-    EXPECT_EQ(seen[0].userInfo.value(corvane::info::ControlIndex).toInt(), 24);
-    EXPECT_EQ(seen[0].userInfo.value(corvane::info::GroupID).toInt(), 24);
+    EXPECT_EQ(seen[0].controlIndex, 24);
+    EXPECT_EQ(seen[0].groupID, 24);
 }
 
 TEST_F(NVGroupTest, GroupsAndAssignmentsSurviveTheArchive)

@@ -239,7 +239,7 @@ TEST_F(InspectorTest, MIDIMouseSpecialAndBuiltInEditors)
     // application is set behind the service's back, and put back before comparing.)
     const std::optional<QString> bundle = button->keyset()->bundleID();
     button->keyset()->setBundleID(QStringLiteral("org.audacityteam.Audacity"));
-    controller->notifyWithMessage(note::SelectedKeysetChange);
+    controller->notifyWithMessage(note::SelectedKeysetChange{});
     auto& builtIn = tab<TVKBuiltInActionEditorView>(inspector, "BILT");
     EXPECT_EQ(builtIn.titleLabel()->text(),
               QStringLiteral("Built In Commands for %1:").arg(button->keyset()->name()));

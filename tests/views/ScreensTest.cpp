@@ -183,7 +183,7 @@ TEST_F(ViewsTest, Screens)
     controller->modelData()->selectedKeyset()->setBundleID(
         QStringLiteral("org.audacityteam.Audacity"));
     controller->modelData()->selectedKeyset()->setName(QStringLiteral("Audacity"));
-    controller->notifyWithMessage(note::SelectedKeysetChange);
+    controller->notifyWithMessage(note::SelectedKeysetChange{});
     shoot(ControlType::Button, "BILT", QStringLiteral("builtin"));
     shoot(ControlType::Button, "SPEC", QStringLiteral("special"));
     shoot(ControlType::LCDDisplay, "TEXT", QStringLiteral("lcd-text"));

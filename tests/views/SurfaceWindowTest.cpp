@@ -148,7 +148,7 @@ TEST_F(ViewsTest, TheLayerSelectorAndTheLockFollowTheController)
 
     // A layer chosen on the surface moves the selector.
     controller->setSelectedLayer(1);
-    controller->notifyWithMessage(note::RemoteLayerChange);
+    controller->notifyWithMessage(note::RemoteLayerChange{});
     EXPECT_TRUE(main.layerButton(1)->isChecked());
 
     QTest::mouseClick(main.lockButton(), Qt::LeftButton);
@@ -183,7 +183,7 @@ TEST_F(ViewsTest, TheFinishChangesEveryPictureAndTheRingsWhiteForBlue)
     auto* trackball = dynamic_cast<TVK4WayControl*>(model->controlForKeyset(0, 0, 11, 0));
     ASSERT_NE(trackball, nullptr);
     trackball->setOnColor(2);
-    controller->notifyWithMessage(note::SelectedLayerChange);
+    controller->notifyWithMessage(note::SelectedLayerChange{});
     auto& ring = dynamic_cast<CorvaneTrackballRingControl&>(button(mainSurface(), kFirstRing));
     EXPECT_TRUE(ring.image().startsWith(QStringLiteral("TrackballRing_White_")));
     EXPECT_TRUE(ring.image().endsWith(QStringLiteral("_Mid")));
@@ -191,8 +191,8 @@ TEST_F(ViewsTest, TheFinishChangesEveryPictureAndTheRingsWhiteForBlue)
 
     int posted = 0;
     const NotificationCenter::Observation counting =
-        NotificationCenter::defaultCenter().addObserver(note::HdwStyChg, nullptr,
-                                                        [&](const Notification&) { ++posted; });
+        NotificationCenter::defaultCenter().observe<note::HdwStyChg>(
+            nullptr, [&](const note::HdwStyChg&) { ++posted; });
     model->setHardwareStyle(1);
     dynamic_cast<CorvaneController&>(*controller).setHardwareGraphics(1);
     EXPECT_EQ(posted, 1);

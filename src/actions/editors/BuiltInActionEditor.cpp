@@ -16,9 +16,10 @@ BuiltInActionEditor::BuiltInActionEditor(TVKActionContainer& container, qint32 a
       m_usage(usageWordForBuiltInType(actionType)), m_cataloguePath(cataloguePath)
 {
     loadForSelectedKeyset();
-    m_keysetChangeObservation = NotificationCenter::defaultCenter().addObserver(
-        corvane::note::SelectedKeysetChange, nullptr,
-        [this](const Notification&) { loadForSelectedKeyset(); });
+    m_keysetChangeObservation =
+        NotificationCenter::defaultCenter().observe<corvane::note::SelectedKeysetChange>(
+            nullptr,
+            [this](const corvane::note::SelectedKeysetChange&) { loadForSelectedKeyset(); });
 }
 
 void BuiltInActionEditor::loadForSelectedKeyset()

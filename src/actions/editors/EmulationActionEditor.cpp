@@ -41,11 +41,10 @@ EmulationActionEditor::EmulationActionEditor(TVKActionContainer& container, Kind
     // emulation mode or the keyset's lock changes.
     if (m_kind == Jog) {
         NotificationCenter& center = NotificationCenter::defaultCenter();
-        m_emulationChangeObservation = center.addObserver(
-            corvane::note::EmulChg, nullptr, [this](const Notification&) { updateForNewAction(); });
-        m_lockObservation =
-            center.addObserver(corvane::note::LockStateChange, nullptr,
-                               [this](const Notification&) { updateForNewAction(); });
+        m_emulationChangeObservation = center.observe<corvane::note::EmulChg>(
+            nullptr, [this](const corvane::note::EmulChg&) { updateForNewAction(); });
+        m_lockObservation = center.observe<corvane::note::LockStateChange>(
+            nullptr, [this](const corvane::note::LockStateChange&) { updateForNewAction(); });
     }
 }
 

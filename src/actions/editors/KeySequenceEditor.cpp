@@ -22,10 +22,10 @@ unsigned tagsFromModifiers(quint64 modifiers)
 KeySequenceEditor::KeySequenceEditor(TVKActionContainer& container, qint32 actionType)
     : m_container(container), m_actionType(actionType)
 {
-    m_lockObservation = NotificationCenter::defaultCenter().addObserver(
-        corvane::note::LockStateChange, nullptr, [this](const Notification& note) {
+    m_lockObservation = NotificationCenter::defaultCenter().observe<corvane::note::LockStateChange>(
+        nullptr, [this](const corvane::note::LockStateChange& lock) {
             const StateChange change(*this);
-            m_locked = note.userInfo.value(corvane::info::Lock).toBool();
+            m_locked = lock.locked;
         });
 }
 

@@ -31,8 +31,9 @@ MouseActionEditor::MouseActionEditor(TVKActionContainer& container, qint32 actio
                                      const PointerEnvironment& environment)
     : m_container(container), m_actionType(actionType), m_environment(environment)
 {
-    m_endCaptureObservation = NotificationCenter::defaultCenter().addObserver(
-        corvane::note::EndCapture, nullptr, [this](const Notification&) { endCapture(); });
+    m_endCaptureObservation =
+        NotificationCenter::defaultCenter().observe<corvane::note::EndCapture>(
+            nullptr, [this](const corvane::note::EndCapture&) { endCapture(); });
 }
 
 void MouseActionEditor::setParameterChangedHandler(std::function<void()> handler)
@@ -135,7 +136,7 @@ void MouseActionEditor::startCapture()
     m_captureButtonVisible = false;
     m_captureText = kReadyText;
     m_progressRunning = true;
-    NotificationCenter::defaultCenter().post(corvane::note::StartCapture, this);
+    NotificationCenter::defaultCenter().post(corvane::note::StartCapture{}, this);
 }
 
 QPointF MouseActionEditor::locationForPointer(unsigned locationType, QPointF pointer,
