@@ -228,6 +228,10 @@ public:
                              qint64 control, bool copyToAllLayers);
     void undoableSetDisplayUserName(const QString& name, qint64 keyset, qint64 layer, qint64 group,
                                     qint64 display, bool copyToAllLayers);
+    // A name given as part of a larger gesture (a built-in command names its control): undone
+    // with the rest of that gesture's step. One name per affected layer.
+    void recordedSetUserNames(const std::vector<QString>& names, qint64 keyset, qint64 layer,
+                              qint64 group, qint64 control, bool copyToAllLayers);
     void undoableSetLatchStyle(const std::vector<bool>& latched, qint64 keyset, qint64 layer,
                                qint64 group, qint64 control, bool copyToAllLayers);
     void undoableSetOnColor(const std::vector<qint64>& colors, qint64 keyset, qint64 layer,

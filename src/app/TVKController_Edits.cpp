@@ -91,6 +91,16 @@ void TVKController::handleUserNameChange(const note::UserNameChange& n)
 {
     if (!m_modelData)
         return;
+    // Typed on its own a name is not undoable; given inside a gesture the user undoes as one, it
+    // goes back with the rest of it.
+    if (m_undoManager.isGrouping()) {
+        recordedSetUserNames(repeated(n.userName, n.copyToLayers,
+                                      m_constantServer ? m_constantServer->numLayers() : 0),
+                             m_modelData->selectedKeysetIndex(), m_modelData->selectedLayerIndex(),
+                             m_modelData->selectedGroupIndex(), m_modelData->selectedControlIndex(),
+                             n.copyToLayers);
+        return;
+    }
     undoableSetUserName(n.userName, m_modelData->selectedKeysetIndex(),
                         m_modelData->selectedLayerIndex(), m_modelData->selectedGroupIndex(),
                         m_modelData->selectedControlIndex(), n.copyToLayers);
@@ -205,6 +215,34 @@ void TVKController::undoableSetUserName(const QString& name, qint64 keyset, qint
         m_messenger->updateProperty(Property::UserNameProperty, int(keyset), int(layer), int(group),
                                     int(control));
     notifyOfControlUserNameChange(visited.empty() ? nullptr : visited.back());
+}
+
+void TVKController::recordedSetUserNames(const std::vector<QString>& names, qint64 keyset,
+                                         qint64 layer, qint64 group, qint64 control,
+                                         bool copyToAllLayers)
+{
+    std::vector<QString> old;
+    TVKControl* last = nullptr;
+    forEachAffectedControl(keyset, layer, group, control, copyToAllLayers,
+                           [&](size_t i, qint64, TVKControl* target) {
+                               old.push_back(target ? target->userName() : QString());
+                               if (!target || i >= names.size())
+                                   return;
+                               target->setUserName(names[i]);
+                               last = target;
+                           });
+    m_undoManager.registerUndo(
+        [this, old, keyset, layer, group, control, copyToAllLayers] {
+            recordedSetUserNames(old, keyset, layer, group, control, copyToAllLayers);
+        },
+        tr("Change Name"));
+    if (m_messenger)
+        m_messenger->updateProperty(Property::UserNameProperty, int(keyset), int(layer), int(group),
+                                    int(control));
+    notifyOfControlUserNameChange(last);
+    // The inspector shows the name again when the step is undone or redone.
+    if (last)
+        notifyOfControlPropertyChange(last);
 }
 
 void TVKController::undoableSetDisplayUserName(const QString& name, qint64 keyset, qint64 layer,

@@ -160,8 +160,9 @@ void CorvaneViews::saveWindowState()
     PlistValue frames = m_controller.defaults().objectForKey(kWindowFramesKey);
     if (!frames.isDict())
         frames = PlistValue::makeDict();
-    for (QWidget* w :
-         std::initializer_list<QWidget*>{m_main, m_tl, m_tlw, m_tlw2, m_nv, m_dz, m_summary}) {
+    QWidget* inspector = m_inspector ? m_inspector->panel() : nullptr;
+    for (QWidget* w : std::initializer_list<QWidget*>{m_main, m_tl, m_tlw, m_tlw2, m_nv, m_dz,
+                                                      m_summary, inspector}) {
         if (w)
             frames.insert(windowName(w), PlistValue(w->saveGeometry()));
     }

@@ -14,9 +14,21 @@
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"
 #include "model/TVKModelData.h"
-#include "views/TVKDisplayEditors.h"
 #include "views/TVKEditorView.h"
 #include "views/cpkr_ColorPicker.h"
+#include "views/editors/TVKBuiltInActionEditorView.h"
+#include "views/editors/TVKControlNamesEditorView.h"
+#include "views/editors/TVKDisplayEmulationEditorView.h"
+#include "views/editors/TVKDisplayPreview.h"
+#include "views/editors/TVKDisplayTextEditorView.h"
+#include "views/editors/TVKEmulationActionEditorView.h"
+#include "views/editors/TVKHiResTextEditorView.h"
+#include "views/editors/TVKIconEditorView.h"
+#include "views/editors/TVKKeySequenceActionEditorView.h"
+#include "views/editors/TVKMIDIActionEditorView.h"
+#include "views/editors/TVKMouseActionEditorView.h"
+#include "views/editors/TVKSpecialActionEditorView.h"
+#include "views/editors/TVKStatusLineEditorView.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -222,56 +234,49 @@ void InspectorController::awakeFromNib()
     bottomRow->addWidget(m_deleteActionButton);
     column->addWidget(bottom);
 
-    m_buttonEditor = makeEditor(corvane::ControlType::Button);
-    m_encoderEditor = makeEditor(corvane::ControlType::Encoder);
-    m_fourWayEditor = makeEditor(corvane::ControlType::FourWay);
-    m_shuttleEditor = makeEditor(corvane::ControlType::Shuttle);
-    m_jogEditor = makeEditor(corvane::ControlType::Jog);
-    m_lcdDisplayEditor = makeEditor(corvane::ControlType::LCDDisplay);
-    m_tcDisplayEditor = makeEditor(corvane::ControlType::TimecodeDisplay);
-    m_faderEditor = makeEditor(corvane::ControlType::Fader);
-    m_joystickEditor = makeEditor(corvane::ControlType::Joystick);
-    m_multiColorButtonEditor = makeEditor(corvane::ControlType::MultiColorButton);
-    m_lcdButtonDisplayEditor = makeEditor(corvane::ControlType::LCDButtonDisplay);
-    m_corvaneNVLCDDisplayEditor = makeEditor(corvane::ControlType::NVLCDDisplay);
-    // The DZ's display editor is kept ready but has no control type of its own.
-    m_dzDisplayEditor = makeEditor(corvane::ControlType::LCDDisplay);
-
-    m_editorList = {m_buttonEditor,
-                    m_encoderEditor,
-                    m_fourWayEditor,
-                    m_shuttleEditor,
-                    m_jogEditor,
-                    m_lcdDisplayEditor,
-                    m_tcDisplayEditor,
-                    m_faderEditor,
-                    m_joystickEditor,
-                    m_multiColorButtonEditor,
-                    m_lcdButtonDisplayEditor,
-                    m_corvaneNVLCDDisplayEditor,
-                    m_buttonEditor};
-    m_buttonEditor->setID(QStringLiteral("BTN"));
-    m_encoderEditor->setID(QStringLiteral("ENC"));
-    m_fourWayEditor->setID(QStringLiteral("4WY"));
-    m_shuttleEditor->setID(QStringLiteral("STL"));
-    m_jogEditor->setID(QStringLiteral("JOG"));
-    m_lcdDisplayEditor->setID(QStringLiteral("LCD"));
-    m_tcDisplayEditor->setID(QStringLiteral("TC"));
-    m_faderEditor->setID(QStringLiteral("FAD"));
-    m_joystickEditor->setID(QStringLiteral("JOY"));
-    m_multiColorButtonEditor->setID(QStringLiteral("MCB"));
-    m_lcdButtonDisplayEditor->setID(QStringLiteral("LCB"));
-    // The NV display editor gets no identifier: the button display's is given again.
-    m_lcdButtonDisplayEditor->setID(QStringLiteral("LCB"));
-    for (TVKEditorView* editor :
-         {m_buttonEditor, m_encoderEditor, m_fourWayEditor, m_shuttleEditor, m_jogEditor,
-          m_lcdDisplayEditor, m_tcDisplayEditor, m_faderEditor, m_joystickEditor,
-          m_multiColorButtonEditor, m_lcdButtonDisplayEditor, m_corvaneNVLCDDisplayEditor,
-          m_dzDisplayEditor}) {
-        editor->hide();
-        m_editorStack->addWidget(editor);
-        wireEditor(editor);
+    // The editor list, indexed by control type: the kind of control whose editor view stands
+    // there, and the identifier it is given. Type 12 shows the button's view again; the NV's
+    // display view gets no identifier of its own, the button display's being given again.
+    struct EditorRow
+    {
+        int builtFor;
+        const char* iD;
+    };
+    namespace T = corvane::ControlType;
+    static constexpr EditorRow kEditorTable[kEditorCount] = {{T::Button, "BTN"},
+                                                             {T::Encoder, "ENC"},
+                                                             {T::FourWay, "4WY"},
+                                                             {T::Shuttle, "STL"},
+                                                             {T::Jog, "JOG"},
+                                                             {T::LCDDisplay, "LCD"},
+                                                             {T::TimecodeDisplay, "TC"},
+                                                             {T::Fader, "FAD"},
+                                                             {T::Joystick, "JOY"},
+                                                             {T::MultiColorButton, "MCB"},
+                                                             {T::LCDButtonDisplay, "LCB"},
+                                                             {T::NVLCDDisplay, nullptr},
+                                                             {T::Button, nullptr}};
+    for (int type = 0; type < kEditorCount; ++type) {
+        const EditorRow& row = kEditorTable[type];
+        TVKEditorView* view = nullptr;
+        for (int earlier = 0; earlier < type && !view; ++earlier)
+            if (kEditorTable[earlier].builtFor == row.builtFor)
+                view = m_editorList[size_t(earlier)];
+        if (!view) {
+            view = makeEditor(row.builtFor);
+            if (row.iD)
+                view->setID(QString::fromLatin1(row.iD));
+            m_editorStack->addWidget(view);
+            wireEditor(view);
+        }
+        m_editorList[size_t(type)] = view;
     }
+    m_dzDisplayEditor = makeEditor(T::LCDDisplay);
+    m_editorStack->addWidget(m_dzDisplayEditor);
+    wireEditor(m_dzDisplayEditor);
+    for (TVKEditorView* editor : m_editorList)
+        editor->hide();
+    m_dzDisplayEditor->hide();
     m_editorStack->setCurrentWidget(m_placeholder);
 
     connect(m_userNameField, &QLineEdit::editingFinished, this,
@@ -425,7 +430,8 @@ TVKEditorView* InspectorController::makeEditor(int kind)
 
 void InspectorController::wireEditor(TVKEditorView* editor)
 {
-    editor->setTabGuard([this](corvane::FourCharCode identifier) { return tabView(identifier); });
+    editor->setTabGuard(
+        [this](corvane::FourCharCode identifier) { return tabRefusal(identifier); });
     if (QCheckBox* latch = editor->latchedCheckbox())
         connect(latch, &QCheckBox::clicked, this, &InspectorController::handleLatchStateChange);
     if (QButtonGroup* on = editor->onColorEditor())
@@ -522,6 +528,8 @@ void InspectorController::handleControlPropertyChange(TVKControl* control, bool 
 void InspectorController::handleEmulationModeChange()
 {
     updateActionDescriptorField();
+    if (TVKEditorView* editor = currentEditor())
+        editor->updateTabAvailability();
 }
 
 void InspectorController::setEditor(int type)
@@ -575,6 +583,8 @@ void InspectorController::updateControlEditor()
 void InspectorController::updateActionEditor()
 {
     TVKEditorView* editor = currentEditor();
+    if (editor)
+        editor->updateTabAvailability();
     if (editor && !m_editedAction.isEmpty() && m_editedAction.editorTabID() != 0)
         editor->selectActionEditorWithIdentifier(m_editedAction.editorTabID());
     updateActionDescriptorField();
@@ -703,6 +713,13 @@ void InspectorController::handleCopyToAllLayersChange()
     m_copyToAllLayers = m_allLayersCopyCheckbox->isChecked();
 }
 
+void InspectorController::actionParameterChangedNaming(const QString& name)
+{
+    const TVKUndoManager::Grouping gesture(m_controller.undoManager());
+    actionParameterChanged();
+    changeUserName(name);
+}
+
 void InspectorController::actionParameterChanged()
 {
     if (TVKAction* action = m_editedAction.action()) {
@@ -724,16 +741,25 @@ void InspectorController::actionParameterChanged()
 
 bool InspectorController::tabView(corvane::FourCharCode identifier) const
 {
+    return tabRefusal(identifier).isEmpty();
+}
+
+QString InspectorController::tabRefusal(corvane::FourCharCode identifier) const
+{
     if (identifier != corvane::fourCC("EMUL"))
-        return true;
+        return {};
     const TVKKeyset* keyset = m_theControl ? m_theControl->keyset() : nullptr;
     const uint mode = keyset ? keyset->emulationMode() : 0;
     if (mode == 0)
-        return false;
+        return tr("This keyset does not emulate a console, so there is nothing to emulate here. "
+                  "Choose Emulation Mode A, B or C for the keyset in the Surface menu.");
     if (mode != 3)
-        return true;
+        return {};
     const TVKModelData* model = TVKModelData::defaultModelData();
     const TVKControl* selected = model ? model->selectedControl() : nullptr;
-    return selected && (selected->tvkControlType() == corvane::ControlType::Jog ||
-                        selected->tvkControlType() == corvane::ControlType::Button);
+    if (selected && (selected->tvkControlType() == corvane::ControlType::Jog ||
+                     selected->tvkControlType() == corvane::ControlType::Button))
+        return {};
+    return tr("In Emulation Mode C only buttons and the jog wheel play console controls. "
+              "Choose Emulation Mode A or B in the Surface menu to emulate this one.");
 }

@@ -2,7 +2,7 @@
 
 #include "actions/TVKActionContainer.h"
 #include "core/NotificationCenter.h"
-#include "views/TVKActionEditors.h"
+#include "views/editors/TVKActionEditorView.h"
 
 #include <QObject>
 #include <QWidget>
@@ -11,6 +11,7 @@
 #include <vector>
 
 class QCheckBox;
+class QLabel;
 class QLineEdit;
 class QPushButton;
 class QSlider;
@@ -79,10 +80,14 @@ public:
     void handleDeleteAction();
     void handleCopyToAllLayersChange();
     bool tabView(corvane::FourCharCode identifier) const;
+    // Why the tab may not be chosen for the shown control, and where the user changes that;
+    // empty when it may.
+    QString tabRefusal(corvane::FourCharCode identifier) const;
 
     // TVKActionEditorHost
     TVKActionContainer& editedAction() override { return m_editedAction; }
     void actionParameterChanged() override;
+    void actionParameterChangedNaming(const QString& name) override;
     TVKControl* shownControl() const override { return m_theControl; }
     const corvane::PointerEnvironment& pointerEnvironment() const override;
     QString pointerQueryProblem() const override;
@@ -134,19 +139,10 @@ private:
     QStackedLayout* m_editorStack = nullptr;
     QLabel* m_placeholder = nullptr;
 
-    TVKEditorView* m_buttonEditor = nullptr;
-    TVKEditorView* m_encoderEditor = nullptr;
-    TVKEditorView* m_fourWayEditor = nullptr;
-    TVKEditorView* m_shuttleEditor = nullptr;
-    TVKEditorView* m_jogEditor = nullptr;
-    TVKEditorView* m_faderEditor = nullptr;
-    TVKEditorView* m_joystickEditor = nullptr;
-    TVKEditorView* m_multiColorButtonEditor = nullptr;
-    TVKEditorView* m_lcdDisplayEditor = nullptr;
-    TVKEditorView* m_tcDisplayEditor = nullptr;
-    TVKEditorView* m_lcdButtonDisplayEditor = nullptr;
+    // Indexed by control type; a view may stand at more than one index.
+    std::array<TVKEditorView*, kEditorCount> m_editorList{};
+    // Kept ready for the DZ's displays, which have no control type of their own.
     TVKEditorView* m_dzDisplayEditor = nullptr;
-    TVKEditorView* m_corvaneNVLCDDisplayEditor = nullptr;
 
     QPushButton* m_deleteActionButton = nullptr;
     QCheckBox* m_allLayersCopyCheckbox = nullptr;
@@ -163,7 +159,6 @@ private:
     qint64 m_currentOnColor = 0;
     qint64 m_currentOffColor = 0;
     int m_currentStateColor = 0;
-    std::array<TVKEditorView*, kEditorCount> m_editorList{};
 
     std::vector<corvane::NotificationCenter::Observation> m_observations;
 };

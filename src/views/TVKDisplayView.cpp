@@ -8,7 +8,7 @@
 #include "model/TVKModelData.h"
 #include "surface/TVK_Constant_Server.h"
 #include "views/CorvaneNVLayout.h"
-#include "views/TVKDisplayEditors.h"
+#include "views/editors/CorvaneROMIcons.h"
 
 #include <QFontDatabase>
 #include <QKeyEvent>

@@ -2,7 +2,10 @@
 
 #include <QAbstractButton>
 #include <QButtonGroup>
+#include <QComboBox>
+#include <QCoreApplication>
 #include <QLabel>
+#include <QSpinBox>
 
 QLabel* TVKEditorCells::hintLabel(const QString& text, QWidget* parent)
 {
@@ -25,4 +28,33 @@ void TVKEditorCells::selectCell(QButtonGroup* matrix, int tag)
     }
     if (QAbstractButton* cell = matrix->button(tag))
         cell->setChecked(true);
+}
+
+void TVKEditorCells::selectItemWithData(QComboBox* box, int data)
+{
+    const QSignalBlocker block(box);
+    box->setCurrentIndex(box->findData(data));
+}
+
+QSpinBox* TVKEditorCells::spinBox(int minimum, int maximum, QWidget* parent)
+{
+    auto* box = new QSpinBox(parent);
+    box->setRange(minimum, maximum);
+    box->setAccelerated(true);
+    box->setKeyboardTracking(false);
+    return box;
+}
+
+QString TVKEditorCells::emulationModeNote(int mode)
+{
+    static const char* const modes[] = {QT_TRANSLATE_NOOP("TVKEditorCells", "A"),
+                                        QT_TRANSLATE_NOOP("TVKEditorCells", "B"),
+                                        QT_TRANSLATE_NOOP("TVKEditorCells", "C")};
+    if (mode < 1 || mode > 3)
+        return QCoreApplication::translate(
+            "TVKEditorCells", "This keyset does not emulate a console. Choose Emulation Mode A, "
+                              "B or C for the keyset in the Surface menu.");
+    return QCoreApplication::translate("TVKEditorCells",
+                                       "This keyset emulates a console in mode %1.")
+        .arg(QCoreApplication::translate("TVKEditorCells", modes[mode - 1]));
 }

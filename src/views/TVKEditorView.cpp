@@ -1,10 +1,10 @@
 #include "views/TVKEditorView.h"
 
 #include "core/Notifications.h"
-#include "views/TVKActionEditors.h"
-#include "views/TVKDisplayEditors.h"
 #include "views/TVKEditorCells.h"
 #include "views/cpkr_ColorPicker.h"
+#include "views/editors/TVKActionEditorView.h"
+#include "views/editors/TVKDisplayPreview.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -50,6 +50,13 @@ TVKEditorView::TVKEditorView(QWidget* parent) : QWidget(parent)
     m_actionDescriptorField->setMinimumHeight(m_actionDescriptorField->fontMetrics().height() * 2);
     m_actionDescriptorField->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     column->addWidget(m_actionDescriptorField);
+    m_tabNotice = new QLabel(this);
+    m_tabNotice->setWordWrap(true);
+    m_tabNotice->setFrameShape(QFrame::StyledPanel);
+    m_tabNotice->setMargin(6);
+    m_tabNotice->setAccessibleName(tr("Why the tab cannot open"));
+    m_tabNotice->hide();
+    column->addWidget(m_tabNotice);
     m_editorTabs = new QTabWidget(this);
     m_editorTabs->setDocumentMode(false);
     m_editorTabs->setUsesScrollButtons(false);
@@ -178,12 +185,30 @@ void TVKEditorView::tabChanged(int index)
     if (m_reverting)
         return;
     const auto identifier = m_editorTabs->tabBar()->tabData(index).value<corvane::FourCharCode>();
-    if (m_tabGuard && !m_tabGuard(identifier) && m_shownTab != index) {
+    const QString refusal = m_tabGuard ? m_tabGuard(identifier) : QString();
+    if (!refusal.isEmpty() && m_shownTab != index) {
         const QScopedValueRollback<bool> guard(m_reverting, true);
         m_editorTabs->setCurrentIndex(m_shownTab);
+        m_tabNotice->setText(refusal);
+        m_tabNotice->show();
         return;
     }
     m_shownTab = index;
+    m_tabNotice->hide();
+}
+
+void TVKEditorView::updateTabAvailability()
+{
+    QTabBar* bar = m_editorTabs->tabBar();
+    for (int i = 0; i < bar->count(); ++i) {
+        const QString refusal =
+            m_tabGuard ? m_tabGuard(bar->tabData(i).value<corvane::FourCharCode>()) : QString();
+        bar->setTabToolTip(i, refusal);
+        bar->setTabTextColor(
+            i, refusal.isEmpty() ? QColor()
+                                 : bar->palette().color(QPalette::Disabled, QPalette::ButtonText));
+    }
+    m_tabNotice->hide();
 }
 
 void TVKEditorView::selectActionEditor(int index)

@@ -37,12 +37,17 @@ public:
     cpkr_ColorPickerController* addHiResColorEditor();
     TVKDisplayPreview* addPreview(TVKDisplayPreview* preview);
 
-    // Asked before a tab is chosen, by the user or by selectActionEditor...; a refusal keeps
-    // the tab shown before.
-    void setTabGuard(std::function<bool(corvane::FourCharCode)> guard)
+    // Asked before a tab is chosen, by the user or by selectActionEditor...: why the tab may not
+    // open now, or an empty text when it may. A refusal keeps the tab shown before and says why
+    // above the tabs.
+    void setTabGuard(std::function<QString(corvane::FourCharCode)> guard)
     {
         m_tabGuard = std::move(guard);
     }
+    // Asks the guard again for every tab: a tab that cannot open is greyed and its tool tip says
+    // why; the note of an earlier refusal goes.
+    void updateTabAvailability();
+    QLabel* tabNotice() const { return m_tabNotice; }
 
     void setActionDescriptor(const QString& descriptor);
     QString actionDescriptor() const;
@@ -75,6 +80,7 @@ private:
     QLabel* m_actionDescriptorField = nullptr;
     TVKDisplayPreview* m_preview = nullptr;
     QTabWidget* m_editorTabs = nullptr;
+    QLabel* m_tabNotice = nullptr;
     QWidget* m_properties = nullptr;
     QCheckBox* m_latchedCheckbox = nullptr;
     cpkr_ColorPickerController* m_hiResColorEditor = nullptr;
@@ -86,6 +92,6 @@ private:
     bool m_locked = false;
     int m_shownTab = 0;
     bool m_reverting = false;
-    std::function<bool(corvane::FourCharCode)> m_tabGuard;
+    std::function<QString(corvane::FourCharCode)> m_tabGuard;
     corvane::NotificationCenter::Observation m_lockObservation;
 };

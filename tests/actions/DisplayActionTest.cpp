@@ -8,7 +8,7 @@
 #include "actions/TVKDisplayEmulationAction.h"
 #include "actions/TVKDisplayTextAction.h"
 #include "actions/TVKEmulationAction.h"
-#include "actions/editors/DisplayTextEditor.h"
+#include "actions/editors/HiResTextEditor.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"

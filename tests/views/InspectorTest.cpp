@@ -14,9 +14,19 @@
 #include "model/TVKLayer.h"
 #include "model/TVKModelData.h"
 #include "views/InspectorController.h"
-#include "views/TVKActionEditors.h"
-#include "views/TVKDisplayEditors.h"
 #include "views/TVKEditorView.h"
+#include "views/editors/TVKBuiltInActionEditorView.h"
+#include "views/editors/TVKDisplayPreview.h"
+#include "views/editors/TVKDisplayTextEditorView.h"
+#include "views/editors/TVKEmulationActionEditorView.h"
+#include "views/editors/TVKHiResTextEditorView.h"
+#include "views/editors/TVKIconEditorView.h"
+#include "views/editors/TVKKeySequenceActionEditorView.h"
+#include "views/editors/TVKKeystrokeEntryView.h"
+#include "views/editors/TVKMIDIActionEditorView.h"
+#include "views/editors/TVKModifierBoxes.h"
+#include "views/editors/TVKMouseActionEditorView.h"
+#include "views/editors/TVKSpecialActionEditorView.h"
 
 #include <QAbstractButton>
 #include <QButtonGroup>

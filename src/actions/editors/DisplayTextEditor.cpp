@@ -1,60 +1,51 @@
 #include "actions/editors/DisplayTextEditor.h"
 
-#include "actions/ActionText.h"
 #include "actions/TVKActionContainer.h"
 #include "actions/TVKDisplayTextAction.h"
+#include "model/TVKControl.h"
+#include "surface/SurfaceConstants.h"
+#include "surface/TVK_Constant_Server.h"
 
 namespace corvane {
 
-HiResTextEditor::HiResTextEditor(TVKActionContainer& container) : m_container(container) {}
+namespace {
 
-QString HiResTextEditor::lineLengthLabel(unsigned lineCount)
+TVKLCDDisplayTextAction* heldText(TVKActionContainer& container)
 {
-    if (lineCount == 0)
-        return QLatin1String("");
-    return fillFormat(
-        QStringLiteral("Up to %ld characters per line allowed"), {},
-        {double(CorvaneHiResLCDButtonDisplayTextAction::charsPerLineForLineCount(lineCount))});
+    return container.actionType() == TVKLCDDisplayTextAction::kActionType
+               ? static_cast<TVKLCDDisplayTextAction*>(container.action())
+               : nullptr;
 }
 
-void HiResTextEditor::setLineCount(unsigned lineCount)
+} // namespace
+
+DisplayTextEditor::DisplayTextEditor(TVKActionContainer& container) : m_container(container) {}
+
+void DisplayTextEditor::updateForNewAction(const TVKControl* display)
 {
     const StateChange change(*this);
-    m_lineCount = qMin(lineCount, CorvaneHiResLCDButtonDisplayTextAction::kMaxLines);
-    m_label = lineLengthLabel(m_lineCount);
-    apply();
+    m_width = display ? surfaceConstants().widthOfDisplay(display->index(), display->groupID()) : 0;
+    if (m_width <= 0)
+        m_width = kFallbackWidth;
+    const TVKLCDDisplayTextAction* held = heldText(m_container);
+    m_text = held ? held->storedText() : QString();
 }
 
-void HiResTextEditor::setLine(int index, const QString& text)
+bool DisplayTextEditor::setText(const QString& text, TVKControl* display)
 {
     const StateChange change(*this);
-    if (index < 0 || index >= m_lines.size())
-        return;
-    m_lines[index] = text;
-    apply();
-}
-
-void HiResTextEditor::apply()
-{
-    m_container.setAction(std::make_unique<CorvaneHiResLCDButtonDisplayTextAction>(
-        nullptr, m_lineCount, m_lines[0], m_lines[1], m_lines[2], m_lines[3]));
-}
-
-void HiResTextEditor::updateForNewAction()
-{
-    const StateChange change(*this);
-    m_lines = {QString(), QString(), QString(), QString()};
-    if (m_container.actionType() != CorvaneHiResLCDButtonDisplayTextAction::kActionType) {
-        m_lineCount = 0;
-        m_label = lineLengthLabel(0);
-        return;
-    }
-    auto* action = static_cast<CorvaneHiResLCDButtonDisplayTextAction*>(m_container.action());
-    m_lineCount = action->lineCount();
-    m_label = lineLengthLabel(m_lineCount);
-    const QStringList stored = action->storedText().split(QLatin1Char('\n'));
-    for (qsizetype i = 0; i < stored.size() && i < m_lines.size(); ++i)
-        m_lines[i] = stored.at(i);
+    const QString cut = text.left(m_width);
+    TVKLCDDisplayTextAction* held = heldText(m_container);
+    m_text = cut;
+    if (held ? held->storedText() == cut : cut.isEmpty())
+        return false;
+    if (cut.isEmpty())
+        m_container.setAction(nullptr);
+    else if (held)
+        held->setText(cut);
+    else
+        m_container.setAction(std::make_unique<TVKLCDDisplayTextAction>(display, cut));
+    return true;
 }
 
 } // namespace corvane

@@ -3,40 +3,35 @@
 #include "actions/editors/EditorLogic.h"
 
 #include <QString>
-#include <QStringList>
 
 class TVKActionContainer;
+class TVKControl;
 
 namespace corvane {
 
-// The high-resolution LCD button text editor: a line-count choice (0 to 4) and four line fields.
-// The line count fixes how many characters each line holds; the stored text is the lines cut to
-// that length and joined.
-class HiResTextEditor : public EditorLogic
+// The custom text editor of a character display: one line, as long as the display is wide. An
+// empty text means no function.
+class DisplayTextEditor : public EditorLogic
 {
 public:
-    explicit HiResTextEditor(TVKActionContainer& container);
+    // The width offered when the display's own is unknown.
+    static constexpr int kFallbackWidth = 40;
 
-    // "Up to %ld characters per line allowed", or the empty label for a line count of 0.
-    static QString lineLengthLabel(unsigned lineCount);
+    explicit DisplayTextEditor(TVKActionContainer& container);
 
-    void setLineCount(unsigned lineCount);
-    void setLine(int index, const QString& text);
-    unsigned lineCount() const { return m_lineCount; }
-    const QStringList& lines() const { return m_lines; }
-    const QString& label() const { return m_label; }
+    // Shows the held text action of the display (its text, or none) and the display's width.
+    void updateForNewAction(const TVKControl* display);
+    // The text field was edited. True when the container changed: a new text action for the
+    // display, the held one changed in place, or the action removed for an empty text.
+    bool setText(const QString& text, TVKControl* display);
 
-    // Shows the held text action: its line count, and its text split back into the fields.
-    void updateForNewAction();
+    const QString& text() const { return m_text; }
+    int width() const { return m_width; }
 
 private:
-    // Puts a new text action made from the fields into the container.
-    void apply();
-
     TVKActionContainer& m_container;
-    unsigned m_lineCount = 0;
-    QStringList m_lines = {QString(), QString(), QString(), QString()};
-    QString m_label;
+    QString m_text;
+    int m_width = kFallbackWidth;
 };
 
 } // namespace corvane
