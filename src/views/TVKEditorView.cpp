@@ -67,6 +67,11 @@ TVKEditorView::TVKEditorView(QWidget* parent) : QWidget(parent)
     column->addWidget(m_properties);
     m_properties->hide();
     connect(m_editorTabs, &QTabWidget::currentChanged, this, &TVKEditorView::tabChanged);
+    // A click on the tab already shown also puts an earlier refusal's note away.
+    connect(m_editorTabs, &QTabWidget::tabBarClicked, this, [this](int index) {
+        if (index == m_editorTabs->currentIndex())
+            m_tabNotice->hide();
+    });
     m_lockObservation =
         corvane::NotificationCenter::defaultCenter().observe<corvane::note::LockStateChange>(
             nullptr,
@@ -213,6 +218,7 @@ void TVKEditorView::updateTabAvailability()
 
 void TVKEditorView::selectActionEditor(int index)
 {
+    m_tabNotice->hide();
     m_editorTabs->setCurrentIndex(index);
     setLockState(m_locked);
 }

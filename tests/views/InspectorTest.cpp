@@ -29,6 +29,7 @@
 #include "views/editors/TVKSpecialActionEditorView.h"
 
 #include <QAbstractButton>
+#include <QAbstractSpinBox>
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
@@ -40,6 +41,7 @@
 #include <QTabWidget>
 #include <QTest>
 #include <QTreeWidget>
+#include <QUndoStack>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -358,4 +360,219 @@ TEST_F(InspectorTest, DisplayEditsReachTheServiceWithAPreview)
     EXPECT_EQ(inspector.currentEditor()->actionDescriptor(), QStringLiteral("ROM Icon #2"));
     EXPECT_EQ(inspector.currentEditor()->preview()->icon(), 2);
     EXPECT_TRUE(serviceInStep());
+}
+
+TEST_F(InspectorTest, TypedNumbersAreOneEditWhenTheFieldIsLeft)
+{
+    InspectorController& inspector = openInspector();
+    TVKControl* encoder = selectFirstOfType(ControlType::Encoder);
+    ASSERT_NE(encoder, nullptr);
+    auto& midi = tab<TVKMIDIActionEditorView>(inspector, "MIDI");
+    qsizetype from = mark();
+    midi.modeGroup()->button(2)->click();
+    ASSERT_TRUE(waitForCount(QStringLiteral("InAc"), 1, from));
+    QUndoStack& stack = controller->undoManager().stack();
+    const int steps = stack.index();
+    from = mark();
+
+    // Typing 100 is one edit: none while the digits go in, one when Return ends the entry.
+    midi.data1()->selectAll();
+    QTest::keyClicks(midi.data1(), QStringLiteral("100"));
+    EXPECT_EQ(stack.index(), steps) << "no edit per digit";
+    QTest::keyClick(midi.data1(), Qt::Key_Return);
+    EXPECT_EQ(stack.index(), steps + 1);
+    const auto* custom = dynamic_cast<const TVKEncoderMIDIAction*>(encoder->action());
+    ASSERT_NE(custom, nullptr);
+    ASSERT_GE(custom->messageSize(), 2u);
+    EXPECT_EQ(custom->message()[1], 100);
+    ASSERT_TRUE(waitForCount(QStringLiteral("InAc"), 1, from));
+    EXPECT_TRUE(serviceInStep());
+    EXPECT_EQ(received(QStringLiteral("InAc"), from).size(), 1u) << "one message, not three";
+
+    // Leaving the field ends the entry as Return does.
+    midi.data2()->selectAll();
+    QTest::keyClicks(midi.data2(), QStringLiteral("64"));
+    EXPECT_EQ(stack.index(), steps + 1);
+    midi.commandPopUp()->setFocus();
+    QFocusEvent focusOut(QEvent::FocusOut, Qt::TabFocusReason);
+    QCoreApplication::sendEvent(midi.data2(), &focusOut);
+    EXPECT_EQ(stack.index(), steps + 2);
+    custom = dynamic_cast<const TVKEncoderMIDIAction*>(encoder->action());
+    ASSERT_NE(custom, nullptr);
+    EXPECT_EQ(custom->message()[2], 64);
+
+    // One undo takes the whole number back.
+    controller->undoManager().undo();
+    controller->undoManager().undo();
+    custom = dynamic_cast<const TVKEncoderMIDIAction*>(encoder->action());
+    ASSERT_NE(custom, nullptr);
+    EXPECT_EQ(custom->message()[1], 0);
+    EXPECT_EQ(midi.data1()->value(), 0);
+    EXPECT_TRUE(serviceInStep());
+}
+
+TEST_F(InspectorTest, EveryNumberFieldOfEveryEditorCommitsOnce)
+{
+    InspectorController& inspector = openInspector();
+    // With emulation on, every tab can be reached.
+    controller->handleEmulationMenu(1);
+    QUndoStack& stack = controller->undoManager().stack();
+    int fields = 0;
+    for (int type = 0; type < InspectorController::kEditorCount; ++type) {
+        if (!selectFirstOfType(type))
+            continue;
+        TVKEditorView& view = *inspector.currentEditor();
+        for (int t = 0; t < view.editorTabs()->count(); ++t) {
+            view.editorTabs()->setCurrentIndex(t);
+            ASSERT_EQ(view.editorTabs()->currentIndex(), t) << "type " << type << " tab " << t;
+            for (QAbstractSpinBox* field :
+                 view.editorTabs()->widget(t)->findChildren<QAbstractSpinBox*>()) {
+                SCOPED_TRACE(QStringLiteral("type %1, tab %2, %3")
+                                 .arg(type)
+                                 .arg(view.editorTabs()->tabText(t), field->text())
+                                 .toStdString());
+                ++fields;
+                const int steps = stack.index();
+                field->selectAll();
+                QTest::keyClicks(field, QStringLiteral("12"));
+                EXPECT_EQ(stack.index(), steps) << "an edit per digit";
+                QTest::keyClick(field, Qt::Key_Return);
+                EXPECT_LE(stack.index(), steps + 1) << "more than one edit for one entry";
+            }
+        }
+    }
+    EXPECT_GE(fields, 4) << "the MIDI and emulation number fields were found";
+    EXPECT_TRUE(serviceInStep());
+}
+
+TEST_F(InspectorTest, ABuiltInCommandAndTheNameItGivesAreOneStep)
+{
+    installCatalogue();
+    InspectorController& inspector = openInspector();
+    TVKControl* button = selectFirstOfType(ControlType::Button);
+    ASSERT_NE(button, nullptr);
+    const std::optional<QString> bundle = button->keyset()->bundleID();
+    button->keyset()->setBundleID(QStringLiteral("org.audacityteam.Audacity"));
+    controller->notifyWithMessage(note::SelectedKeysetChange);
+    auto& builtIn = tab<TVKBuiltInActionEditorView>(inspector, "BILT");
+    // The list stays loaded; the service and the controller agree on the keyset again.
+    button->keyset()->setBundleID(bundle);
+    QTreeWidgetItem* command = nullptr;
+    for (int g = 0; g < builtIn.browser()->topLevelItemCount() && !command; ++g)
+        if (builtIn.browser()->topLevelItem(g)->childCount() > 0)
+            command = builtIn.browser()->topLevelItem(g)->child(0);
+    ASSERT_NE(command, nullptr);
+    const QString name = command->text(0);
+    const QString before = button->userName();
+    ASSERT_NE(before, name);
+
+    QUndoStack& stack = controller->undoManager().stack();
+    const int steps = stack.index();
+    const qsizetype from = mark();
+    Q_EMIT builtIn.browser()->itemActivated(command, 0);
+    ASSERT_NE(button->action(), nullptr);
+    EXPECT_EQ(button->userName(), name);
+    EXPECT_EQ(stack.index(), steps + 1) << "one step for the one double click";
+    EXPECT_EQ(stack.undoText(), QStringLiteral("Edit Control Action"));
+    ASSERT_TRUE(waitForCount(QStringLiteral("InAc"), 1, from));
+    ASSERT_TRUE(waitForCount(QStringLiteral("ChUN"), 1, from));
+
+    // Undo takes both back, in the model, the inspector and the service.
+    qsizetype mark2 = mark();
+    controller->undoManager().undo();
+    EXPECT_EQ(stack.index(), steps);
+    EXPECT_EQ(button->action(), nullptr);
+    EXPECT_EQ(button->userName(), before);
+    EXPECT_EQ(inspector.userNameField()->text(), before);
+    ASSERT_TRUE(waitForCount(QStringLiteral("InAc"), 1, mark2));
+    ASSERT_TRUE(waitForCount(QStringLiteral("ChUN"), 1, mark2));
+    EXPECT_TRUE(serviceInStep());
+
+    // Redo gives both again, and a name typed afterwards is still no undo step.
+    controller->undoManager().redo();
+    EXPECT_EQ(button->userName(), name);
+    EXPECT_EQ(inspector.userNameField()->text(), name);
+    ASSERT_NE(button->action(), nullptr);
+    EXPECT_EQ(button->action()->actionType(), TVKButtonBuiltInAction::kActionType);
+    inspector.userNameField()->setText(QStringLiteral("Mine"));
+    Q_EMIT inspector.userNameField()->editingFinished();
+    EXPECT_EQ(button->userName(), QStringLiteral("Mine"));
+    EXPECT_EQ(stack.index(), steps + 1);
+    EXPECT_TRUE(serviceInStep());
+}
+
+TEST_F(InspectorTest, TheEmulationTabSaysWhyItCannotOpenForEveryKindAndMode)
+{
+    InspectorController& inspector = openInspector();
+    // Which control types play console controls in each mode.
+    const auto opens = [](uint mode, int type) {
+        if (mode == 0)
+            return false;
+        if (mode == 3)
+            return type == ControlType::Button || type == ControlType::Jog;
+        return true;
+    };
+    int checked = 0;
+    for (uint mode = 0; mode < 4; ++mode) {
+        controller->handleEmulationMenu(mode);
+        for (int type = 0; type < InspectorController::kEditorCount; ++type) {
+            if (!selectFirstOfType(type))
+                continue;
+            TVKEditorView& view = *inspector.currentEditor();
+            int emulation = -1;
+            for (int i = 0; i < view.editorTabs()->count(); ++i)
+                if (view.editorTabs()->tabBar()->tabData(i).value<FourCharCode>() == fourCC("EMUL"))
+                    emulation = i;
+            // A display in mode C goes by the control selected before it; that is not a rule
+            // of the display's kind.
+            if (emulation < 0 || (mode == 3 && ControlType::isDisplayType(type)))
+                continue;
+            SCOPED_TRACE(QStringLiteral("mode %1, type %2").arg(mode).arg(type).toStdString());
+            ++checked;
+            const int other = emulation == 0 ? 1 : 0;
+            view.selectActionEditor(other);
+            const QString tip = view.editorTabs()->tabBar()->tabToolTip(emulation);
+            view.editorTabs()->setCurrentIndex(emulation);
+            if (opens(mode, type)) {
+                EXPECT_EQ(view.currentTabID(), fourCC("EMUL"));
+                EXPECT_TRUE(tip.isEmpty());
+                EXPECT_FALSE(view.tabNotice()->isVisibleTo(inspector.panel()));
+                continue;
+            }
+            EXPECT_NE(view.currentTabID(), fourCC("EMUL"));
+            // It says why, and where the mode is set: the menu and its items as they are named.
+            ASSERT_TRUE(view.tabNotice()->isVisibleTo(inspector.panel()));
+            const QString why = view.tabNotice()->text();
+            EXPECT_EQ(tip, why) << "the tab says the same before it is clicked";
+            EXPECT_TRUE(why.contains(QStringLiteral("Surface menu"))) << why.toStdString();
+            const QAction* modeA = controller->menuItem(TVKMenuCommand::HandleEmulationMenu, 1);
+            ASSERT_NE(modeA, nullptr);
+            EXPECT_TRUE(why.contains(QString(modeA->text()).remove(u'&'))) << why.toStdString();
+            // Choosing another tab puts the note away.
+            view.selectActionEditor(other);
+            EXPECT_FALSE(view.tabNotice()->isVisibleTo(inspector.panel()));
+        }
+    }
+    EXPECT_GE(checked, 20);
+}
+
+TEST_F(InspectorTest, ThePanelComesBackWhereItWas)
+{
+    startApplication();
+    controller->showInspector();
+    ASSERT_NE(app->inspector(), nullptr);
+    QWidget* panel = app->inspector()->panel();
+    panel->setGeometry(310, 220, 600, 640);
+    const QRect frame = panel->geometry();
+    app->quit();
+    app.reset();
+    controller.reset();
+
+    startApplication();
+    EXPECT_TRUE(controller->defaults()
+                    .objectForKey(u"CorvaneWindowFrames")
+                    .contains(QStringLiteral("TVKInsPos")));
+    controller->showInspector();
+    ASSERT_NE(app->inspector(), nullptr);
+    EXPECT_EQ(app->inspector()->panel()->geometry(), frame);
 }
