@@ -42,6 +42,7 @@
 #include <QSet>
 #include <QSpinBox>
 #include <QStyleFactory>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTest>
 
@@ -205,6 +206,15 @@ TEST_F(ViewsTest, Screens)
         [](QWidget& tab) { static_cast<TVKIconEditorView&>(tab).iconGroup()->button(0)->click(); });
     capture(*app->window(TVKWindow::TLW), QStringLiteral("tlw-with-an-icon"));
     shoot(ControlType::NVLCDDisplay, "ENAM", QStringLiteral("nv-display"));
+    // In mode C an encoder plays no console control: the emulation tab says so when chosen.
+    controller->handleEmulationMenu(3);
+    shoot(ControlType::Encoder, "MIDI", QStringLiteral("emulation-refused"), [&](QWidget&) {
+        TVKEditorView& editor = *inspector.currentEditor();
+        for (int i = 0; i < editor.editorTabs()->count(); ++i)
+            if (editor.editorTabs()->tabBar()->tabData(i).value<FourCharCode>() == fourCC("EMUL"))
+                editor.editorTabs()->setCurrentIndex(i);
+    });
+    controller->handleEmulationMenu(1);
 
     // The installer as the first start shows it, then with its setup page.
     const auto installer = [&](const QString& name) {
