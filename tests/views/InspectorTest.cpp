@@ -453,7 +453,7 @@ TEST_F(InspectorTest, ABuiltInCommandAndTheNameItGivesAreOneStep)
     ASSERT_NE(button, nullptr);
     const std::optional<QString> bundle = button->keyset()->bundleID();
     button->keyset()->setBundleID(QStringLiteral("org.audacityteam.Audacity"));
-    controller->notifyWithMessage(note::SelectedKeysetChange);
+    controller->notifyWithMessage(note::SelectedKeysetChange{});
     auto& builtIn = tab<TVKBuiltInActionEditorView>(inspector, "BILT");
     // The list stays loaded; the service and the controller agree on the keyset again.
     button->keyset()->setBundleID(bundle);
