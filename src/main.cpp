@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QFileInfo>
+#include <QIcon>
 #include <QTimer>
 #include <memory>
 
@@ -67,8 +68,7 @@ int main(int argc, char** argv)
     }
 
     QGuiApplication::setDesktopFileName(QStringLiteral("corvane"));
-    QGuiApplication::setWindowIcon(
-        QIcon::fromTheme(QStringLiteral("corvane"), QIcon(QStringLiteral(":/images/corvane.svg"))));
+    QGuiApplication::setWindowIcon(CorvaneViews::applicationIcon());
     // The configuration is written when the main window closes, not when the last one does.
     QApplication::setQuitOnLastWindowClosed(false);
 

@@ -290,6 +290,27 @@ void CorvaneController::handleSelectGroupMenu(QAction* item)
         window->selectGroup(int(TVKMenuItems::tag(item)));
 }
 
+QString CorvaneController::preferencesMenuPath()
+{
+    return tr("Surface \u203a Preferences\u2026");
+}
+
+QString CorvaneController::standaloneWindowReason(const QString& unit)
+{
+    return tr("The %1 window opens when the %1 is used without the RS. Choose it in %2.")
+        .arg(unit, preferencesMenuPath());
+}
+
+bool CorvaneController::explainExpanderItem(QAction* item, bool enabled, const QString& reason)
+{
+    // A greyed item says why, in its tool tip and in the status line.
+    // (An empty tool tip shows the item's text.)
+    const QString tip = enabled ? QString() : reason;
+    item->setToolTip(tip);
+    item->setStatusTip(tip);
+    return enabled;
+}
+
 bool CorvaneController::validateMenuItem(QAction* item)
 {
     const CorvaneModelData* model = corvaneModelData();
@@ -302,20 +323,32 @@ bool CorvaneController::validateMenuItem(QAction* item)
     case Command::ReverseRBButtons:
         item->setChecked(keyset && keyset->reverseRBButtons());
         return !(keyset && keyset->locked());
-    case Command::ShowExpander:
+    case Command::ShowExpander: {
         item->setChecked(existsAndKey(TVKWindow::TL));
-        return !(model &&
-                 (model->standaloneTLW() || model->standaloneTLW2() || model->standaloneNV()));
+        const QString other = !model                    ? QString()
+                              : model->standaloneTLW()  ? QStringLiteral("TLW")
+                              : model->standaloneTLW2() ? QStringLiteral("TLW2")
+                              : model->standaloneNV()   ? QStringLiteral("NV")
+                                                        : QString();
+        return explainExpanderItem(
+            item, other.isEmpty(),
+            tr("The TL window is not available while the %1 is used without the RS. Choose "
+               "the expander used without the RS in %2.")
+                .arg(other, preferencesMenuPath()));
+    }
     case Command::ShowTLW:
         item->setChecked(existsAndKey(TVKWindow::TLW));
-        return model && model->standaloneTLW();
+        return explainExpanderItem(item, model && model->standaloneTLW(),
+                                   standaloneWindowReason(QStringLiteral("TLW")));
     case Command::ShowTLW2:
         // Looks at the TLW window's controller, not the TLW2's.
         item->setChecked(windows.exists(TVKWindow::TLW) && windows.isKey(TVKWindow::TLW2));
-        return model && model->standaloneTLW2();
+        return explainExpanderItem(item, model && model->standaloneTLW2(),
+                                   standaloneWindowReason(QStringLiteral("TLW2")));
     case Command::ShowNV:
         item->setChecked(existsAndKey(TVKWindow::NV));
-        return model && model->standaloneNV();
+        return explainExpanderItem(item, model && model->standaloneNV(),
+                                   standaloneWindowReason(QStringLiteral("NV")));
     case Command::HandleCorvaneNVMenuItems: {
         CorvaneNVWindowCommands* window = windows.corvaneNVWindow();
         return window && window->validateCorvaneNVMenuItem(item);

@@ -64,6 +64,10 @@ public:
     bool corvaneNVMenuActive() const { return m_corvaneNVMenuActive; }
 
     bool validateMenuItem(QAction* item) override;
+    // Where the user finds the preference sheet, as the menus read: "Surface › Preferences…".
+    static QString preferencesMenuPath();
+    // Why the window of a unit used only without the RS cannot be opened now.
+    static QString standaloneWindowReason(const QString& unit);
     void perform(QAction* item) override;
 
     void setupPreferencePanel() override;
@@ -78,6 +82,7 @@ public:
     void handleMultipleTLWCheckBox(bool) {}
 
 private:
+    static bool explainExpanderItem(QAction* item, bool enabled, const QString& reason);
     void reapplyStandaloneEnabling();
 
     QStringList m_hardwareImages;

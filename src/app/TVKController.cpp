@@ -364,7 +364,15 @@ void TVKController::handleInstall()
 {
     TVKInstallationNames passed = controllerName();
     passed.applicationName.clear();
-    m_views.installation->startInstallForController(passed, needsSetup());
+    if (!m_views.installation->startInstallForController(passed, needsSetup())) {
+        // Chosen from the menu, the check says what it found rather than nothing.
+        m_views.dialogs->runAlert(
+            {tr("The %1 components are installed and current.")
+                 .arg(controllerName().applicationName),
+             tr("The MIDI driver and the support folder with the background service are in "
+                "place, and the service is running. Nothing needs to be installed."),
+             {tr("OK")}});
+    }
     // A service the installation just started has a new port.
     if (m_messenger)
         m_messenger->restartRemotePort();

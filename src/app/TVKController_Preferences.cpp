@@ -2,6 +2,7 @@
 // settings), and the per-keyset application port.
 #include "app/TVKController.h"
 #include "core/Log.h"
+#include "core/NetworkFields.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 #include "platform/PortProbe.h"
@@ -100,7 +101,10 @@ bool TVKController::validatePreferences()
 
 bool TVKController::validateTextField(TVKSheetField field)
 {
+    // A field is valid when it holds what it means: an address part of 0 to 255, a port of 1 to
+    // 65535. Anything else is never stored nor sent to the service.
     const QString* text = nullptr;
+    bool port = false;
     switch (field) {
     case TVKSheetField::IpAddress0:
     case TVKSheetField::IpAddress1:
@@ -110,13 +114,19 @@ bool TVKController::validateTextField(TVKSheetField field)
         break;
     case TVKSheetField::EthernetPort:
         text = &m_preferenceFields.ethernetPort;
+        port = true;
         break;
     case TVKSheetField::ApplicationPort:
         text = &m_appPortFields.port;
+        port = true;
         break;
     }
-    if (text && !text->trimmed().isEmpty())
-        return true;
+    if (text) {
+        const QString trimmed = text->trimmed();
+        if (port ? corvane::portValue(trimmed).has_value()
+                 : corvane::addressPartValue(trimmed).has_value())
+            return true;
+    }
     m_views.sheets->selectFieldText(field);
     return false;
 }
@@ -142,7 +152,8 @@ void TVKController::collectEthernetPreferences()
     const uint port = m_preferenceFields.ethernetPort.trimmed().toUInt();
     const std::array<QString, 4>& parts = m_preferenceFields.ipAddress;
     const QString address =
-        QStringLiteral("%1.%2.%3.%4").arg(parts[0], parts[1], parts[2], parts[3]);
+        QStringLiteral("%1.%2.%3.%4")
+            .arg(parts[0].trimmed(), parts[1].trimmed(), parts[2].trimmed(), parts[3].trimmed());
     setEthernetPort(port);
     setIpAddress(address);
     if (m_messenger)
@@ -168,7 +179,11 @@ void TVKController::showAppPortPanel()
 
 void TVKController::okAppPortWindow()
 {
-    if (!m_appPortFields.port.trimmed().isEmpty())
+    // The port is taken only with Ethernet on; without it the keyset keeps the port it has.
+    const bool complete = m_appPortFields.selectedCell == 0
+                              ? validateTextField(TVKSheetField::ApplicationPort)
+                              : !m_appPortFields.port.trimmed().isEmpty();
+    if (complete)
         appPortDidEnd(1);
 }
 

@@ -38,7 +38,7 @@ public:
     void refreshSheet(TVKSheet) override {}
     void selectFieldText(TVKSheetField) override {}
 
-    void startInstallForController(const TVKInstallationNames&, bool) override {}
+    bool startInstallForController(const TVKInstallationNames&, bool) override { return false; }
     void startUninstallForController(const TVKInstallationNames&) override {}
     bool getAXObjects(TVKAXObjectInfo&, QPointF) override { return false; }
 };

@@ -156,7 +156,9 @@ class TVKInstallation
 {
 public:
     virtual ~TVKInstallation() = default;
-    virtual void startInstallForController(const TVKInstallationNames& names, bool needsSetup) = 0;
+    // True when something had to be installed and the installer window was shown; false when
+    // everything was in place and current.
+    virtual bool startInstallForController(const TVKInstallationNames& names, bool needsSetup) = 0;
     virtual void startUninstallForController(const TVKInstallationNames& names) = 0;
     virtual bool getAXObjects(TVKAXObjectInfo& info, QPointF point) = 0;
     // The pointer where the desktop has it (top-left origin), and the height of the desktop in

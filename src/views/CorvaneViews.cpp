@@ -8,6 +8,7 @@
 #include "views/InspectorController.h"
 #include "views/KeysetSummaryController.h"
 #include "views/TVKAboutBox.h"
+#include "views/TVKHelpWindow.h"
 #include "views/TVKInstallerWindows.h"
 #include "views/TVKMainWindow.h"
 #include "views/TVKMenuBar.h"
@@ -16,6 +17,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QIcon>
 #include <QLineEdit>
 #include <QWindow>
 
@@ -29,12 +31,27 @@ const QString kOpenWindowsKey = QStringLiteral("CorvaneOpenWindows");
 
 } // namespace
 
+QIcon CorvaneViews::applicationIcon()
+{
+    QIcon builtIn;
+    for (const int size : {32, 64, 256})
+        builtIn.addFile(QStringLiteral(":/icons/%1x%1/apps/corvane.png").arg(size),
+                        QSize(size, size));
+    return QIcon::fromTheme(QStringLiteral("corvane"), builtIn);
+}
+
 CorvaneViews::CorvaneViews(CorvaneController& controller, TVKDialogs& dialogs)
     : m_controller(controller), m_dialogs(dialogs)
 {
     m_dzAction = new QAction(tr("DZ Displays"), this);
     m_dzAction->setCheckable(true);
     connect(m_dzAction, &QAction::triggered, this, [this](bool on) { showDZ(on); });
+    m_helpAction = new QAction(tr("Corvane Help"), this);
+    QList<QKeySequence> helpKeys = QKeySequence::keyBindings(QKeySequence::HelpContents);
+    if (helpKeys.isEmpty())
+        helpKeys.append(QKeySequence(Qt::Key_F1));
+    m_helpAction->setShortcuts(helpKeys);
+    connect(m_helpAction, &QAction::triggered, this, [this] { showHelp(); });
     connect(qApp, &QGuiApplication::focusWindowChanged, this, &CorvaneViews::focusWindowChanged);
 }
 
@@ -43,12 +60,13 @@ CorvaneViews::~CorvaneViews()
     // Windows go before the controller they observe; the inspector's panel, a child of the
     // main window, goes with its controller first.
     m_inspector.reset();
-    for (QWidget* w : std::initializer_list<QWidget*>{m_preferences, m_appPort, m_aboutBox, m_tl,
-                                                      m_tlw, m_tlw2, m_nv, m_dz, m_summary, m_main})
+    for (QWidget* w :
+         std::initializer_list<QWidget*>{m_help, m_preferences, m_appPort, m_aboutBox, m_tl, m_tlw,
+                                         m_tlw2, m_nv, m_dz, m_summary, m_main})
         delete w;
 }
 
-void CorvaneViews::startInstallForController(const TVKInstallationNames& names, bool needsSetup)
+bool CorvaneViews::startInstallForController(const TVKInstallationNames& names, bool needsSetup)
 {
     TVKInstallerDialog window(TVKInstallerDialog::Kind::Install, m_controller.defaults(),
                               m_controller.corvaneModelData(), m_main);
@@ -60,11 +78,13 @@ void CorvaneViews::startInstallForController(const TVKInstallationNames& names, 
         if (TVKInstallerController* installer = TVKInstallerController::current())
             installer->cancelInstall();
     };
-    TVKInstallerController::startInstallForController(
-        window, TVKInstallEnvironment::system(),
-        {names.controllerName, names.driverName, names.backgroundAppName, names.backgroundAppID,
-         names.launcherAppName, names.launcherAppID, names.uninstallerName},
-        needsSetup);
+    return TVKInstallerController::startInstallForController(
+               window, TVKInstallEnvironment::system(),
+               {names.controllerName, names.driverName, names.backgroundAppName,
+                names.backgroundAppID, names.launcherAppName, names.launcherAppID,
+                names.uninstallerName},
+               needsSetup)
+        .has_value();
 }
 
 void CorvaneViews::startUninstallForController(const TVKInstallationNames& names)
@@ -104,7 +124,7 @@ std::optional<double> CorvaneViews::desktopHeight()
 
 TVKMenuBar* CorvaneViews::makeMenuBar()
 {
-    auto* bar = new TVKMenuBar(m_controller, {m_dzAction}, [this] { quit(); });
+    auto* bar = new TVKMenuBar(m_controller, {m_dzAction}, {m_helpAction}, [this] { quit(); });
     m_menuBars.push_back(bar);
     if (m_nvMenuShown && m_nv)
         bar->showCorvaneNVMenu(m_nv->corvaneNVMenu(), true);
@@ -132,6 +152,16 @@ void CorvaneViews::start()
     }
     m_main->raise();
     m_main->activateWindow();
+}
+
+void CorvaneViews::showHelp(const QString& section)
+{
+    if (!m_help)
+        m_help = new TVKHelpWindow;
+    m_help->showSection(section);
+    m_help->show();
+    m_help->raise();
+    m_help->activateWindow();
 }
 
 void CorvaneViews::quit()

@@ -14,10 +14,12 @@ class CorvaneNVController;
 class InspectorController;
 class KeysetSummaryController;
 class QAction;
+class QIcon;
 class QWidget;
 class QWindow;
 class TVKAboutBox;
 class TVKAppPortSheet;
+class TVKHelpWindow;
 class TVKMainWindow;
 class TVKMenuBar;
 class TVKPreferencesSheet;
@@ -37,6 +39,9 @@ public:
     CorvaneViews(CorvaneController& controller, TVKDialogs& dialogs);
     ~CorvaneViews() override;
 
+    // The application's icon: the desktop theme's, else the one built in.
+    static QIcon applicationIcon();
+
     // Hands the controller its views, wakes it and shows the main window.
     void start();
     // Remembers the windows, then ends the program through the controller.
@@ -53,6 +58,10 @@ public:
     KeysetSummaryController* summary() const { return m_summary; }
     InspectorController* inspector() const { return m_inspector.get(); }
     QAction* dzAction() const { return m_dzAction; }
+    QAction* helpAction() const { return m_helpAction; }
+    // The manual, from its beginning or at a section.
+    void showHelp(const QString& section = QString());
+    TVKHelpWindow* helpWindow() const { return m_help; }
     void showDZ(bool shown);
     TVKAboutBox* aboutBox() const { return m_aboutBox; }
     TVKPreferencesSheet* preferencesSheet() const { return m_preferences; }
@@ -83,7 +92,7 @@ public:
     void selectFieldText(TVKSheetField field) override;
 
     // TVKInstallation
-    void startInstallForController(const TVKInstallationNames& names, bool needsSetup) override;
+    bool startInstallForController(const TVKInstallationNames& names, bool needsSetup) override;
     void startUninstallForController(const TVKInstallationNames& names) override;
     bool getAXObjects(TVKAXObjectInfo& info, QPointF point) override;
     std::optional<QPointF> pointerOnDesktop() override;
@@ -111,6 +120,8 @@ private:
     TVKPreferencesSheet* m_preferences = nullptr;
     TVKAppPortSheet* m_appPort = nullptr;
     QAction* m_dzAction = nullptr;
+    QAction* m_helpAction = nullptr;
+    TVKHelpWindow* m_help = nullptr;
     std::vector<TVKMenuBar*> m_menuBars;
     std::unique_ptr<corvane::X11Accessibility> m_desktop;
     bool m_nvMenuShown = false;

@@ -7,10 +7,11 @@
 #include <QEventLoop>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QStyle>
+#include <QTextBrowser>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -44,10 +45,8 @@ TVKInstallerDialog::TVKInstallerDialog(Kind kind, corvane::TVKUserDefaults& defa
     m_messageView = new QWidget(this);
     auto* messageLayout = new QVBoxLayout(m_messageView);
     messageLayout->setContentsMargins(0, 0, 0, 0);
-    m_messageField = new QPlainTextEdit(m_messageView);
-    m_messageField->setReadOnly(true);
+    m_messageField = new QTextBrowser(m_messageView);
     m_messageField->setFrameShape(QFrame::NoFrame);
-    m_messageField->setBackgroundVisible(false);
     m_messageField->viewport()->setAutoFillBackground(false);
     m_messageField->setMinimumSize(460, 150);
     m_messageField->setAccessibleName(tr("Installation messages"));
@@ -57,8 +56,11 @@ TVKInstallerDialog::TVKInstallerDialog(Kind kind, corvane::TVKUserDefaults& defa
     outer->addLayout(top, 1);
 
     m_quitMIDIWarningField = new QLabel(
-        tr("Please quit every application that uses MIDI before you continue: the MIDI driver is "
-           "replaced and the MIDI server restarts."),
+        kind == Kind::Install
+            ? tr("Please quit every application that uses MIDI before you continue: the MIDI "
+                 "driver is replaced and the MIDI server restarts.")
+            : tr("Please quit every application that uses MIDI before you continue: the MIDI "
+                 "driver is removed and the MIDI server restarts."),
         this);
     m_quitMIDIWarningField->setWordWrap(true);
     QFont bold = m_quitMIDIWarningField->font();
@@ -99,8 +101,9 @@ TVKInstallerDialog::~TVKInstallerDialog() = default;
 
 void TVKInstallerDialog::refresh(const TVKInstallerFace& face)
 {
-    if (m_messageField->toPlainText() != face.message) {
-        m_messageField->setPlainText(face.message);
+    if (m_shownMessage != face.message) {
+        m_shownMessage = face.message;
+        m_messageField->setHtml(messageHtml(face.message));
         m_messageField->moveCursor(QTextCursor::End);
         m_messageField->ensureCursorVisible();
     }
@@ -120,6 +123,31 @@ void TVKInstallerDialog::refresh(const TVKInstallerFace& face)
     // The copy steps run one after another in one go; show each as it is reached.
     if (isVisible())
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+QString TVKInstallerDialog::messageHtml(const QString& message)
+{
+    // The steps' log separates them with a line of underscores; in the window that line is a
+    // rule across the text rather than underscores.
+    static const QRegularExpression ruler(QStringLiteral("^_{3,}$"));
+    QString html;
+    QStringList block;
+    const auto flush = [&] {
+        if (!block.isEmpty())
+            html += QStringLiteral("<p style=\"white-space: pre-wrap; margin: 0\">%1</p>")
+                        .arg(block.join(u'\n').toHtmlEscaped());
+        block.clear();
+    };
+    for (const QString& line : message.split(u'\n')) {
+        if (ruler.match(line).hasMatch()) {
+            flush();
+            html += QStringLiteral("<hr/>");
+        } else {
+            block.append(line);
+        }
+    }
+    flush();
+    return html;
 }
 
 int TVKInstallerDialog::runModal()

@@ -11,7 +11,7 @@
 class CorvaneModelData;
 class QEventLoop;
 class QLabel;
-class QPlainTextEdit;
+class QTextBrowser;
 class QProgressBar;
 class QPushButton;
 class QVBoxLayout;
@@ -49,7 +49,9 @@ public:
     std::function<void()> onProceed;
     std::function<void()> onCancel;
 
-    QPlainTextEdit* messageField() const { return m_messageField; }
+    QTextBrowser* messageField() const { return m_messageField; }
+    // The steps' messages as the window shows them: each step's heading after a ruled line.
+    static QString messageHtml(const QString& message);
     QPushButton* cancelButton() const { return m_cancelButton; }
     QPushButton* continueButton() const { return m_continueButton; }
     QLabel* restartMIDILable() const { return m_restartMIDILable; }
@@ -66,7 +68,8 @@ private:
     CorvaneModelData* m_model;
     QVBoxLayout* m_containerView = nullptr;
     QWidget* m_messageView = nullptr;
-    QPlainTextEdit* m_messageField = nullptr;
+    QTextBrowser* m_messageField = nullptr;
+    QString m_shownMessage;
     QLabel* m_quitMIDIWarningField = nullptr;
     QLabel* m_restartMIDILable = nullptr;
     QProgressBar* m_progress = nullptr;

@@ -8,7 +8,8 @@
 using Command = TVKMenuCommand;
 
 TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*>& windowItems,
-                       std::function<void()> quit, QWidget* parent)
+                       const std::vector<QAction*>& helpItems, std::function<void()> quit,
+                       QWidget* parent)
     : QMenuBar(parent), m_controller(controller)
 {
     const auto item = [&controller](Command command, qint64 tag = 0) {
@@ -29,7 +30,12 @@ TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*
     file->addAction(item(Command::HandleUninstall));
     file->addSeparator();
     QAction* quitItem = file->addAction(tr("&Quit"));
-    quitItem->setShortcut(QKeySequence::Quit);
+    // Some platform themes have no standard Quit key; Ctrl+Q always quits.
+    QList<QKeySequence> quitKeys = QKeySequence::keyBindings(QKeySequence::Quit);
+    const QKeySequence ctrlQ(Qt::CTRL | Qt::Key_Q);
+    if (!quitKeys.contains(ctrlQ))
+        quitKeys.append(ctrlQ);
+    quitItem->setShortcuts(quitKeys);
     quitItem->setMenuRole(QAction::QuitRole);
     connect(quitItem, &QAction::triggered, this, [quit] { quit(); });
 
@@ -68,6 +74,8 @@ TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*
     surface->addAction(item(Command::ShowPreferencePanel));
 
     QMenu* window = validating(addMenu(tr("&Window")));
+    // The expander items say why they are greyed.
+    window->setToolTipsVisible(true);
     window->addAction(item(Command::ShowMainWindow));
     window->addAction(item(Command::ShowSummary));
     window->addSeparator();
@@ -79,6 +87,10 @@ TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*
         window->addAction(extra);
 
     QMenu* help = validating(addMenu(tr("&Help")));
+    for (QAction* extra : helpItems)
+        help->addAction(extra);
+    if (!helpItems.empty())
+        help->addSeparator();
     help->addAction(item(Command::ShowAboutBox));
     m_helpMenu = help->menuAction();
 }

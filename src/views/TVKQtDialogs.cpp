@@ -3,12 +3,14 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QIcon>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QPainter>
 #include <QPushButton>
 #include <QStandardPaths>
 #include <QVBoxLayout>
@@ -23,12 +25,44 @@ QString filterFor(const QStringList& fileTypes)
     return QObject::tr("Corvane keysets (%1)").arg(patterns.join(QLatin1Char(' ')));
 }
 
-QIcon applicationIcon(const corvane::DesktopApplication& application)
+// An application without an icon the desktop can find gets a tile with its initial, so that
+// every name in the list starts at the same place.
+QIcon initialTile(const QString& name, const QPalette& palette)
 {
-    if (application.iconName.startsWith(QLatin1Char('/')))
-        return QIcon(application.iconName);
-    const QIcon themed = QIcon::fromTheme(application.iconName);
-    return themed.isNull() ? QIcon::fromTheme(QStringLiteral("application-x-executable")) : themed;
+    constexpr int side = 64;
+    QPixmap tile(side, side);
+    tile.fill(Qt::transparent);
+    QPainter painter(&tile);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(palette.color(QPalette::Mid));
+    painter.drawRoundedRect(QRectF(4, 4, side - 8, side - 8), 12, 12);
+    QFont font = painter.font();
+    font.setPixelSize(side / 2);
+    font.setBold(true);
+    painter.setFont(font);
+    painter.setPen(palette.color(QPalette::Light));
+    const QString initial = name.trimmed().left(1).toUpper();
+    painter.drawText(QRect(0, 0, side, side), Qt::AlignCenter, initial);
+    return QIcon(tile);
+}
+
+QIcon applicationIcon(const corvane::DesktopApplication& application, const QPalette& palette)
+{
+    QIcon icon;
+    if (application.iconName.startsWith(QLatin1Char('/'))) {
+        if (QFileInfo::exists(application.iconName))
+            icon = QIcon(application.iconName);
+    } else if (!application.iconName.isEmpty()) {
+        icon = QIcon::fromTheme(application.iconName);
+    }
+    // An icon file in a format this desktop cannot read draws nothing: treat it as missing.
+    const auto draws = [](const QIcon& candidate) {
+        return !candidate.isNull() && !candidate.pixmap(24, 24).isNull();
+    };
+    if (!draws(icon))
+        icon = QIcon::fromTheme(QStringLiteral("application-x-executable"));
+    return draws(icon) ? icon : initialTile(application.name, palette);
 }
 
 } // namespace
@@ -99,8 +133,8 @@ TVKQtDialogs::chooseApplication(const std::vector<corvane::DesktopApplication>& 
     for (size_t i = 0; i < applications.size(); ++i) {
         if (applications[i].noDisplay)
             continue;
-        auto* item =
-            new QListWidgetItem(applicationIcon(applications[i]), applications[i].name, list);
+        auto* item = new QListWidgetItem(applicationIcon(applications[i], list->palette()),
+                                         applications[i].name, list);
         item->setData(Qt::UserRole, qulonglong(i));
         item->setToolTip(applications[i].id);
     }

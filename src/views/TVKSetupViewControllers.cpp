@@ -1,8 +1,10 @@
 #include "views/TVKSetupViewControllers.h"
 
+#include "core/NetworkFields.h"
 #include "core/PlistValue.h"
 #include "core/TVKUserDefaults.h"
 #include "model/CorvaneModelData.h"
+#include "views/TVKNetworkFields.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -14,7 +16,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QRegularExpressionValidator>
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
@@ -30,24 +31,13 @@ qint64 integerValue(const QLineEdit* field)
     const QString text = field->text().trimmed();
     qint64 value = 0;
     for (const QChar c : text) {
-        if (!c.isDigit())
+        if (c < QLatin1Char('0') || c > QLatin1Char('9'))
             break;
-        value = value * 10 + c.digitValue();
+        value = value * 10 + (c.unicode() - u'0');
         if (value > 1'000'000'000)
             break;
     }
     return value;
-}
-
-QLineEdit* numberField(int digits, QWidget* parent)
-{
-    auto* field = new QLineEdit(parent);
-    field->setMaxLength(digits);
-    field->setValidator(new QRegularExpressionValidator(
-        QRegularExpression(QStringLiteral("\\d{0,%1}").arg(digits)), field));
-    field->setAlignment(Qt::AlignCenter);
-    field->setFixedWidth(field->fontMetrics().horizontalAdvance(QString(digits + 1, u'0')) + 14);
-    return field;
 }
 
 } // namespace
@@ -157,23 +147,14 @@ TVKEthernetSetupViewController::TVKEthernetSetupViewController(const QString& ni
     fields->setContentsMargins(0, 0, 0, 0);
     auto* network = new QGroupBox(tr("Surface on the network"), fieldArea());
     auto* form = new QFormLayout(network);
-    auto* addressRow = new QWidget(network);
-    auto* addressLayout = new QHBoxLayout(addressRow);
-    addressLayout->setContentsMargins(0, 0, 0, 0);
-    addressLayout->setSpacing(4);
-    for (int part = 0; part < 4; ++part) {
-        QLineEdit* field = numberField(3, addressRow);
-        field->setAccessibleName(tr("Address part %1").arg(part + 1));
-        addressLayout->addWidget(field);
-        if (part < 3)
-            addressLayout->addWidget(new QLabel(QStringLiteral("."), addressRow));
-        m_ipFields[size_t(part)] = field;
-    }
-    addressLayout->addStretch(1);
+    m_address = new TVKAddressField(network);
+    m_address->setAccessibleName(tr("Address"));
+    for (int part = 0; part < 4; ++part)
+        m_ipFields[size_t(part)] = m_address->part(part);
     auto* addressLabel = new QLabel(tr("IP &address:"), network);
     addressLabel->setBuddy(m_ipFields[0]);
-    form->addRow(addressLabel, addressRow);
-    m_portField = numberField(5, network);
+    form->addRow(addressLabel, m_address);
+    m_portField = new TVKPortField(network);
     m_portField->setAccessibleName(tr("Port"));
     form->addRow(tr("&Port:"), m_portField);
     fields->addWidget(network);
@@ -209,12 +190,14 @@ void TVKEthernetSetupViewController::populate()
 
 bool TVKEthernetSetupViewController::validateIPField(const QLineEdit* field) const
 {
-    return integerValue(field) < 256;
+    return corvane::addressPartValue(field->text().trimmed()).has_value();
 }
 
 bool TVKEthernetSetupViewController::validatePortField() const
 {
-    return integerValue(m_portField) < 65535;
+    // Unlike the preference sheet, this page has always refused 65535; kept.
+    const std::optional<quint16> port = corvane::portValue(m_portField->text().trimmed());
+    return port && *port < 65535;
 }
 
 bool TVKEthernetSetupViewController::validate()

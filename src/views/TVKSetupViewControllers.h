@@ -10,6 +10,7 @@ class QButtonGroup;
 class QCheckBox;
 class QLineEdit;
 class QTextBrowser;
+class TVKAddressField;
 namespace corvane {
 class TVKUserDefaults;
 }
@@ -74,6 +75,7 @@ public:
     bool validatePortField() const;
 
     QLineEdit* ipField(int index) const { return m_ipFields[size_t(index)]; }
+    TVKAddressField* addressField() const { return m_address; }
     QLineEdit* portField() const { return m_portField; }
     const QString& ip() const { return m_ip; }
     uint port() const { return m_port; }
@@ -85,7 +87,8 @@ protected:
     bool validate() override;
     void writeSetupPrefs() override;
 
-    std::array<QLineEdit*, 4> m_ipFields{};
+    TVKAddressField* m_address = nullptr;
+    std::array<QLineEdit*, 4> m_ipFields{}; // the address's four parts
     QLineEdit* m_portField = nullptr;
     QString m_ip;
     uint m_port = 0;

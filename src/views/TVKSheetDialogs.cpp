@@ -1,6 +1,7 @@
 #include "views/TVKSheetDialogs.h"
 
 #include "app/CorvaneController.h"
+#include "views/TVKNetworkFields.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -23,26 +24,13 @@ TVKPreferencesSheet::TVKPreferencesSheet(CorvaneController& controller, QWidget*
 
     auto* network = new QGroupBox(tr("Surface on the network"), this);
     auto* form = new QFormLayout(network);
-    auto* addressRow = new QWidget(network);
-    auto* addressLayout = new QHBoxLayout(addressRow);
-    addressLayout->setContentsMargins(0, 0, 0, 0);
-    addressLayout->setSpacing(4);
-    for (int part = 0; part < 4; ++part) {
-        auto* field = new QLineEdit(addressRow);
-        field->setMaxLength(3);
-        field->setFixedWidth(field->fontMetrics().horizontalAdvance(QStringLiteral("0000")) + 12);
-        field->setAlignment(Qt::AlignCenter);
-        field->setAccessibleName(tr("Address part %1").arg(part + 1));
-        addressLayout->addWidget(field);
-        if (part < 3)
-            addressLayout->addWidget(new QLabel(QStringLiteral("."), addressRow));
-        m_address[size_t(part)] = field;
-    }
-    addressLayout->addStretch(1);
-    form->addRow(tr("&Address:"), addressRow);
-    m_port = new QLineEdit(network);
-    m_port->setMaxLength(5);
-    m_port->setFixedWidth(m_port->fontMetrics().horizontalAdvance(QStringLiteral("000000")) + 12);
+    m_address = new TVKAddressField(network);
+    m_address->setAccessibleName(tr("Address"));
+    auto* addressLabel = new QLabel(tr("&Address:"), network);
+    addressLabel->setBuddy(m_address->part(0));
+    form->addRow(addressLabel, m_address);
+    m_port = new TVKPortField(network);
+    m_port->setAccessibleName(tr("Port"));
     form->addRow(tr("&Port:"), m_port);
     layout->addWidget(network);
 
@@ -94,11 +82,15 @@ TVKPreferencesSheet::TVKPreferencesSheet(CorvaneController& controller, QWidget*
     connect(buttons, &QDialogButtonBox::rejected, this, &TVKPreferencesSheet::reject);
 }
 
+QLineEdit* TVKPreferencesSheet::addressField(int part) const
+{
+    return m_address->part(part);
+}
+
 void TVKPreferencesSheet::refresh()
 {
     const TVKPreferenceFields& f = m_controller.preferenceFields();
-    for (int part = 0; part < 4; ++part)
-        m_address[size_t(part)]->setText(f.ipAddress[size_t(part)]);
+    m_address->setParts(f.ipAddress);
     m_port->setText(f.ethernetPort);
     const std::array<bool, 4> on = {f.standaloneTL, f.standaloneTLW, f.standaloneTLW2,
                                     f.standaloneNV};
@@ -114,8 +106,7 @@ void TVKPreferencesSheet::refresh()
 void TVKPreferencesSheet::writeBack()
 {
     TVKPreferenceFields& f = m_controller.preferenceFields();
-    for (int part = 0; part < 4; ++part)
-        f.ipAddress[size_t(part)] = m_address[size_t(part)]->text();
+    f.ipAddress = m_address->parts();
     f.ethernetPort = m_port->text();
     f.standaloneTL = m_standalone[0]->isChecked();
     f.standaloneTLW = m_standalone[1]->isChecked();
@@ -144,8 +135,7 @@ TVKAppPortSheet::TVKAppPortSheet(CorvaneController& controller, QWidget* parent)
     layout->addWidget(m_cells[0]);
     auto* portRow = new QHBoxLayout;
     portRow->addSpacing(24);
-    m_port = new QLineEdit(this);
-    m_port->setMaxLength(5);
+    m_port = new TVKPortField(this);
     m_port->setAccessibleName(tr("Port"));
     portRow->addWidget(m_port);
     auto* find = new QPushButton(tr("&Find Free Port"), this);

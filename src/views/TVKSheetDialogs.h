@@ -9,6 +9,7 @@ class QCheckBox;
 class QLabel;
 class QLineEdit;
 class QRadioButton;
+class TVKAddressField;
 
 // The preference sheet: the surface's network address and port, the standalone expanders (at
 // most one, the others disabled while one is chosen) and the finish of the pictures. Shown
@@ -22,7 +23,8 @@ public:
 
     // Shows the controller's fields.
     void refresh();
-    QLineEdit* addressField(int part) const { return m_address[size_t(part)]; }
+    QLineEdit* addressField(int part) const;
+    TVKAddressField* address() const { return m_address; }
     QLineEdit* portField() const { return m_port; }
     QCheckBox* standaloneBox(int expander) const { return m_standalone[size_t(expander)]; }
     QRadioButton* finishButton(int style) const { return m_finish[size_t(style)]; }
@@ -32,7 +34,7 @@ private:
     void reject() override;
 
     CorvaneController& m_controller;
-    std::array<QLineEdit*, 4> m_address{};
+    TVKAddressField* m_address = nullptr;
     QLineEdit* m_port = nullptr;
     std::array<QCheckBox*, 4> m_standalone{};
     std::array<QRadioButton*, 2> m_finish{};

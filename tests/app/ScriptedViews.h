@@ -123,11 +123,12 @@ public:
     TVKInstallationNames installNames;
     bool installNeedsSetup = false;
     std::vector<QPointF> axQueries;
-    void startInstallForController(const TVKInstallationNames& names, bool needsSetup) override
+    bool startInstallForController(const TVKInstallationNames& names, bool needsSetup) override
     {
         ++installs;
         installNames = names;
         installNeedsSetup = needsSetup;
+        return false;
     }
     void startUninstallForController(const TVKInstallationNames&) override {}
     bool getAXObjects(TVKAXObjectInfo&, QPointF point) override

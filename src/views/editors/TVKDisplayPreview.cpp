@@ -4,6 +4,8 @@
 #include "actions/TVKDisplayAction.h"
 #include "views/editors/CorvaneROMIcons.h"
 
+#include <QFontDatabase>
+#include <QFontInfo>
 #include <QPainter>
 
 TVKDisplayPreview::TVKDisplayPreview(Look look, QWidget* parent) : QWidget(parent), m_look(look)
@@ -30,6 +32,19 @@ void TVKDisplayPreview::showAction(TVKAction* action)
     update();
 }
 
+QFont TVKDisplayPreview::displayFont() const
+{
+    // The desktop's fixed-width font at the size of the window's text, which a theme may give
+    // in pixels rather than points.
+    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    font.setStyleHint(QFont::Monospace);
+    font.setFixedPitch(true);
+    font.setPixelSize(
+        int(QFontInfo(this->font()).pixelSize() * (m_look == Look::Timecode ? 1.4 : 1.0)));
+    font.setBold(m_look == Look::Timecode);
+    return font;
+}
+
 void TVKDisplayPreview::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
@@ -51,11 +66,7 @@ void TVKDisplayPreview::paintEvent(QPaintEvent*)
         CorvaneROMIcons::paint(painter, inner, m_icon, ink);
         return;
     }
-    QFont font(QStringLiteral("DejaVu Sans Mono"));
-    font.setStyleHint(QFont::Monospace);
-    font.setPointSizeF(this->font().pointSizeF() * (m_look == Look::Timecode ? 1.4 : 1.0));
-    font.setBold(m_look == Look::Timecode);
-    painter.setFont(font);
+    painter.setFont(displayFont());
     painter.setPen(ink);
     if (m_text.isEmpty()) {
         painter.setPen(QColor(0x6a, 0x6c, 0x70));

@@ -22,6 +22,8 @@ public:
     QString text() const { return m_text; }
     int icon() const { return m_icon; }
     QSize sizeHint() const override;
+    // The characters of the display: of one width in every theme.
+    QFont displayFont() const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -185,10 +185,11 @@ void TVKMIDIActionEditorView::updateData()
     m_data2->setEnabled(c.data2Enabled);
     unsigned size = 0;
     const TVKMIDIAction::Message message = m_logic.composeMessage(size);
+    // Bytes written as the action's description writes them: two lower-case hex digits.
     QStringList bytes;
     for (unsigned i = 0; i < size; ++i)
         bytes << (i > 0 && message[i] == 0xF1
                       ? tr("value")
-                      : QStringLiteral("%1").arg(message[i], 2, 16, QLatin1Char('0')).toUpper());
+                      : QStringLiteral("%1").arg(message[i], 2, 16, QLatin1Char('0')));
     m_message->setText(bytes.join(QLatin1Char(' ')));
 }
