@@ -297,7 +297,8 @@ QString CorvaneController::preferencesMenuPath()
 
 QString CorvaneController::standaloneWindowReason(const QString& unit)
 {
-    return tr("The %1 window opens when the %1 is used without the RS. Choose it in %2.")
+    return tr("The %1 window opens when the %1 is used without the RS: choose it in %2 under "
+              "\u201cExpander used without the RS\u201d.")
         .arg(unit, preferencesMenuPath());
 }
 
@@ -332,8 +333,8 @@ bool CorvaneController::validateMenuItem(QAction* item)
                                                         : QString();
         return explainExpanderItem(
             item, other.isEmpty(),
-            tr("The TL window is not available while the %1 is used without the RS. Choose "
-               "the expander used without the RS in %2.")
+            tr("The TL window cannot be opened while the %1 is used without the RS. Choose in %2 "
+               "which expander is used without the RS.")
                 .arg(other, preferencesMenuPath()));
     }
     case Command::ShowTLW:

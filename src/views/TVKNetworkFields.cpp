@@ -61,7 +61,7 @@ int fieldWidth(const QLineEdit* field, int digits)
 {
     QStyleOptionFrame option;
     option.initFrom(field);
-    const int text = field->fontMetrics().horizontalAdvance(QString(digits + 1, u'0'));
+    const int text = field->fontMetrics().horizontalAdvance(QString(digits + 2, u'0'));
     return field->style()
         ->sizeFromContents(QStyle::CT_LineEdit, &option, QSize(text, field->fontMetrics().height()),
                            field)

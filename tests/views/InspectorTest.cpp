@@ -209,7 +209,10 @@ TEST_F(InspectorTest, MIDIMouseSpecialAndBuiltInEditors)
     const auto* custom = dynamic_cast<const TVKEncoderMIDIAction*>(encoder->action());
     ASSERT_NE(custom, nullptr);
     EXPECT_EQ(custom->midiMode(), 2u);
-    EXPECT_EQ(midi.messageLabel()->text(), QStringLiteral("B2 4A value"));
+    EXPECT_EQ(midi.messageLabel()->text(), QStringLiteral("b2 4a value"));
+    // What the editor says it sends is written as the action's description writes it.
+    EXPECT_EQ(QStringLiteral("Custom MIDI: ") + midi.messageLabel()->text(),
+              custom->actionDescriptor().simplified());
     EXPECT_FALSE(midi.data2()->isEnabled());
     ASSERT_TRUE(waitForCount(QStringLiteral("InAc"), 5, from));
     EXPECT_TRUE(serviceInStep());

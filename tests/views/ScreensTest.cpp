@@ -1,9 +1,11 @@
 // The screens a person looks at, captured on a real X server (Xvfb) into the build folder's
 // "screens" folder: the main window in both finishes and in a light and a dark theme, every
-// expander window, the sheets and the about box. The test checks that each capture shows
-// something; the judging is done by eye.
+// expander window, the sheets, the about box, the manual, the installer's log and the
+// uninstaller, New Keyset's list, and a greyed Window menu item's reason. The test checks that each
+// capture shows something; the judging is done by eye.
 #include "TestConfig.h"
 #include "ViewsFixture.h"
+#include "app/TVKMenuCommand.h"
 #include "core/Notifications.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
@@ -14,9 +16,12 @@
 #include "views/KeysetSummaryController.h"
 #include "views/TVKAboutBox.h"
 #include "views/TVKEditorView.h"
+#include "views/TVKHelpWindow.h"
 #include "views/TVKInstallerWindows.h"
 #include "views/TVKMainWindow.h"
+#include "views/TVKMenuBar.h"
 #include "views/TVKMultiStateButton.h"
+#include "views/TVKQtDialogs.h"
 #include "views/TVKSheetDialogs.h"
 #include "views/editors/TVKBuiltInActionEditorView.h"
 #include "views/editors/TVKDisplayPreview.h"
@@ -38,13 +43,17 @@
 #include <QComboBox>
 #include <QDir>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPalette>
+#include <QScreen>
 #include <QSet>
 #include <QSpinBox>
 #include <QStyleFactory>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTest>
+#include <QTimer>
+#include <QToolTip>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -95,6 +104,32 @@ QPalette darkPalette()
     return p;
 }
 
+// The Window menu open, with the tool tip of the greyed TLW item: what a person pointing at it
+// reads.
+void windowMenuTip(TVKMainWindow& main, TVKController& controller, const QString& name)
+{
+    QMenu* menu = nullptr;
+    for (QAction* top : main.tvkMenuBar()->actions()) {
+        if (top->menu() && top->text().remove(QLatin1Char('&')) == QStringLiteral("Window"))
+            menu = top->menu();
+    }
+    ASSERT_NE(menu, nullptr);
+    menu->popup(main.mapToGlobal(QPoint(40, 30)));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(menu));
+    const QAction* tlw = controller.menuItem(TVKMenuCommand::ShowTLW);
+    ASSERT_FALSE(tlw->isEnabled());
+    const QPoint at = menu->actionGeometry(const_cast<QAction*>(tlw)).center();
+    QHelpEvent help(QEvent::ToolTip, at, menu->mapToGlobal(at));
+    QApplication::sendEvent(menu, &help);
+    QTest::qWait(400);
+    const QRect area =
+        QRect(menu->geometry().topLeft(), QSize(menu->width() + 700, menu->height() + 90));
+    const QPixmap shot =
+        menu->screen()->grabWindow(0, area.x(), area.y(), area.width(), area.height());
+    ASSERT_TRUE(shot.save(QDir(screensFolder()).filePath(name + QStringLiteral(".png"))));
+    menu->hide();
+}
+
 } // namespace
 
 TEST_F(ViewsTest, Screens)
@@ -120,6 +155,7 @@ TEST_F(ViewsTest, Screens)
     };
     capture(*app->mainWindow(), QStringLiteral("main-midnight"));
     lit("after the first capture");
+    windowMenuTip(*app->mainWindow(), *controller, QStringLiteral("window-menu-why"));
     model->setHardwareStyle(1);
     corvane.setHardwareGraphics(1);
     capture(*app->mainWindow(), QStringLiteral("main-silver"));
@@ -153,6 +189,11 @@ TEST_F(ViewsTest, Screens)
     controller->showPreferencePanel();
     capture(*app->preferencesSheet(), QStringLiteral("preferences"));
     controller->cancelPrefsWindow();
+    controller->showAppPortPanel();
+    capture(*app->appPortSheet(), QStringLiteral("application-port"));
+    controller->cancelAppPortWindow();
+    app->showHelp(QStringLiteral("expanders"));
+    capture(*app->helpWindow(), QStringLiteral("help"));
 
     lit("after the sheet");
     app->show(TVKWindow::AboutBox);
@@ -239,9 +280,64 @@ TEST_F(ViewsTest, Screens)
         capture(window, name + QStringLiteral("-setup"));
     };
     installer(QStringLiteral("installer"));
+    // The steps' log, and the uninstaller's question.
+    const auto log = [&](const QString& name) {
+        TVKInstallerDialog window(TVKInstallerDialog::Kind::Install, controller->defaults(),
+                                  controller->corvaneModelData(), app->mainWindow());
+        TVKInstallerFace face;
+        face.message = QStringLiteral(
+            "installing midi driver\n________\ninstalling application support\ncould not copy "
+            "Tavrik\n    Permission denied\n________\ninstalling background application\n"
+            "background application installed\n________\n*** Click Finish to continue ***");
+        face.cancel.shown = false;
+        face.proceed = {QStringLiteral("Finish"), true, true};
+        window.refresh(face);
+        window.adjustSize();
+        capture(window, name);
+        TVKInstallerDialog uninstall(TVKInstallerDialog::Kind::Uninstall, controller->defaults(),
+                                     controller->corvaneModelData(), app->mainWindow());
+        face.message =
+            QStringLiteral("Do you want to uninstall the Corvane Ethernet software components?");
+        face.cancel = {QStringLiteral("Cancel"), true, true};
+        face.proceed = {QStringLiteral("Uninstall"), true, true};
+        face.quitMIDIWarningShown = true;
+        uninstall.refresh(face);
+        uninstall.adjustSize();
+        capture(uninstall, name + QStringLiteral("-uninstall"));
+    };
+    log(QStringLiteral("installer-log"));
+    // New Keyset's list of applications, some of them without an icon.
+    const auto chooser = [&](const QString& name) {
+        std::vector<DesktopApplication> applications;
+        for (const char* title : {"Audacity", "Ardour", "Zrythm", "Bitwig Studio", "Hydrogen"}) {
+            DesktopApplication a;
+            a.name = QString::fromLatin1(title);
+            a.id = a.name.toLower();
+            a.iconName = QStringLiteral("no-such-icon-") + a.id;
+            applications.push_back(a);
+        }
+        applications[1].iconName = QStringLiteral("audio-x-generic");
+        TVKQtDialogs dialogs;
+        dialogs.setParentWindow(app->mainWindow());
+        QTimer::singleShot(300, [&] {
+            if (QWidget* modal = QApplication::activeModalWidget()) {
+                capture(*modal, name);
+                modal->close();
+            }
+        });
+        (void)dialogs.chooseApplication(applications);
+    };
+    chooser(QStringLiteral("new-keyset"));
 
     QApplication::setPalette(darkPalette());
     installer(QStringLiteral("installer-dark-theme"));
+    log(QStringLiteral("installer-log-dark-theme"));
+    chooser(QStringLiteral("new-keyset-dark-theme"));
+    controller->showPreferencePanel();
+    capture(*app->preferencesSheet(), QStringLiteral("preferences-dark-theme"));
+    controller->cancelPrefsWindow();
+    capture(*app->helpWindow(), QStringLiteral("help-dark-theme"));
+    shoot(ControlType::LCDDisplay, "TEXT", QStringLiteral("lcd-text-dark-theme"));
     shoot(ControlType::Button, "KEYS", QStringLiteral("keys-dark-theme"));
     shoot(ControlType::MultiColorButton, "MIDI", QStringLiteral("multicolour-dark-theme"));
     capture(*app->mainWindow(), QStringLiteral("main-midnight-dark-theme"));
