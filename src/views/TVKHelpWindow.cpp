@@ -27,7 +27,8 @@ TVKHelpWindow::TVKHelpWindow(QWidget* parent) : QWidget(parent, Qt::Window)
         b->setToolTip(key.isEmpty() ? text
                                     : QStringLiteral("%1 (%2)").arg(
                                           text, key.toString(QKeySequence::NativeText)));
-        b->setAccessibleName(text);
+        b->setText(text);
+        b->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
         b->setShortcut(key);
         b->setAutoRaise(true);
         bar->addWidget(b);
@@ -35,7 +36,7 @@ TVKHelpWindow::TVKHelpWindow(QWidget* parent) : QWidget(parent, Qt::Window)
     };
     QToolButton* back = button(QStyle::SP_ArrowBack, tr("Back"), QKeySequence::Back);
     QToolButton* forward = button(QStyle::SP_ArrowForward, tr("Forward"), QKeySequence::Forward);
-    QToolButton* home = button(QStyle::SP_DirHomeIcon, tr("Contents"), QKeySequence());
+    QToolButton* home = button(QStyle::SP_FileDialogContentsView, tr("Contents"), QKeySequence());
     bar->addStretch(1);
     layout->addLayout(bar);
 
