@@ -4,11 +4,11 @@
 #include "ViewsFixture.h"
 #include "app/TVKMenuCommand.h"
 #include "model/CorvaneModelData.h"
-#include "views/editors/TVKDisplayPreview.h"
 #include "views/TVKHelpWindow.h"
 #include "views/TVKInstallerWindows.h"
 #include "views/TVKMainWindow.h"
 #include "views/TVKMenuBar.h"
+#include "views/editors/TVKDisplayPreview.h"
 
 #include <QAction>
 #include <QApplication>
