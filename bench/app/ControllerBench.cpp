@@ -254,7 +254,7 @@ void BM_JournalAppend(benchmark::State& state)
     std::vector<double> micros;
     for (auto _ : state) {
         const Clock::time_point start = Clock::now();
-        journal.append(msg::InAc, 3, body);
+        journal.append(msg::propertyMessage(corvane::ControlProperty::Action), 3, body);
         micros.push_back(since(start));
     }
     percentiles(state, micros);

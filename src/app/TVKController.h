@@ -8,6 +8,7 @@
 #include "core/Notifications.h"
 #include "core/PlistValue.h"
 #include "core/TVKUserDefaults.h"
+#include "model/ControlProperties.h"
 #include "service/MessageFrame.h"
 #include "service/TVKMessengerDelegate.h"
 
@@ -306,6 +307,35 @@ protected:
     // The on and the off colour edits: one pattern, two properties.
     void undoableSetColor(bool off, const std::vector<qint64>& colors, qint64 keyset, qint64 layer,
                           qint64 group, qint64 control, bool copyToAllLayers);
+    // What setting one property did to the controls an edit reached.
+    struct PropertyEdit
+    {
+        struct Taken
+        {
+            size_t index; // of the value and of the layer visited
+            qint64 layer;
+            corvane::PlistValue old; // the control's value before
+        };
+        std::vector<TVKControl*> visited; // each layer's control, null where there is none
+        std::vector<Taken> taken;         // the controls that carry the property
+        bool changed = false;             // one of them holds another value now
+    };
+    // Sets the property through its row of the property table, value i on the i-th layer
+    // visited.
+    PropertyEdit setControlProperty(corvane::ControlProperty property,
+                                    const std::vector<corvane::PlistValue>& values, qint64 keyset,
+                                    qint64 layer, qint64 group, qint64 control,
+                                    bool copyToAllLayers);
+    // An edit after which every control it reached holds what it held before is neither
+    // recorded nor sent. An edit that reached a missing control or one without the property is
+    // still recorded and sent, and an undo or redo always registers its other half.
+    bool changesNothing(const PropertyEdit& edit) const;
+    bool changesNothing(const ActionList& actions, qint64 keyset, qint64 layer, qint64 group,
+                        qint64 control, bool copyToAllLayers) const;
+    // Brightness and the sensitivities: no undo, one message per control changed.
+    void setPropertyWithoutUndo(corvane::ControlProperty property, corvane::ControlProperty sentAs,
+                                const std::vector<qint64>& values, qint64 keyset, qint64 layer,
+                                qint64 group, qint64 control, bool copyToAllLayers);
     // Makes the model data's selection the controller's (keyset, layer, model group and control).
     void copySelectionToModelData();
     // After a latch or colour edit: moves the selection to the edited control, or announces the

@@ -10,7 +10,8 @@
 #include "surface/TVK_Constant_Server.h"
 
 namespace note = corvane::note;
-using Property = TVK_PrivateMessenger::ControlProperty;
+using corvane::ControlProperty;
+using corvane::PlistValue;
 
 namespace {
 
@@ -201,20 +202,103 @@ void TVKController::handleInspectorNeedsUpdate(const note::InspUpdate& n)
     notifyOfControlChange(n.controlIndex, n.groupID);
 }
 
+// --- Property edits ------------------------------------------------------------------------------
+
+namespace {
+
+template <typename T>
+std::vector<PlistValue> plistValues(const std::vector<T>& values)
+{
+    std::vector<PlistValue> result;
+    result.reserve(values.size());
+    for (const T& value : values)
+        result.emplace_back(value);
+    return result;
+}
+
+// Whether storing `next` leaves a control holding `current` as it was: both none, or two actions
+// that archive alike.
+bool sameAction(const TVKAction* current, const TVKAction* next)
+{
+    if (!current || !next)
+        return current == next;
+    if (current->actionType() != next->actionType())
+        return false;
+    PlistValue currentDict = PlistValue::makeDict();
+    PlistValue nextDict = PlistValue::makeDict();
+    current->writeTo(currentDict);
+    next->writeTo(nextDict);
+    return currentDict == nextDict;
+}
+
+// A control action as the model stores it: the null action is stored as none.
+const TVKAction* storedForm(const TVKAction* action)
+{
+    return action && action->actionType() != TVKNULLAction::kActionType ? action : nullptr;
+}
+
+} // namespace
+
+TVKController::PropertyEdit TVKController::setControlProperty(ControlProperty property,
+                                                              const std::vector<PlistValue>& values,
+                                                              qint64 keyset, qint64 layer,
+                                                              qint64 group, qint64 control,
+                                                              bool copyToAllLayers)
+{
+    const corvane::ControlPropertyRow& row = corvane::controlProperty(property);
+    PropertyEdit edit;
+    edit.visited =
+        forEachAffectedControl(keyset, layer, group, control, copyToAllLayers,
+                               [&](size_t i, qint64 l, TVKControl* target) {
+                                   std::optional<PlistValue> before = target && i < values.size()
+                                                                          ? row.value(target)
+                                                                          : std::nullopt;
+                                   if (!before)
+                                       return;
+                                   row.setValue(*target, values[i]);
+                                   edit.changed = edit.changed || row.value(target) != before;
+                                   edit.taken.push_back({i, l, std::move(*before)});
+                               });
+    return edit;
+}
+
+bool TVKController::changesNothing(const PropertyEdit& edit) const
+{
+    return !m_undoManager.isUndoing() && !m_undoManager.isRedoing() && !edit.visited.empty() &&
+           edit.taken.size() == edit.visited.size() && !edit.changed;
+}
+
+bool TVKController::changesNothing(const ActionList& actions, qint64 keyset, qint64 layer,
+                                   qint64 group, qint64 control, bool copyToAllLayers) const
+{
+    if (m_undoManager.isUndoing() || m_undoManager.isRedoing())
+        return false;
+    const std::vector<qint64> layers = affectedLayers(layer, copyToAllLayers);
+    if (layers.empty() || actions.size() < layers.size())
+        return false;
+    for (size_t i = 0; i < layers.size(); ++i) {
+        const TVKControl* target = controlAt(keyset, layers[i], group, control);
+        if (!target || !sameAction(target->action(), storedForm(actions[i].get())))
+            return false;
+    }
+    return true;
+}
+
 // --- Primitives without undo ---------------------------------------------------------------------
 
 void TVKController::undoableSetUserName(const QString& name, qint64 keyset, qint64 layer,
                                         qint64 group, qint64 control, bool copyToAllLayers)
 {
-    const std::vector<TVKControl*> visited = forEachAffectedControl(
-        keyset, layer, group, control, copyToAllLayers, [&](size_t, qint64, TVKControl* target) {
-            if (target)
-                target->setUserName(name);
-        });
+    const PropertyEdit edit = setControlProperty(
+        ControlProperty::UserName,
+        std::vector<PlistValue>(affectedLayers(layer, copyToAllLayers).size(), PlistValue(name)),
+        keyset, layer, group, control, copyToAllLayers);
+    if (changesNothing(edit))
+        return;
     if (m_messenger)
-        m_messenger->updateProperty(Property::UserNameProperty, int(keyset), int(layer), int(group),
+        m_messenger->updateProperty(ControlProperty::UserName, int(keyset), int(layer), int(group),
                                     int(control));
-    notifyOfControlUserNameChange(visited.empty() ? nullptr : visited.back());
+    notifyOfControlUserNameChange(edit.visited.empty() ? nullptr : edit.visited.back());
 }
 
 void TVKController::recordedSetUserNames(const std::vector<QString>& names, qint64 keyset,
@@ -257,58 +341,45 @@ void TVKController::undoableSetDisplayUserName(const QString& name, qint64 keyse
     }
 }
 
+void TVKController::setPropertyWithoutUndo(ControlProperty property, ControlProperty sentAs,
+                                           const std::vector<qint64>& values, qint64 keyset,
+                                           qint64 layer, qint64 group, qint64 control,
+                                           bool copyToAllLayers)
+{
+    const PropertyEdit edit = setControlProperty(property, plistValues(values), keyset, layer,
+                                                 group, control, copyToAllLayers);
+    if (changesNothing(edit) || !m_messenger)
+        return;
+    for (const PropertyEdit::Taken& taken : edit.taken)
+        m_messenger->updateProperty(sentAs, int(keyset), int(taken.layer), int(group),
+                                    int(control));
+}
+
 void TVKController::undoableSetBrightness(const std::vector<qint64>& values, qint64 keyset,
                                           qint64 layer, qint64 group, qint64 control,
                                           bool copyToAllLayers)
 {
-    forEachAffectedControl(keyset, layer, group, control, copyToAllLayers,
-                           [&](size_t i, qint64 l, TVKControl* target) {
-                               // Only the control type that has brightness (2).
-                               auto* lit = dynamic_cast<TVK4WayControl*>(target);
-                               if (!lit || target->tvkControlType() != 2 || i >= values.size())
-                                   return;
-                               lit->setBrightness(int(values[i]));
-                               if (m_messenger)
-                                   m_messenger->updateProperty(Property::BrightnessProperty,
-                                                               int(keyset), int(l), int(group),
-                                                               int(control));
-                           });
+    setPropertyWithoutUndo(ControlProperty::Brightness, ControlProperty::Brightness, values, keyset,
+                           layer, group, control, copyToAllLayers);
 }
 
 void TVKController::undoableSetJogSensitivity(const std::vector<qint64>& values, qint64 keyset,
                                               qint64 layer, qint64 group, qint64 control,
                                               bool copyToAllLayers)
 {
-    forEachAffectedControl(keyset, layer, group, control, copyToAllLayers,
-                           [&](size_t i, qint64 l, TVKControl* target) {
-                               auto* jog = dynamic_cast<TVKJogControl*>(target);
-                               if (!jog || i >= values.size())
-                                   return;
-                               jog->setSensitivity(int(values[i]));
-                               if (m_messenger)
-                                   m_messenger->updateProperty(Property::JogSensitivityProperty,
-                                                               int(keyset), int(l), int(group),
-                                                               int(control));
-                           });
+    setPropertyWithoutUndo(ControlProperty::JogSensitivity, ControlProperty::JogSensitivity, values,
+                           keyset, layer, group, control, copyToAllLayers);
 }
 
 void TVKController::undoableSetJoystickSensitivity(const std::vector<qint64>& values, qint64 keyset,
                                                    qint64 layer, qint64 group, qint64 control,
                                                    bool copyToAllLayers)
 {
-    // Copied to all layers it goes out as the jog's property (6), on one layer as its own (7).
-    const int property =
-        copyToAllLayers ? Property::JogSensitivityProperty : Property::JoystickSensitivityProperty;
-    forEachAffectedControl(keyset, layer, group, control, copyToAllLayers,
-                           [&](size_t i, qint64 l, TVKControl* target) {
-                               auto* joystick = dynamic_cast<TVKJoystickControl*>(target);
-                               if (!joystick || i >= values.size())
-                                   return;
-                               joystick->setJoystickSensitivity(int(values[i]));
-                               if (m_messenger)
-                                   m_messenger->updateProperty(property, int(keyset), int(l),
-                                                               int(group), int(control));
-                           });
+    // Copied to all layers it goes out as the jog's property, on one layer as its own.
+    setPropertyWithoutUndo(ControlProperty::JoystickSensitivity,
+                           copyToAllLayers ? ControlProperty::JogSensitivity
+                                           : ControlProperty::JoystickSensitivity,
+                           values, keyset, layer, group, control, copyToAllLayers);
 }
 
 // --- Undoable primitives -------------------------------------------------------------------------
@@ -317,23 +388,22 @@ void TVKController::undoableSetLatchStyle(const std::vector<bool>& latched, qint
                                           qint64 layer, qint64 group, qint64 control,
                                           bool copyToAllLayers)
 {
+    const PropertyEdit edit = setControlProperty(ControlProperty::Latch, plistValues(latched),
+                                                 keyset, layer, group, control, copyToAllLayers);
+    if (changesNothing(edit))
+        return;
     std::vector<bool> old;
-    const std::vector<TVKControl*> visited = forEachAffectedControl(
-        keyset, layer, group, control, copyToAllLayers, [&](size_t i, qint64, TVKControl* target) {
-            if (!target || i >= latched.size())
-                return;
-            old.push_back(target->latched());
-            target->setLatched(latched[i]);
-        });
+    for (const PropertyEdit::Taken& taken : edit.taken)
+        old.push_back(taken.old.toBool());
     m_undoManager.registerUndo(
         [this, old, keyset, layer, group, control, copyToAllLayers] {
             undoableSetLatchStyle(old, keyset, layer, group, control, copyToAllLayers);
         },
         tr("Change Latch Style"));
-    finishControlEdit(visited, copyToAllLayers, keyset, layer, group, control);
+    finishControlEdit(edit.visited, copyToAllLayers, keyset, layer, group, control);
     if (m_messenger) {
         for (const qint64 l : affectedLayers(layer, copyToAllLayers))
-            m_messenger->updateProperty(Property::LatchProperty, int(keyset), int(l), int(group),
+            m_messenger->updateProperty(ControlProperty::Latch, int(keyset), int(l), int(group),
                                         int(control));
     }
     qint64 onscreenGroup = 0;
@@ -343,32 +413,6 @@ void TVKController::undoableSetLatchStyle(const std::vector<bool>& latched, qint
     setSelectedControl(onscreenControl);
     notifyOfRemoteControlChange(onscreenControl, onscreenGroup, false);
 }
-
-namespace {
-
-// The on or the off colour of a control that has it.
-std::optional<qint64> colorOf(TVKControl* control, bool off)
-{
-    if (auto* button = dynamic_cast<TVKMultiColorButtonControl*>(control))
-        return off ? button->offColor() : button->onColor();
-    if (auto* trackball = dynamic_cast<TVK4WayControl*>(control); trackball && !off)
-        return trackball->onColor();
-    return std::nullopt;
-}
-
-void setColorOf(TVKControl* control, bool off, qint64 color)
-{
-    if (auto* button = dynamic_cast<TVKMultiColorButtonControl*>(control)) {
-        if (off)
-            button->setOffColor(int(color));
-        else
-            button->setOnColor(int(color));
-    } else if (auto* trackball = dynamic_cast<TVK4WayControl*>(control); trackball && !off) {
-        trackball->setOnColor(int(color));
-    }
-}
-
-} // namespace
 
 void TVKController::undoableSetOnColor(const std::vector<qint64>& colors, qint64 keyset,
                                        qint64 layer, qint64 group, qint64 control,
@@ -388,23 +432,21 @@ void TVKController::undoableSetColor(bool off, const std::vector<qint64>& colors
                                      qint64 layer, qint64 group, qint64 control,
                                      bool copyToAllLayers)
 {
+    const ControlProperty property = off ? ControlProperty::OffColor : ControlProperty::OnColor;
+    const PropertyEdit edit = setControlProperty(property, plistValues(colors), keyset, layer,
+                                                 group, control, copyToAllLayers);
+    if (changesNothing(edit))
+        return;
     std::vector<qint64> old;
     qint64 shown = 0;
-    const int property = off ? Property::OffColorProperty : Property::OnColorProperty;
-    const std::vector<TVKControl*> visited =
-        forEachAffectedControl(keyset, layer, group, control, copyToAllLayers,
-                               [&](size_t i, qint64 l, TVKControl* target) {
-                                   const std::optional<qint64> color = colorOf(target, off);
-                                   if (!color || i >= colors.size())
-                                       return;
-                                   old.push_back(*color);
-                                   setColorOf(target, off, colors[i]);
-                                   if (!copyToAllLayers || l == m_selectedLayer)
-                                       shown = colors[i];
-                                   if (m_messenger)
-                                       m_messenger->updateProperty(property, int(keyset), int(l),
-                                                                   int(group), int(control));
-                               });
+    for (const PropertyEdit::Taken& taken : edit.taken) {
+        old.push_back(taken.old.toInteger());
+        if (!copyToAllLayers || taken.layer == m_selectedLayer)
+            shown = colors[taken.index];
+        if (m_messenger)
+            m_messenger->updateProperty(property, int(keyset), int(taken.layer), int(group),
+                                        int(control));
+    }
     m_undoManager.registerUndo(
         [this, off, old, keyset, layer, group, control, copyToAllLayers] {
             undoableSetColor(off, old, keyset, layer, group, control, copyToAllLayers);
@@ -417,7 +459,7 @@ void TVKController::undoableSetColor(bool off, const std::vector<qint64>& colors
         notifyOfControlOffColorChange(shown, onscreenGroup, onscreenControl);
     else
         notifyOfControlOnColorChange(shown, onscreenGroup, onscreenControl);
-    finishControlEdit(visited, copyToAllLayers, keyset, layer, group, control);
+    finishControlEdit(edit.visited, copyToAllLayers, keyset, layer, group, control);
     setSelectedGroup(onscreenGroup);
     setSelectedControl(onscreenControl);
 }
@@ -426,6 +468,8 @@ void TVKController::undoableInsertAction(const ActionList& actions, qint64 keyse
                                          qint64 group, qint64 control, const QString& undoName,
                                          bool copyToAllLayers)
 {
+    if (changesNothing(actions, keyset, layer, group, control, copyToAllLayers))
+        return;
     ActionList old;
     bool storedNone = false;
     const std::vector<TVKControl*> visited = forEachAffectedControl(
@@ -457,7 +501,7 @@ void TVKController::undoableInsertAction(const ActionList& actions, qint64 keyse
         selectEditedControl(keyset, layer, group, control);
     if (m_messenger) {
         for (const qint64 l : affectedLayers(layer, copyToAllLayers))
-            m_messenger->updateProperty(Property::ActionProperty, int(keyset), int(l), int(group),
+            m_messenger->updateProperty(ControlProperty::Action, int(keyset), int(l), int(group),
                                         int(control));
     }
     qint64 onscreenGroup = 0;
@@ -476,6 +520,9 @@ void TVKController::undoableInsertDisplayAction(std::shared_ptr<const TVKAction>
     TVKControl* target = m_modelData ? m_modelData->displayForKeyset(int(keyset), int(layer),
                                                                      int(group), int(display))
                                      : nullptr;
+    if (target && sameAction(target->action(), action.get()) && !m_undoManager.isUndoing() &&
+        !m_undoManager.isRedoing())
+        return;
     std::shared_ptr<const TVKAction> old;
     if (target) {
         old = target->takeAction();

@@ -6,6 +6,7 @@
 #include "actions/TVKStandardActionTypes.h"
 #include "core/Log.h"
 #include "model/ArchiveRepairLog.h"
+#include "model/ControlProperties.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"
 
@@ -41,6 +42,14 @@ int intValue(const PlistValue& dict, QStringView key, int defaultValue)
     return int(value.toInteger(defaultValue));
 }
 
+// The settings an edit changes one at a time are archived under their keys of the property table.
+const QString& keyOf(corvane::ControlProperty property)
+{
+    return corvane::controlProperty(property).key;
+}
+
+using Property = corvane::ControlProperty;
+
 bool emulatesGroup(const TVKAction* action, qint32 type, int group)
 {
     const auto* emulation = dynamic_cast<const TVKEmulationAction*>(action);
@@ -63,7 +72,7 @@ TVKControl::TVKControl(const PlistValue& archive, TVKModelData* owner, TVKKeyset
     : TVKControl(intValue(archive, u"TVKType", 0), archive.value(u"TVKName").toString(), owner,
                  keyset, layer, groupID, index)
 {
-    m_userName = archive.value(u"TVKUName").toString();
+    m_userName = archive.value(keyOf(Property::UserName)).toString();
     const PlistValue& archivedAction = archive.value(u"TVKAction");
     if (archivedAction.isNull())
         return;
@@ -83,7 +92,7 @@ TVKControl::~TVKControl() = default;
 void TVKControl::writeTo(PlistValue& dict) const
 {
     dict.insert(QStringLiteral("TVKName"), PlistValue(m_name));
-    dict.insert(QStringLiteral("TVKUName"), PlistValue(m_userName));
+    dict.insert(keyOf(Property::UserName), PlistValue(m_userName));
     dict.insert(QStringLiteral("TVKType"), PlistValue(qint64(m_type)));
     if (m_action) {
         PlistValue actionDict = PlistValue::makeDict(1);
@@ -175,13 +184,13 @@ TVKButtonControl::TVKButtonControl(const PlistValue& archive, TVKModelData* owne
                                    TVKKeyset* keyset, TVKLayer* layer, int groupID, int index)
     : TVKControl(archive, owner, keyset, layer, groupID, index)
 {
-    setLatched(intValue(archive, u"TVKLatch", 0) != 0);
+    setLatched(intValue(archive, keyOf(Property::Latch), 0) != 0);
 }
 
 void TVKButtonControl::writeTo(PlistValue& dict) const
 {
     TVKControl::writeTo(dict);
-    dict.insert(QStringLiteral("TVKLatch"), PlistValue(qint64(latched() ? 1 : 0)));
+    dict.insert(keyOf(Property::Latch), PlistValue(qint64(latched() ? 1 : 0)));
 }
 
 qint32 TVKButtonControl::actionModeToActionType(int mode) const
@@ -233,15 +242,15 @@ TVK4WayControl::TVK4WayControl(const PlistValue& archive, TVKModelData* owner, T
                                TVKLayer* layer, int groupID, int index)
     : TVKControl(archive, owner, keyset, layer, groupID, index)
 {
-    m_onColor = intValue(archive, u"TVKColor", m_onColor);
-    m_brightness = intValue(archive, u"TVKBrightness", m_brightness);
+    m_onColor = intValue(archive, keyOf(Property::OnColor), m_onColor);
+    m_brightness = intValue(archive, keyOf(Property::Brightness), m_brightness);
 }
 
 void TVK4WayControl::writeTo(PlistValue& dict) const
 {
     TVKControl::writeTo(dict);
-    dict.insert(QStringLiteral("TVKColor"), PlistValue(qint64(m_onColor)));
-    dict.insert(QStringLiteral("TVKBrightness"), PlistValue(qint64(m_brightness)));
+    dict.insert(keyOf(Property::OnColor), PlistValue(qint64(m_onColor)));
+    dict.insert(keyOf(Property::Brightness), PlistValue(qint64(m_brightness)));
 }
 
 qint32 TVK4WayControl::actionModeToActionType(int mode) const
@@ -277,13 +286,13 @@ TVKJogControl::TVKJogControl(const PlistValue& archive, TVKModelData* owner, TVK
                              TVKLayer* layer, int groupID, int index)
     : TVKControl(archive, owner, keyset, layer, groupID, index)
 {
-    m_sensitivity = intValue(archive, u"TVKJogSens", m_sensitivity);
+    m_sensitivity = intValue(archive, keyOf(Property::JogSensitivity), m_sensitivity);
 }
 
 void TVKJogControl::writeTo(PlistValue& dict) const
 {
     TVKControl::writeTo(dict);
-    dict.insert(QStringLiteral("TVKJogSens"), PlistValue(qint64(m_sensitivity)));
+    dict.insert(keyOf(Property::JogSensitivity), PlistValue(qint64(m_sensitivity)));
 }
 
 qint32 TVKJogControl::actionModeToActionType(int mode) const
@@ -321,13 +330,14 @@ TVKJoystickControl::TVKJoystickControl(const PlistValue& archive, TVKModelData* 
                                        TVKKeyset* keyset, TVKLayer* layer, int groupID, int index)
     : TVKControl(archive, owner, keyset, layer, groupID, index)
 {
-    m_joystickSensitivity = intValue(archive, u"TVKJoySens", m_joystickSensitivity);
+    m_joystickSensitivity =
+        intValue(archive, keyOf(Property::JoystickSensitivity), m_joystickSensitivity);
 }
 
 void TVKJoystickControl::writeTo(PlistValue& dict) const
 {
     TVKControl::writeTo(dict);
-    dict.insert(QStringLiteral("TVKJoySens"), PlistValue(qint64(m_joystickSensitivity)));
+    dict.insert(keyOf(Property::JoystickSensitivity), PlistValue(qint64(m_joystickSensitivity)));
 }
 
 qint32 TVKJoystickControl::actionModeToActionType(int mode) const
@@ -349,16 +359,16 @@ TVKMultiColorButtonControl::TVKMultiColorButtonControl(const PlistValue& archive
                                                        TVKLayer* layer, int groupID, int index)
     : TVKButtonControl(archive, owner, keyset, layer, groupID, index)
 {
-    m_onColor = intValue(archive, u"TVKColor", m_onColor);
-    m_offColor = intValue(archive, u"TVKOffColor", m_offColor);
+    m_onColor = intValue(archive, keyOf(Property::OnColor), m_onColor);
+    m_offColor = intValue(archive, keyOf(Property::OffColor), m_offColor);
     m_memberOfGroup = intValue(archive, u"TVKNVButtonGroup", m_memberOfGroup);
 }
 
 void TVKMultiColorButtonControl::writeTo(PlistValue& dict) const
 {
     TVKButtonControl::writeTo(dict);
-    dict.insert(QStringLiteral("TVKColor"), PlistValue(qint64(m_onColor)));
-    dict.insert(QStringLiteral("TVKOffColor"), PlistValue(qint64(m_offColor)));
+    dict.insert(keyOf(Property::OnColor), PlistValue(qint64(m_onColor)));
+    dict.insert(keyOf(Property::OffColor), PlistValue(qint64(m_offColor)));
     dict.insert(QStringLiteral("TVKNVButtonGroup"), PlistValue(qint64(m_memberOfGroup)));
 }
 

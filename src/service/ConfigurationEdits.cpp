@@ -4,6 +4,7 @@
 #include "core/FourCharCode.h"
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
+#include "model/ControlProperties.h"
 #include "model/CorvaneKeyset.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
@@ -133,16 +134,12 @@ bool applyDictionary(TVKModelData& model, MessageID id, const PlistValue& dict, 
             dict.value(corvane::info::ActionObject), display));
         return true;
     }
-    case msg::InAc:
-    case msg::ChLa:
-    case msg::ChCo:
-    case msg::ChBr:
-    case msg::ChUN:
-    case msg::COfC:
-    case msg::ChJS:
-    case msg::ChJy:
-        break;
     default:
+        break;
+    }
+    const corvane::ControlPropertyRow* property =
+        corvane::controlPropertyForMessage(corvane::FourCharCode(id));
+    if (!property) {
         // Messages without a part in the stored configuration (the zero-ID notice of a
         // property the control lacks, the LCD-button expander's lists).
         return true;
@@ -157,42 +154,8 @@ bool applyDictionary(TVKModelData& model, MessageID id, const PlistValue& dict, 
         *reason = QStringLiteral("no control at %1/%2/%3").arg(layer).arg(group).arg(control);
         return false;
     }
-    switch (id) {
-    case msg::InAc:
-        target->adoptAction(TVKStandardActionTypes::createActionFromArchive(
-            dict.value(corvane::info::ActionObject), target));
-        break;
-    case msg::ChLa:
-        target->setLatched(dict.value(u"TVKLatch").toBool());
-        break;
-    case msg::ChCo:
-        if (auto* button = dynamic_cast<TVKMultiColorButtonControl*>(target))
-            button->setOnColor(int(dict.value(corvane::info::Color).toInteger()));
-        else if (auto* trackball = dynamic_cast<TVK4WayControl*>(target))
-            trackball->setOnColor(int(dict.value(corvane::info::Color).toInteger()));
-        break;
-    case msg::ChBr:
-        if (auto* trackball = dynamic_cast<TVK4WayControl*>(target))
-            trackball->setBrightness(int(dict.value(corvane::info::Brightness).toInteger()));
-        break;
-    case msg::ChUN:
-        target->setUserName(dict.value(u"TVKUName").toString());
-        break;
-    case msg::COfC:
-        if (auto* button = dynamic_cast<TVKMultiColorButtonControl*>(target))
-            button->setOffColor(int(dict.value(corvane::info::OffColor).toInteger()));
-        break;
-    case msg::ChJS:
-        if (auto* jog = dynamic_cast<TVKJogControl*>(target))
-            jog->setSensitivity(int(dict.value(corvane::info::JogSens).toInteger()));
-        break;
-    case msg::ChJy:
-        if (auto* joystick = dynamic_cast<TVKJoystickControl*>(target))
-            joystick->setJoystickSensitivity(int(dict.value(u"TVKJoySens").toUnsigned()));
-        break;
-    default:
-        break;
-    }
+    // A control without the property keeps what it has.
+    property->setValue(*target, dict.value(property->key));
     return true;
 }
 
@@ -200,18 +163,12 @@ bool applyDictionary(TVKModelData& model, MessageID id, const PlistValue& dict, 
 
 bool isConfigurationMessage(MessageID id)
 {
+    if (corvane::controlPropertyForMessage(corvane::FourCharCode(id)))
+        return true;
     switch (id) {
     case msg::TAdK:
     case msg::TUpK:
     case msg::TDlK:
-    case msg::InAc:
-    case msg::ChLa:
-    case msg::ChCo:
-    case msg::ChBr:
-    case msg::ChUN:
-    case msg::COfC:
-    case msg::ChJS:
-    case msg::ChJy:
     case msg::IDAc:
     case msg::TChO:
     case msg::Emul:

@@ -6,8 +6,15 @@
 
 namespace corvane::msg {
 
+MessageID propertyMessage(ControlProperty property)
+{
+    return MessageID(controlProperty(property).message);
+}
+
 std::optional<BodyKind> applicationMessageKind(MessageID id)
 {
+    if (controlPropertyForMessage(FourCharCode(id)))
+        return BodyKind::PropertyList;
     switch (id) {
     case MPCn:
     case TCtl:
@@ -37,14 +44,6 @@ std::optional<BodyKind> applicationMessageKind(MessageID id)
     case TDlK:
     case RvRB:
     case ApEP:
-    case InAc:
-    case ChLa:
-    case ChCo:
-    case ChBr:
-    case ChUN:
-    case COfC:
-    case ChJS:
-    case ChJy:
     case IDAc:
     case TChO:
     case TUNV:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/PlistValue.h"
+#include "model/ControlProperties.h"
 #include "service/MessageFrame.h"
 
 #include <QByteArray>
@@ -42,21 +43,15 @@ inline constexpr MessageID TUpK = messageID("TUpK");
 inline constexpr MessageID TDlK = messageID("TDlK");
 inline constexpr MessageID RvRB = messageID("RvRB");
 inline constexpr MessageID ApEP = messageID("ApEP");
-inline constexpr MessageID InAc = messageID("InAc");
-inline constexpr MessageID ChLa = messageID("ChLa");
-inline constexpr MessageID ChCo = messageID("ChCo");
-inline constexpr MessageID ChBr = messageID("ChBr");
-inline constexpr MessageID ChUN = messageID("ChUN");
-inline constexpr MessageID COfC = messageID("COfC");
-inline constexpr MessageID ChJS = messageID("ChJS");
-inline constexpr MessageID ChJy = messageID("ChJy");
 inline constexpr MessageID IDAc = messageID("IDAc");
 inline constexpr MessageID TChO = messageID("TChO");
 inline constexpr MessageID TUNV = messageID("TUNV");
 inline constexpr MessageID TUNB = messageID("TUNB");
-// A control edit for a property the control does not carry still goes out, with only the four
-// index keys, under this ID.
+// One property of one control: the IDs are those of the control property table
+// (model/ControlProperties.h). A control edit for a property the control does not carry still
+// goes out, with only the four index keys, under this ID.
 inline constexpr MessageID MissingProperty = 0;
+MessageID propertyMessage(ControlProperty property);
 
 // Service to application, one-way.
 inline constexpr MessageID CurC = messageID("CurC"); // keyset, layer, group, control

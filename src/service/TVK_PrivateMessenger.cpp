@@ -2,6 +2,7 @@
 
 #include "actions/TVKNULLAction.h"
 #include "core/Notifications.h"
+#include "model/ControlProperties.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
@@ -82,78 +83,18 @@ PlistValue TVK_PrivateMessenger::indexDictionary(int keyset, int layer, int grou
 bool TVK_PrivateMessenger::updateProperty(int property, int keyset, int layer, int group,
                                           int control)
 {
-    if (property < ActionProperty || property > JoystickSensitivityProperty)
+    const corvane::ControlPropertyRow* row = corvane::controlPropertyWithCode(property);
+    if (!row)
         return false;
     PlistValue dict = indexDictionary(keyset, layer, group, control);
     const TVKControl* target =
         m_modelData ? m_modelData->controlForKeyset(keyset, layer, group, control) : nullptr;
-    const int type = target ? target->tvkControlType() : -1;
     // The service is told about the edit even when the control lacks the property: the four
     // indices alone, under ID 0.
     MessageID msgid = msg::MissingProperty;
-
-    switch (property) {
-    case ActionProperty: {
-        PlistValue actionDict = PlistValue::makeDict();
-        if (target && target->action()) {
-            target->action()->writeTo(actionDict);
-        } else {
-            TVKNULLAction nullAction(const_cast<TVKControl*>(target));
-            nullAction.writeTo(actionDict);
-        }
-        dict.insert(corvane::info::ActionObject, actionDict);
-        msgid = msg::InAc;
-        break;
-    }
-    case LatchProperty:
-        if (target) {
-            dict.insert(QStringLiteral("TVKLatch"), PlistValue(target->latched() ? 1 : 0));
-            msgid = msg::ChLa;
-        }
-        break;
-    case OnColorProperty:
-        if (auto* button = dynamic_cast<const TVKMultiColorButtonControl*>(target)) {
-            dict.insert(corvane::info::Color, PlistValue(button->onColor()));
-            msgid = msg::ChCo;
-        } else if (auto* trackball = dynamic_cast<const TVK4WayControl*>(target)) {
-            dict.insert(corvane::info::Color, PlistValue(trackball->onColor()));
-            msgid = msg::ChCo;
-        }
-        break;
-    case BrightnessProperty:
-        if (auto* trackball = dynamic_cast<const TVK4WayControl*>(target);
-            trackball && type == corvane::ControlType::FourWay) {
-            dict.insert(corvane::info::Brightness, PlistValue(trackball->brightness()));
-            msgid = msg::ChBr;
-        }
-        break;
-    case UserNameProperty:
-        if (target) {
-            dict.insert(QStringLiteral("TVKUName"), PlistValue(target->userName()));
-            msgid = msg::ChUN;
-        }
-        break;
-    case OffColorProperty:
-        if (auto* button = dynamic_cast<const TVKMultiColorButtonControl*>(target)) {
-            dict.insert(corvane::info::OffColor, PlistValue(button->offColor()));
-            msgid = msg::COfC;
-        }
-        break;
-    case JogSensitivityProperty:
-        if (auto* jog = dynamic_cast<const TVKJogControl*>(target);
-            jog && type == corvane::ControlType::Jog) {
-            dict.insert(corvane::info::JogSens, PlistValue(jog->sensitivity()));
-            msgid = msg::ChJS;
-        }
-        break;
-    case JoystickSensitivityProperty:
-        if (auto* joystick = dynamic_cast<const TVKJoystickControl*>(target);
-            joystick && type == corvane::ControlType::Joystick) {
-            dict.insert(QStringLiteral("TVKJoySens"),
-                        PlistValue(quint64(std::uint32_t(joystick->joystickSensitivity()))));
-            msgid = msg::ChJy;
-        }
-        break;
+    if (std::optional<PlistValue> value = row->value(target)) {
+        dict.insert(row->key, std::move(*value));
+        msgid = MessageID(row->message);
     }
     return sendProperties(dict, msgid);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/PlistValue.h"
+#include "model/ControlProperties.h"
 #include "service/TVK_CarbonCocoaMessenger.h"
 
 class TVKAction;
@@ -16,18 +17,6 @@ class TVK_PrivateMessenger : public TVK_CarbonCocoaMessenger
     Q_OBJECT
 
 public:
-    // Properties of updateProperty(property, keyset, layer, group, control).
-    enum ControlProperty
-    {
-        ActionProperty = 0,
-        LatchProperty = 1,
-        OnColorProperty = 2,
-        BrightnessProperty = 3,
-        UserNameProperty = 4,
-        OffColorProperty = 5,
-        JogSensitivityProperty = 6,
-        JoystickSensitivityProperty = 7
-    };
     // Properties of updateProperty(property, value, keyset).
     enum KeysetProperty
     {
@@ -51,9 +40,15 @@ public:
     bool sendProperties(const corvane::PlistValue& dictionary, corvane::MessageID msgid);
     // "RvRB" (0) or "ApEP" (1); other properties send nothing and give false.
     bool updateProperty(int property, qint64 value, int keyset);
-    // One property (0..7) of the control at the model indices, read from the model data. A
-    // control that does not carry the property still sends the four indices, under ID 0.
+    // One property of the control at the model indices (a code of the control property table),
+    // read from the model data. A control that does not carry the property still sends the four
+    // indices, under ID 0; a code outside the table sends nothing and gives false.
     bool updateProperty(int property, int keyset, int layer, int group, int control);
+    bool updateProperty(corvane::ControlProperty property, int keyset, int layer, int group,
+                        int control)
+    {
+        return updateProperty(int(property), keyset, layer, group, control);
+    }
     // "IDAc"; without an action a fresh null display action is sent.
     bool updateDisplayAction(const TVKAction* action, int keyset, int layer, int group,
                              int display);

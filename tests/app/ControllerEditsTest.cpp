@@ -1,5 +1,6 @@
 #include "ControllerFixture.h"
 #include "NoticeRecorder.h"
+#include "actions/TVKDisplayTextAction.h"
 #include "actions/TVKMIDIAction.h"
 #include "actions/TVKNULLAction.h"
 #include "core/Notifications.h"
@@ -187,6 +188,11 @@ TEST_F(EditTest, DisplayActionsAndTheUndoableOnesOfNone)
     controller->handleTVKDisplay(0, 0);
     TVKControl* display = controller->modelData()->selectedDisplay();
     ASSERT_NE(display, nullptr);
+    // Deleting what is not there changes nothing: give the display something to delete.
+    TVKLCDDisplayTextAction text(display, QStringLiteral("Mix"));
+    views.editedAction = &text;
+    post(note::InsertEditedDisplayAction{});
+    views.editedAction = nullptr;
     const TVKAction* before = display->action();
     const std::unique_ptr<TVKAction> kept = before ? before->copyWithZone() : nullptr;
     qsizetype from = mark();

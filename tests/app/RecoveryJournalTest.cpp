@@ -14,7 +14,7 @@ TEST(RecoveryJournal, KeepsWholeRecordsAndDropsATornOne)
     {
         TVKRecoveryJournal journal(path);
         ASSERT_TRUE(journal.open());
-        ASSERT_TRUE(journal.append(msg::ChLa, 2, QByteArray("first")));
+        ASSERT_TRUE(journal.append(corvane::messageID("ChLa"), 2, QByteArray("first")));
         ASSERT_TRUE(journal.append(msg::Emul, -1, QByteArray(70000, 'x')));
         ASSERT_TRUE(journal.append(msg::TDlK, 0, QByteArray("third")));
     }
@@ -31,14 +31,14 @@ TEST(RecoveryJournal, KeepsWholeRecordsAndDropsATornOne)
         const TVKRecoveryJournal::Contents contents = cutJournal.read();
         ASSERT_EQ(contents.records.size(), 2u);
         EXPECT_TRUE(contents.tornTail);
-        EXPECT_EQ(contents.records[0].id, msg::ChLa);
+        EXPECT_EQ(contents.records[0].id, corvane::messageID("ChLa"));
         EXPECT_EQ(contents.records[0].editedKeyset, 2);
         EXPECT_EQ(contents.records[0].body, QByteArray("first"));
         EXPECT_EQ(contents.records[1].editedKeyset, -1);
         EXPECT_EQ(contents.records[1].body.size(), 70000);
         // Opened again, the torn bytes go and the next record follows the whole ones.
         ASSERT_TRUE(cutJournal.open());
-        ASSERT_TRUE(cutJournal.append(msg::ChCo, 1, QByteArray("next")));
+        ASSERT_TRUE(cutJournal.append(corvane::messageID("ChCo"), 1, QByteArray("next")));
         const TVKRecoveryJournal::Contents again = cutJournal.read();
         ASSERT_EQ(again.records.size(), 3u);
         EXPECT_FALSE(again.tornTail);
@@ -61,7 +61,7 @@ TEST(RecoveryJournal, EmptiedWithANewEpochAndNeverReadFromAStranger)
     TVKRecoveryJournal journal(path);
     ASSERT_TRUE(journal.open());
     const quint64 epoch = journal.epoch();
-    ASSERT_TRUE(journal.append(msg::ChLa, 0, QByteArray("a")));
+    ASSERT_TRUE(journal.append(corvane::messageID("ChLa"), 0, QByteArray("a")));
     ASSERT_TRUE(journal.clear());
     EXPECT_NE(journal.epoch(), epoch);
     const TVKRecoveryJournal::Contents contents = journal.read();

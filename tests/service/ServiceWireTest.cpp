@@ -202,9 +202,10 @@ TEST(MessageCatalogue, EveryApplicationMessageHasAKnownLayout)
     EXPECT_EQ(msg::applicationMessageKind(msg::TCtl), msg::BodyKind::Words);
     EXPECT_EQ(msg::applicationMessageKind(msg::RSoc), msg::BodyKind::ResetSocket);
     EXPECT_EQ(msg::applicationMessageKind(msg::Cnct), msg::BodyKind::Request);
-    EXPECT_EQ(msg::applicationMessageKind(msg::InAc), msg::BodyKind::PropertyList);
+    EXPECT_EQ(msg::applicationMessageKind(messageID("InAc")), msg::BodyKind::PropertyList);
     EXPECT_EQ(msg::applicationMessageKind(msg::MissingProperty), msg::BodyKind::PropertyList);
     // "CnSt" and "CurC" only ever come from the service.
     EXPECT_EQ(msg::applicationMessageKind(msg::CnSt), std::nullopt);
-    EXPECT_EQ(msg::codeText(msg::ChJy), QStringLiteral("ChJy"));
+    EXPECT_EQ(msg::codeText(msg::propertyMessage(ControlProperty::JoystickSensitivity)),
+              QStringLiteral("ChJy"));
 }
