@@ -305,23 +305,24 @@ void TVKController::recordedSetUserNames(const std::vector<QString>& names, qint
                                          qint64 layer, qint64 group, qint64 control,
                                          bool copyToAllLayers)
 {
+    const PropertyEdit edit = setControlProperty(ControlProperty::UserName, plistValues(names),
+                                                 keyset, layer, group, control, copyToAllLayers);
+    if (changesNothing(edit))
+        return;
+    // Every layer visited gets its name back, a missing control none.
     std::vector<QString> old;
-    TVKControl* last = nullptr;
-    forEachAffectedControl(keyset, layer, group, control, copyToAllLayers,
-                           [&](size_t i, qint64, TVKControl* target) {
-                               old.push_back(target ? target->userName() : QString());
-                               if (!target || i >= names.size())
-                                   return;
-                               target->setUserName(names[i]);
-                               last = target;
-                           });
+    for (const TVKControl* target : edit.visited)
+        old.push_back(target ? target->userName() : QString());
+    for (const PropertyEdit::Taken& taken : edit.taken)
+        old[taken.index] = taken.old.toString();
+    TVKControl* last = edit.taken.empty() ? nullptr : edit.visited[edit.taken.back().index];
     m_undoManager.registerUndo(
         [this, old, keyset, layer, group, control, copyToAllLayers] {
             recordedSetUserNames(old, keyset, layer, group, control, copyToAllLayers);
         },
         tr("Change Name"));
     if (m_messenger)
-        m_messenger->updateProperty(Property::UserNameProperty, int(keyset), int(layer), int(group),
+        m_messenger->updateProperty(ControlProperty::UserName, int(keyset), int(layer), int(group),
                                     int(control));
     notifyOfControlUserNameChange(last);
     // The inspector shows the name again when the step is undone or redone.
