@@ -12,9 +12,11 @@
 #include "surface/TVK_Constant_Server.h"
 
 #include <QAction>
+#include <QClipboard>
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QIcon>
 #include <QPainter>
 
@@ -58,6 +60,10 @@ TVKController::TVKController()
     g_controller = this;
     setViews({});
     makeMenuItems();
+    // Paste follows what the clipboard holds, whoever put it there.
+    if (auto* app = qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
+        QObject::connect(app->clipboard(), &QClipboard::dataChanged, this,
+                         [this] { validateMenuItems(); });
 }
 
 TVKController::~TVKController()

@@ -189,6 +189,8 @@ public:
     void handleExportKeyset();
     void handleCopyKeyset();
     void handlePasteKeyset();
+    // Paste has something to paste only while the clipboard holds a keyset.
+    static bool clipboardHoldsKeyset();
     void handleClearKeyset();
     void handleDeleteKeyset();
     void handleLockUnlockMenu();

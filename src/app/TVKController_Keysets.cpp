@@ -145,12 +145,7 @@ void TVKController::importKeysetFile(const QString& path)
         return;
     }
 
-    // A keyset with neither signature nor bundle identifier matches nothing.
-    const int found = !isNoSignature(keyset->signature())
-                          ? m_modelData->indexOfKeysetWithSignature(keyset->signature())
-                      : !keyset->bundleID().isEmpty()
-                          ? m_modelData->indexOfKeysetWithBundleID(keyset->bundleID())
-                          : -1;
+    const int found = m_modelData->indexOfMatchingKeyset(*keyset);
     if (found >= 0) {
         const int button = m_views.dialogs->runAlert(
             {tr("Keyset Already Exists"),
@@ -189,21 +184,41 @@ void TVKController::handleCopyKeyset()
     QGuiApplication::clipboard()->setMimeData(data);
 }
 
+bool TVKController::clipboardHoldsKeyset()
+{
+    if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
+        return false;
+    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+    return data && data->hasFormat(kPasteboardType);
+}
+
 void TVKController::handlePasteKeyset()
 {
     TVKKeyset* target = keysetAt(m_selectedKeyset);
-    if (!target)
+    if (!target || target->locked())
         return;
-    // Whatever the pasteboard holds under the type; without it the archive is empty.
-    PlistValue archive = PlistValue::makeDict();
-    if (const QMimeData* data = QGuiApplication::clipboard()->mimeData();
-        data && data->hasFormat(kPasteboardType)) {
-        corvane::PlistReadResult read = corvane::PlistCodec::read(data->data(kPasteboardType));
-        if (read.ok && read.value.isDict() &&
-            TVKModelData::archiveLimitExceeded(read.value).isNull())
-            archive = std::move(read.value);
+    // Without a keyset on the clipboard there is nothing to paste: an empty archive would
+    // silently wipe every layer of the keyset.
+    if (!clipboardHoldsKeyset())
+        return;
+    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+    corvane::PlistReadResult read = corvane::PlistCodec::read(data->data(kPasteboardType));
+    QString reason;
+    if (!read.ok)
+        reason = read.error.toString();
+    else if (!read.value.isDict())
+        reason = tr("it holds a list or a single value, not a keyset");
+    else
+        reason = TVKModelData::archiveLimitExceeded(read.value);
+    if (!reason.isEmpty()) {
+        corvane::log(QStringLiteral("paste of keyset refused: %1").arg(reason));
+        m_views.dialogs->runAlert(
+            {tr("The Keyset Could Not Be Pasted"),
+             tr("The clipboard does not hold a usable keyset: %1").arg(reason),
+             {tr("OK")}});
+        return;
     }
-    std::unique_ptr<TVKKeyset> pasted = makeKeysetFromArchive(archive);
+    std::unique_ptr<TVKKeyset> pasted = makeKeysetFromArchive(read.value);
     if (!pasted)
         return;
     // Layers and actions come from the pasteboard; which application it serves does not.

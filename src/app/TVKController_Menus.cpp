@@ -173,9 +173,11 @@ bool TVKController::validateMenuItem(QAction* item)
                           .arg(locked ? QStringLiteral("Unl") : QStringLiteral("L"),
                                keyset ? keyset->name() : QString()));
         return true;
-    case Command::HandlePasteKeyset:
-        validateTitledKeysetItem(item, QStringLiteral("Paste to"), !locked);
-        return !locked;
+    case Command::HandlePasteKeyset: {
+        const bool enabled = !locked && clipboardHoldsKeyset();
+        validateTitledKeysetItem(item, QStringLiteral("Paste to"), enabled);
+        return enabled;
+    }
     case Command::HandleClearKeyset:
         validateTitledKeysetItem(item, QStringLiteral("Clear"), !locked);
         return !locked;

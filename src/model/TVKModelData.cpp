@@ -165,6 +165,13 @@ int TVKModelData::indexOfKeysetWithBundleID(const QString& bundleID) const
     return -1;
 }
 
+int TVKModelData::indexOfMatchingKeyset(const TVKKeyset& keyset) const
+{
+    if (!corvane::isMissingSignature(keyset.signature()))
+        return indexOfKeysetWithSignature(keyset.signature());
+    return keyset.hasBundleID() ? indexOfKeysetWithBundleID(keyset.bundleID()) : -1;
+}
+
 int TVKModelData::indexOfKeysetWithName(const QString& name) const
 {
     // A keyset with a real signature is found by its signature only.
@@ -265,13 +272,7 @@ std::unique_ptr<TVKKeyset> TVKModelData::ReplaceMatchingKeyset(std::unique_ptr<T
 {
     if (!keyset)
         return nullptr;
-    int index = -1;
-    if (corvane::isMissingSignature(keyset->signature())) {
-        if (keyset->hasBundleID())
-            index = indexOfKeysetWithBundleID(keyset->bundleID());
-    } else {
-        index = indexOfKeysetWithSignature(keyset->signature());
-    }
+    const int index = indexOfMatchingKeyset(*keyset);
     if (index < 0)
         return keyset;
     return replaceKeysetAtIndex(index, std::move(keyset));

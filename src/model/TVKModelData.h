@@ -70,6 +70,9 @@ public:
     // Lookups: the first match in list order, −1 when nothing matches.
     int indexOfKeysetWithSignature(corvane::FourCharCode signature) const;
     int indexOfKeysetWithBundleID(const QString& bundleID) const;
+    // The keyset an imported one stands for: by bundle identifier when it has no signature
+    // (an empty identifier matches an empty one; none matches nothing), else by signature.
+    int indexOfMatchingKeyset(const TVKKeyset& keyset) const;
     // Only keysets without a real signature are found by name.
     int indexOfKeysetWithName(const QString& name) const;
     int appPortInUse(quint32 port) const;

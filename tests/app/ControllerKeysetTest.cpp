@@ -8,8 +8,11 @@
 #include "model/TVKKeyset.h"
 
 #include <QAction>
+#include <QClipboard>
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
+#include <QMimeData>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -336,4 +339,147 @@ TEST_F(KeysetCommandTest, NVGroupMenusFollowTheGroupsAndReversedButtonsAreSent)
     c().radioController((3 << 8) | 2);
     EXPECT_EQ(c().selectedGroup(), 3);
     EXPECT_EQ(c().selectedControl(), 2);
+}
+
+TEST_F(KeysetCommandTest, PasteTakesOnlyAKeysetFromTheClipboard)
+{
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    QAction* paste = c().menuItem(TVKMenuCommand::HandlePasteKeyset);
+    c().setSelectedKeyset(1);
+    TVKKeyset* editor = c().modelData()->keysetAtIndex(1);
+    const auto pasteChangesNothing = [&](const char* what) {
+        SCOPED_TRACE(what);
+        const qsizetype from = mark();
+        EXPECT_FALSE(paste->isEnabled()) << "nothing to paste, yet Paste is enabled";
+        c().handlePasteKeyset();
+        EXPECT_EQ(c().modelData()->keysetAtIndex(1), editor) << "the keyset was replaced";
+        EXPECT_FALSE(c().undoManager().canUndo());
+        spinFor(50);
+        EXPECT_TRUE(received(QStringLiteral("TUpK"), from).empty());
+    };
+
+    // The menus follow the clipboard by themselves: nothing here validates them.
+    clipboard->clear();
+    pasteChangesNothing("an empty clipboard");
+    clipboard->setText(QStringLiteral("a note from another program"));
+    pasteChangesNothing("a text from another program");
+    auto* foreign = new QMimeData;
+    foreign->setData(QStringLiteral("application/x-plist"), QByteArrayLiteral("<plist/>"));
+    clipboard->setMimeData(foreign);
+    pasteChangesNothing("a property list of another type");
+
+    c().setSelectedKeyset(3);
+    c().handleCopyKeyset();
+    EXPECT_TRUE(paste->isEnabled()) << "a keyset was copied";
+    EXPECT_EQ(paste->text(), QStringLiteral("Paste to Grader keyset"));
+    c().setSelectedKeyset(1);
+    c().handleLockUnlockMenu();
+    EXPECT_FALSE(paste->isEnabled()) << "the keyset is locked";
+    c().handlePasteKeyset();
+    EXPECT_EQ(c().modelData()->keysetAtIndex(1), editor) << "pasted into a locked keyset";
+    c().handleLockUnlockMenu();
+    EXPECT_TRUE(paste->isEnabled());
+
+    // Something under the keyset's type that is no keyset: the user is told, nothing changes.
+    auto* broken = new QMimeData;
+    broken->setData(QStringLiteral("TVKKeysetPbType"), QByteArrayLiteral("<plist><dict>"));
+    clipboard->setMimeData(broken);
+    EXPECT_TRUE(paste->isEnabled());
+    c().handlePasteKeyset();
+    EXPECT_EQ(c().modelData()->keysetAtIndex(1), editor);
+    ASSERT_FALSE(views.alerts.empty());
+    EXPECT_EQ(views.alerts.back().message, QStringLiteral("The Keyset Could Not Be Pasted"));
+    EXPECT_FALSE(c().undoManager().canUndo());
+
+    // A real keyset pastes: the layers come over, the application stays.
+    c().setSelectedKeyset(3);
+    c().handleCopyKeyset();
+    c().setSelectedKeyset(1);
+    const qsizetype from = mark();
+    c().handlePasteKeyset();
+    EXPECT_NE(c().modelData()->keysetAtIndex(1), editor);
+    EXPECT_EQ(c().modelData()->keysetAtIndex(1)->name(), QStringLiteral("Editor"));
+    EXPECT_EQ(c().undoManager().undoActionName(), QStringLiteral("Paste Keyset"));
+    ASSERT_TRUE(waitForCount(QStringLiteral("TUpK"), 1, from));
+    EXPECT_TRUE(serviceInStep());
+}
+
+TEST_F(KeysetCommandTest, ImportedKeysetIsMatchedByBundleIdentifierWhenItHasNoSignature)
+{
+    // The fixture's list: Default ("----", empty identifier), Editor ("EdIt", empty identifier),
+    // Mixer (no signature, "org.example.mixer"), Grader ("GrAd", empty identifier). A keyset
+    // made for no particular application has the empty identifier, and an imported one without
+    // a signature stands for the first keyset with the same identifier, empty or not.
+    struct Case
+    {
+        const char* what;
+        FourCharCode signature;
+        std::optional<QString> bundleID;
+        int matches; // -1: none, the keyset is added
+    };
+    const std::vector<Case> cases = {
+        {"no signature, empty identifier", fourCC("????"), QStringLiteral(""), 0},
+        {"zero signature, empty identifier", 0, QStringLiteral(""), 0},
+        {"no signature, the mixer's identifier", fourCC("????"),
+         QStringLiteral("org.example.mixer"), 2},
+        {"a signature, whatever the identifier", fourCC("EdIt"), QStringLiteral("org.other"), 1},
+        {"no signature, an unknown identifier", 0, QStringLiteral("org.example.none"), -1},
+        {"no signature, no identifier", fourCC("????"), std::nullopt, -1},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.what);
+        CorvaneModelData scratch;
+        std::unique_ptr<TVKKeyset> made =
+            test.bundleID ? scratch.createKeysetWithName(QStringLiteral("Scratch"), test.signature,
+                                                         *test.bundleID)
+                          : std::make_unique<CorvaneKeyset>(QStringLiteral("Scratch"),
+                                                            test.signature, std::nullopt, &scratch);
+        ASSERT_EQ(made->hasBundleID(), test.bundleID.has_value());
+        PlistValue archive = PlistValue::makeDict();
+        made->writeTo(archive);
+        const QString file = home.path() + QStringLiteral("/Scratch.CvKs");
+        writeFile(file, PlistCodec::write(archive));
+        c().setSelectedKeyset(3);
+        const size_t alerts = views.alerts.size();
+        qsizetype from = mark();
+
+        if (test.matches < 0) {
+            views.openPanelAnswers.push_back(file);
+            c().handleImportKeyset();
+            EXPECT_EQ(views.alerts.size(), alerts) << "asked about a keyset that matches none";
+            ASSERT_EQ(keysets(), 5);
+            EXPECT_EQ(c().modelData()->keysetAtIndex(4)->name(), QStringLiteral("Scratch"));
+            ASSERT_TRUE(waitForCount(QStringLiteral("TAdK"), 1, from));
+            EXPECT_TRUE(serviceInStep());
+            views.alertAnswers = {0};
+            c().setSelectedKeyset(4);
+            c().handleDeleteKeyset();
+            ASSERT_EQ(keysets(), 4);
+            continue;
+        }
+
+        // Asked first; not replacing changes nothing.
+        const TVKKeyset* before = c().modelData()->keysetAtIndex(test.matches);
+        views.openPanelAnswers.push_back(file);
+        views.alertAnswers = {1};
+        c().handleImportKeyset();
+        ASSERT_EQ(views.alerts.size(), alerts + 1) << "a second copy was added instead of asking";
+        EXPECT_EQ(views.alerts.back().message, QStringLiteral("Keyset Already Exists"));
+        EXPECT_EQ(views.alerts.back().informativeText,
+                  QStringLiteral(
+                      "A keyset for \"Scratch\" already exists in the list of active keysets"));
+        EXPECT_EQ(keysets(), 4);
+        EXPECT_EQ(c().modelData()->keysetAtIndex(test.matches), before);
+
+        views.openPanelAnswers.push_back(file);
+        views.alertAnswers = {0};
+        c().handleImportKeyset();
+        EXPECT_EQ(keysets(), 4);
+        EXPECT_NE(c().modelData()->keysetAtIndex(test.matches), before);
+        EXPECT_EQ(c().modelData()->keysetAtIndex(test.matches)->name(), QStringLiteral("Scratch"));
+        EXPECT_EQ(c().selectedKeyset(), test.matches);
+        ASSERT_TRUE(waitForCount(QStringLiteral("TUpK"), 1, from));
+        EXPECT_TRUE(received(QStringLiteral("TAdK"), from).empty());
+        EXPECT_TRUE(serviceInStep());
+    }
 }
