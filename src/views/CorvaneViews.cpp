@@ -14,11 +14,14 @@
 #include "views/TVKMenuBar.h"
 #include "views/TVKQtDialogs.h"
 #include "views/TVKSheetDialogs.h"
+#include "views/WindowPlacement.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QIcon>
 #include <QLineEdit>
+#include <QScreen>
+#include <QStyle>
 #include <QWindow>
 
 using corvane::PlistValue;
@@ -139,8 +142,9 @@ void CorvaneViews::start()
         standard->setParentWindow(m_main);
     m_controller.awakeFromNib();
     m_main->makeSurface();
-    restoreGeometry(m_main);
+    placeWindow(m_main);
     m_main->show();
+    keepOnScreen(m_main);
     m_controller.windowIsAwake();
     m_controller.applicationDidFinishLaunching();
     const PlistValue& open = m_controller.defaults().objectForKey(kOpenWindowsKey);
@@ -185,16 +189,24 @@ QString CorvaneViews::windowName(const QWidget* window)
     return window->objectName();
 }
 
+std::vector<QWidget*> CorvaneViews::placedWindows() const
+{
+    return {m_main,   m_inspector ? m_inspector->panel() : nullptr, m_tl, m_tlw, m_tlw2, m_nv, m_dz,
+            m_summary};
+}
+
 void CorvaneViews::saveWindowState()
 {
     PlistValue frames = m_controller.defaults().objectForKey(kWindowFramesKey);
     if (!frames.isDict())
         frames = PlistValue::makeDict();
-    QWidget* inspector = m_inspector ? m_inspector->panel() : nullptr;
-    for (QWidget* w : std::initializer_list<QWidget*>{m_main, m_tl, m_tlw, m_tlw2, m_nv, m_dz,
-                                                      m_summary, inspector}) {
-        if (w)
-            frames.insert(windowName(w), PlistValue(w->saveGeometry()));
+    for (QWidget* w : placedWindows()) {
+        if (w) {
+            const QScreen* screen = w->screen();
+            frames.insert(windowName(w),
+                          corvane::storedFrame(w->frameGeometry().topLeft(), w->size(),
+                                               screen ? screen->devicePixelRatio() : 1.0));
+        }
     }
     m_controller.defaults().setObject(kWindowFramesKey, frames);
     PlistValue open = PlistValue::makeArray();
@@ -205,12 +217,86 @@ void CorvaneViews::saveWindowState()
     m_controller.defaults().setObject(kOpenWindowsKey, open);
 }
 
-void CorvaneViews::restoreGeometry(QWidget* window)
+QMargins CorvaneViews::frameMargins(const QWidget* window) const
 {
-    const PlistValue& frame =
+    // Known once the desktop has framed the window; until then the main window's tell, and
+    // before anything is framed, a title bar's height.
+    for (const QWidget* framed : {window, static_cast<const QWidget*>(m_main)}) {
+        if (framed && framed->isVisible()) {
+            const QRect outer = framed->frameGeometry();
+            const QRect inner = framed->geometry();
+            return QMargins(inner.left() - outer.left(), inner.top() - outer.top(),
+                            outer.right() - inner.right(), outer.bottom() - inner.bottom());
+        }
+    }
+    return QMargins(0, QApplication::style()->pixelMetric(QStyle::PM_TitleBarHeight), 0, 0);
+}
+
+void CorvaneViews::placeWindow(QWidget* window)
+{
+    if (!window)
+        return;
+    QScreen* screen = m_main && m_main != window ? m_main->screen() : window->screen();
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    const QRect available = screen ? screen->availableGeometry() : QRect();
+    const qreal ratio = screen ? screen->devicePixelRatio() : 1.0;
+    const QMargins margins = frameMargins(window);
+
+    const PlistValue& stored =
         m_controller.defaults().objectForKey(kWindowFramesKey).value(windowName(window));
-    if (frame.isData())
-        window->restoreGeometry(frame.toData());
+    std::optional<QRect> remembered = corvane::frameFromStore(stored, ratio);
+    if (remembered)
+        remembered->setSize(remembered->size().grownBy(margins));
+    // Frames stored by earlier versions: the toolkit's own record, brought on screen like any.
+    if (!remembered && stored.isData() && window->restoreGeometry(stored.toData()))
+        remembered = window->geometry().marginsAdded(margins);
+
+    std::vector<QRect> open;
+    for (QWidget* other : placedWindows()) {
+        if (other && other != window && other->isVisible())
+            open.push_back(other->frameGeometry());
+    }
+    // A window not sized yet opens at the size its contents ask for.
+    const QSize size = (window->testAttribute(Qt::WA_Resized) ? window->size() : window->sizeHint())
+                           .expandedTo(window->minimumSizeHint());
+    const QSize frameSize = size.grownBy(margins);
+    QRect frame = corvane::placeWindow(frameSize, available, open, remembered);
+
+    // At the first start the main window makes room for the inspector beside it, rather than
+    // have it cover the keyset's name, layers or connection.
+    if (!remembered && m_main && m_main != window && m_firstPlaced.contains(m_main) &&
+        window == this->window(TVKWindow::Inspector) && frame.intersects(m_main->frameGeometry())) {
+        const QRect mainFrame = m_main->frameGeometry();
+        const int room = available.right() + 1 - frameSize.width() - mainFrame.left();
+        const int narrowest = std::max(m_main->minimumSizeHint().width(), mainFrame.width() / 2);
+        if (room >= narrowest && room < mainFrame.width()) {
+            m_main->resize(room - margins.left() - margins.right(), m_main->height());
+            open.clear();
+            for (QWidget* other : placedWindows()) {
+                if (other && other != window && other->isVisible())
+                    open.push_back(other->frameGeometry());
+            }
+            frame = corvane::placeWindow(frameSize, available, open);
+        }
+    }
+    if (!remembered)
+        m_firstPlaced.insert(window);
+    window->resize(frame.size().shrunkBy(margins));
+    window->move(frame.topLeft());
+}
+
+void CorvaneViews::keepOnScreen(QWidget* window)
+{
+    // Once shown, the window's frame is known: pull it back where the guess fell short.
+    if (!window || !window->isVisible() || !window->screen())
+        return;
+    const QRect frame = window->frameGeometry();
+    const QRect inside = corvane::clampToScreen(frame, window->screen()->availableGeometry());
+    if (inside == frame)
+        return;
+    window->resize(window->size() - (frame.size() - inside.size()));
+    window->move(inside.topLeft());
 }
 
 QWidget* CorvaneViews::window(TVKWindow window) const
@@ -277,7 +363,7 @@ QWidget* CorvaneViews::make(TVKWindow window)
         return nullptr;
     }
     if (window != TVKWindow::AboutBox)
-        restoreGeometry(made);
+        placeWindow(made);
     return made;
 }
 
@@ -290,14 +376,15 @@ void CorvaneViews::showDZ(bool shown)
 {
     if (shown && !m_dz) {
         m_dz = new CorvaneDZController(m_controller, makeMenuBar());
-        restoreGeometry(m_dz);
+        placeWindow(m_dz);
         connect(m_dz, &CorvaneExpanderWindowController::windowClosed, m_dzAction,
                 [this] { m_dzAction->setChecked(false); });
     }
     if (m_dz) {
-        if (shown)
+        if (shown) {
             m_dz->showWindow();
-        else
+            keepOnScreen(m_dz);
+        } else
             m_dz->hide();
     }
     m_dzAction->setChecked(shown);
@@ -325,7 +412,10 @@ void CorvaneViews::show(TVKWindow window)
     QWidget* w = make(window);
     if (!w)
         return;
+    const bool wasVisible = w->isVisible();
     w->show();
+    if (!wasVisible)
+        keepOnScreen(w);
     w->raise();
     // The inspector floats beside the surface without taking the keyboard from it.
     if (window != TVKWindow::Inspector)

@@ -2,7 +2,9 @@
 
 #include "app/TVKViewInterfaces.h"
 
+#include <QMargins>
 #include <QObject>
+#include <QSet>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -103,7 +105,11 @@ private:
     corvane::X11Accessibility& desktop();
     QWidget* make(TVKWindow window);
     void focusWindowChanged(QWindow* window);
-    void restoreGeometry(QWidget* window);
+    // Every window is placed here, remembered or for the first time (see WindowPlacement.h).
+    void placeWindow(QWidget* window);
+    void keepOnScreen(QWidget* window);
+    QMargins frameMargins(const QWidget* window) const;
+    std::vector<QWidget*> placedWindows() const;
     static QString windowName(const QWidget* window);
 
     CorvaneController& m_controller;
@@ -125,4 +131,6 @@ private:
     std::vector<TVKMenuBar*> m_menuBars;
     std::unique_ptr<corvane::X11Accessibility> m_desktop;
     bool m_nvMenuShown = false;
+    // Windows placed this run without a remembered frame.
+    QSet<const QWidget*> m_firstPlaced;
 };

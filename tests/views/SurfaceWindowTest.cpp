@@ -14,6 +14,7 @@
 
 #include <QAction>
 #include <QMenu>
+#include <QScreen>
 #include <QTest>
 #include <QToolButton>
 
@@ -282,8 +283,15 @@ TEST_F(ViewsTest, WindowsComeBackWhereTheyWereAndTheDisplaysStayOpen)
 {
     startApplication();
     app->showDZ(true);
-    app->mainWindow()->setGeometry(140, 90, 1200, 700);
-    const QRect frame = app->mainWindow()->geometry();
+    // Somewhere else on the screen, not where the first start put it.
+    TVKMainWindow& main = *app->mainWindow();
+    const QRect screen = main.screen()->availableGeometry();
+    const QRect outer = main.frameGeometry();
+    const QRect inner = main.geometry();
+    main.setGeometry(QRect(
+        screen.left() + inner.left() - outer.left(), screen.top() + 60 + inner.top() - outer.top(),
+        screen.width() - (outer.width() - inner.width()), screen.height() * 3 / 4));
+    const QRect frame = main.geometry();
     app->quit();
     app.reset();
     controller.reset();
