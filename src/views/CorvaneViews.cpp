@@ -204,7 +204,7 @@ void CorvaneViews::saveWindowState()
         if (w) {
             const QScreen* screen = w->screen();
             frames.insert(windowName(w),
-                          corvane::storedFrame(w->frameGeometry().topLeft(), w->size(),
+                          corvane::storedFrame(w->geometry().topLeft(), w->size(),
                                                screen ? screen->devicePixelRatio() : 1.0));
         }
     }
@@ -225,8 +225,10 @@ QMargins CorvaneViews::frameMargins(const QWidget* window) const
         if (framed && framed->isVisible()) {
             const QRect outer = framed->frameGeometry();
             const QRect inner = framed->geometry();
-            return QMargins(inner.left() - outer.left(), inner.top() - outer.top(),
-                            outer.right() - inner.right(), outer.bottom() - inner.bottom());
+            const QMargins margins(inner.left() - outer.left(), inner.top() - outer.top(),
+                                   outer.right() - inner.right(), outer.bottom() - inner.bottom());
+            if (!margins.isNull())
+                return margins;
         }
     }
     return QMargins(0, QApplication::style()->pixelMetric(QStyle::PM_TitleBarHeight), 0, 0);
@@ -247,7 +249,7 @@ void CorvaneViews::placeWindow(QWidget* window)
         m_controller.defaults().objectForKey(kWindowFramesKey).value(windowName(window));
     std::optional<QRect> remembered = corvane::frameFromStore(stored, ratio);
     if (remembered)
-        remembered->setSize(remembered->size().grownBy(margins));
+        *remembered = remembered->marginsAdded(margins);
     // Frames stored by earlier versions: the toolkit's own record, brought on screen like any.
     if (!remembered && stored.isData() && window->restoreGeometry(stored.toData()))
         remembered = window->geometry().marginsAdded(margins);
@@ -282,8 +284,8 @@ void CorvaneViews::placeWindow(QWidget* window)
     }
     if (!remembered)
         m_firstPlaced.insert(window);
-    window->resize(frame.size().shrunkBy(margins));
-    window->move(frame.topLeft());
+    // Placed by its contents: the desktop's frame then lies around them, where it was reckoned.
+    window->setGeometry(frame.marginsRemoved(margins));
 }
 
 void CorvaneViews::keepOnScreen(QWidget* window)
@@ -295,8 +297,8 @@ void CorvaneViews::keepOnScreen(QWidget* window)
     const QRect inside = corvane::clampToScreen(frame, window->screen()->availableGeometry());
     if (inside == frame)
         return;
-    window->resize(window->size() - (frame.size() - inside.size()));
-    window->move(inside.topLeft());
+    window->setGeometry(QRect(window->geometry().topLeft() + (inside.topLeft() - frame.topLeft()),
+                              window->size() - (frame.size() - inside.size())));
 }
 
 QWidget* CorvaneViews::window(TVKWindow window) const

@@ -98,12 +98,12 @@ QRect placeWindow(QSize frameSize, const QRect& available, const std::vector<QRe
     return best;
 }
 
-PlistValue storedFrame(QPoint framePosition, QSize size, qreal devicePixelRatio)
+PlistValue storedFrame(QPoint position, QSize size, qreal devicePixelRatio)
 {
     const qreal ratio = devicePixelRatio > 0 ? devicePixelRatio : 1.0;
     PlistValue dict = PlistValue::makeDict(4);
-    dict.insert(kX, PlistValue(qint64(std::lround(framePosition.x() * ratio))));
-    dict.insert(kY, PlistValue(qint64(std::lround(framePosition.y() * ratio))));
+    dict.insert(kX, PlistValue(qint64(std::lround(position.x() * ratio))));
+    dict.insert(kY, PlistValue(qint64(std::lround(position.y() * ratio))));
     dict.insert(kWidth, PlistValue(qint64(size.width())));
     dict.insert(kHeight, PlistValue(qint64(size.height())));
     return dict;

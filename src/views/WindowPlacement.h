@@ -22,10 +22,11 @@ QRect placeWindow(QSize frameSize, const QRect& available, const std::vector<QRe
 // `frame` moved and shrunk as little as possible to lie inside `available`.
 QRect clampToScreen(const QRect& frame, const QRect& available);
 
-// A window's place as the store keeps it: where its frame begins, in device pixels, which name
-// the same spot on the screen whatever the scale; and the size of its contents, in logical
-// pixels, which is what they need at any scale. Read back as a rectangle of that place and size.
-PlistValue storedFrame(QPoint framePosition, QSize size, qreal devicePixelRatio);
+// A window's place as the store keeps it: where its contents begin, in device pixels, which
+// name the same spot on the screen whatever the scale; and their size, in logical pixels, which
+// is what they need at any scale. Read back as a rectangle of that place and size. (The contents,
+// not the frame: a frame is known only once the desktop has drawn it.)
+PlistValue storedFrame(QPoint position, QSize size, qreal devicePixelRatio);
 std::optional<QRect> frameFromStore(const PlistValue& stored, qreal devicePixelRatio);
 
 } // namespace corvane

@@ -224,7 +224,7 @@ TEST_F(WindowPlacementTest, RememberedFramesAreKeptAndBroughtBackOnScreen)
     TVKUserDefaults store(storePath);
     PlistValue frames = PlistValue::makeDict();
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    const QRect summaryFrame(screen.topLeft() + QPoint(37, 41), QSize(700, 450));
+    const QRect summaryFrame(screen.topLeft() + QPoint(37, 61), QSize(700, 450));
     frames.insert(QStringLiteral("TVKKeySumPos"),
                   storedFrame(summaryFrame.topLeft(), summaryFrame.size(), 1.0));
     const std::vector<std::pair<const char*, QRect>> offScreen = {
@@ -244,7 +244,7 @@ TEST_F(WindowPlacementTest, RememberedFramesAreKeptAndBroughtBackOnScreen)
     const auto windows = openEveryWindow();
     for (const auto& [name, w] : windows)
         EXPECT_TRUE(onScreen(name, *w));
-    EXPECT_EQ(app->summary()->frameGeometry().topLeft(), summaryFrame.topLeft())
+    EXPECT_EQ(app->summary()->geometry().topLeft(), summaryFrame.topLeft())
         << "the user's place is kept";
     EXPECT_EQ(app->summary()->size(), summaryFrame.size());
 
