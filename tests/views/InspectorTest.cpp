@@ -36,6 +36,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QSpinBox>
 #include <QTabBar>
 #include <QTabWidget>
@@ -565,7 +566,11 @@ TEST_F(InspectorTest, ThePanelComesBackWhereItWas)
     controller->showInspector();
     ASSERT_NE(app->inspector(), nullptr);
     QWidget* panel = app->inspector()->panel();
-    panel->setGeometry(310, 220, 600, 640);
+    // Somewhere on the screen other than where it first opened.
+    const QRect screen = panel->screen()->availableGeometry();
+    panel->setGeometry(
+        QRect(screen.topLeft() + QPoint(60, 80),
+              QSize(std::min(600, screen.width() - 80), std::min(640, screen.height() - 120))));
     const QRect frame = panel->geometry();
     app->quit();
     app.reset();
