@@ -273,7 +273,7 @@ protected:
         typeInto(midi.data2(), QStringLiteral("100"));
         const auto* note = dynamic_cast<const TVKEncoderMIDIAction*>(encoder->action());
         EXPECT_NE(note, nullptr);
-        EXPECT_EQ(midi.messageLabel()->text(), QStringLiteral("90 3C 64"));
+        EXPECT_EQ(midi.messageLabel()->text(), QStringLiteral("90 3c 64"));
         return encoder;
     }
 
