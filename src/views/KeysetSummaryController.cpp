@@ -22,6 +22,7 @@
 #include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace note = corvane::note;
 
@@ -454,10 +455,8 @@ KeysetSummaryController::KeysetSummaryController(TVKModelData& modelData, TVKCon
     center.observeEach<note::SelectionChange, note::RemoteSelectionChange>(
         m_observations, nullptr, [this] { setBrowserPathFromData(); });
     center.observeEach<note::ControlPropertyChange, note::ShowUserNameChange, note::UpdateKSum,
-                       note::KeysetCountChange>(m_observations, nullptr, [this] {
-        m_model->refresh();
-        setBrowserPathFromData();
-    });
+                       note::KeysetCountChange>(m_observations, nullptr,
+                                                [this] { revalidateColumns(); });
     resize(1000, 640);
     setBrowserPathFromData();
 }
@@ -503,6 +502,30 @@ void KeysetSummaryController::setBrowserPathFromData()
                  m_modelData.selectedGroupIndex(), selected ? selected->index() : 0);
     m_following = true;
     m_browser->setCurrentIndex(target);
+    m_following = false;
+    adjustColumnsToWindowWidth();
+}
+
+void KeysetSummaryController::revalidateColumns()
+{
+    // The user's path, from the keyset column rightwards, outlives the rows being read again.
+    std::vector<int> rows;
+    for (QModelIndex i = m_browser->currentIndex(); i.isValid(); i = i.parent())
+        rows.insert(rows.begin(), i.row());
+    m_model->refresh();
+    QModelIndex restored;
+    for (const int row : rows) {
+        const int count = m_model->rowCount(restored);
+        if (count == 0)
+            break;
+        restored = m_model->index(std::min(row, count - 1), 0, restored);
+    }
+    if (!restored.isValid()) {
+        setBrowserPathFromData();
+        return;
+    }
+    m_following = true;
+    m_browser->setCurrentIndex(restored);
     m_following = false;
     adjustColumnsToWindowWidth();
 }

@@ -102,6 +102,9 @@ public:
     static int columnWidth(int column);
 
     void setBrowserPathFromData();
+    // The rows changed (a control property, the keyset list): read them again, keeping the
+    // path the user stands on as far as it still exists.
+    void revalidateColumns();
     void handleBrowserClick(const QModelIndex& index);
     void adjustColumnsToWindowWidth();
     int calcControlDescColumnWidth() const;
