@@ -453,7 +453,7 @@ KeysetSummaryController::KeysetSummaryController(TVKModelData& modelData, TVKCon
 
     corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
     center.observeEach<note::SelectionChange, note::RemoteSelectionChange>(
-        m_observations, nullptr, [this] { setBrowserPathFromData(); });
+        m_observations, nullptr, [this] { followSelection(); });
     center.observeEach<note::ControlPropertyChange, note::ShowUserNameChange, note::UpdateKSum,
                        note::KeysetCountChange>(m_observations, nullptr,
                                                 [this] { revalidateColumns(); });
@@ -494,8 +494,17 @@ QModelIndex KeysetSummaryController::indexFor(int keyset, int layer, int group, 
     return c.isValid() ? c : (g.isValid() ? g : (l.isValid() ? l : k));
 }
 
+void KeysetSummaryController::followSelection()
+{
+    // An edit announces its control again; only a selection that moved takes the user's path.
+    if (m_modelData.selection() == m_followed)
+        return;
+    setBrowserPathFromData();
+}
+
 void KeysetSummaryController::setBrowserPathFromData()
 {
+    m_followed = m_modelData.selection();
     const TVKControl* selected = m_modelData.selectedControl();
     const QModelIndex target =
         indexFor(m_modelData.selectedKeysetIndex(), m_modelData.selectedLayerIndex(),

@@ -1,0 +1,231 @@
+// The windows agree on one selection through undo and redo, follow the main window for the NV
+// menu, and keep the summary's path while rows change; against the real simulated service.
+#include "ViewsFixture.h"
+#include "core/Notifications.h"
+#include "model/TVKControl.h"
+#include "model/TVKModelData.h"
+#include "surface/TVK_Constant_Server.h"
+#include "views/CorvaneExpanderControllers.h"
+#include "views/CorvaneSurfaceView.h"
+#include "views/InspectorController.h"
+#include "views/KeysetSummaryController.h"
+#include "views/TVKDisplayView.h"
+#include "views/TVKMainWindow.h"
+#include "views/TVKMenuBar.h"
+#include "views/TVKMultiStateButton.h"
+
+#include <QColumnView>
+#include <QMenu>
+#include <QTest>
+
+using namespace corvane;
+using namespace corvane::test;
+
+namespace {
+
+// One edit of the walk below: what is edited (model numbering) and how.
+struct Edit
+{
+    bool display = false;
+    int group = 0;
+    int index = 0;
+    QString note;
+    QVariantMap userInfo;
+};
+
+class SelectionViewsTest : public ViewsTest
+{
+protected:
+    void post(const QString& name, const QVariantMap& userInfo)
+    {
+        NotificationCenter::defaultCenter().post(name, nullptr, userInfo);
+    }
+
+    // The pictures of every surface window that is open.
+    std::vector<const TVKMultiStateButton*> pictures() const
+    {
+        std::vector<const TVKMultiStateButton*> all(mainSurface().buttons().begin(),
+                                                    mainSurface().buttons().end());
+        for (const TVKWindow window : {TVKWindow::TL, TVKWindow::TLW, TVKWindow::NV}) {
+            if (const CorvaneExpanderWindowController* expander = app->expander(window))
+                all.insert(all.end(), expander->surface()->buttons().begin(),
+                           expander->surface()->buttons().end());
+        }
+        return all;
+    }
+
+    // A touch on the surface, once the controller has taken it.
+    void touch(int group, int index)
+    {
+        service->command(QStringLiteral("send TCtl %1 %2 0 1").arg(group).arg(index));
+        ASSERT_TRUE(spinUntil([&] {
+            return !controller->displaySelected() && controller->modelDataGroupIndex() == group &&
+                   controller->modelDataControlIndex() == index;
+        }));
+    }
+
+    // The controller, the inspector, the status line, the pictures and the surface name the
+    // edited control or display after a step that began at `from`.
+    void expectEverywhere(const Edit& edit, qsizetype from, const std::vector<qint64>& darkened)
+    {
+        const TVKSelection s = controller->selection();
+        TVKModelData& model = *controller->modelData();
+        TVKControl* object =
+            edit.display ? model.displayForKeyset(s.keyset, s.layer, edit.group, edit.index)
+                         : model.controlForKeyset(s.keyset, s.layer, edit.group, edit.index);
+        ASSERT_NE(object, nullptr);
+        EXPECT_EQ(s.displaySelected, edit.display);
+        EXPECT_EQ(edit.display ? s.displayGroup : s.group, edit.group);
+        EXPECT_EQ(edit.display ? s.display : s.control, edit.index);
+        EXPECT_EQ(app->inspector()->theControl(), object) << "the inspector shows another";
+        EXPECT_TRUE(app->mainWindow()->statusText().startsWith(object->name()))
+            << app->mainWindow()->statusText().toStdString() << " for "
+            << object->name().toStdString();
+        for (const TVKMultiStateButton* picture : pictures()) {
+            const bool selectedHere =
+                !edit.display && picture->tag() == controller->selectedGroup();
+            if (!selectedHere) {
+                EXPECT_EQ(picture->cell().state(), 0)
+                    << "picture " << picture->tag() << " is lit too";
+                continue;
+            }
+            const qint64 k = picture->imageIndexForControl(controller->selectedControl());
+            EXPECT_EQ(picture->cell().state(), 1) << "picture " << picture->tag() << " is dark";
+            EXPECT_EQ(picture->shownImage(), picture->images().value(k))
+                << "picture " << picture->tag() << " highlights another control";
+        }
+        const std::vector<qint64> last =
+            edit.display ? darkened : std::vector<qint64>{edit.group, edit.index, 0, 1};
+        ASSERT_TRUE(service->waitFor(
+            [&](const QJsonObject& o) {
+                return o.value(QStringLiteral("code")).toString() == QStringLiteral("TCtl") &&
+                       words(o) == last;
+            },
+            3000, from))
+            << "the surface was not told";
+        EXPECT_EQ(words(received(QStringLiteral("TCtl"), from).back()), last);
+    }
+};
+
+} // namespace
+
+TEST_F(SelectionViewsTest, AfterEveryUndoAndRedoTheWindowsAndTheSurfaceShowTheEditedControl)
+{
+    startApplication();
+    for (const TVKWindow window : {TVKWindow::TL, TVKWindow::TLW, TVKWindow::NV})
+        app->show(window);
+    ASSERT_NE(app->expander(TVKWindow::NV), nullptr);
+
+    // Controls of the main unit, its displays and the expanders, each edited its own way.
+    const std::vector<Edit> edits = {
+        {false, 2, 5, note::LatchChange, {{info::BOOL, true}}},       // W6
+        {false, 1, 6, note::DeleteAction, {}},                        // a transport key
+        {true, 0, 1, note::DeleteDisplayAction, {}},                  // an LCD line
+        {false, 19, 2, note::LatchChange, {{info::BOOL, true}}},      // TL Select 3
+        {false, 23, 2, note::ColorChange, {{info::Color, 12}}},       // TLW Select 3
+        {true, 2, 3, note::DeleteDisplayAction, {}},                  // a TLW button display
+        {false, 24, 30, note::OffColorChange, {{info::OffColor, 5}}}, // NV LCD button, bank 2
+        {false, 27, 7, note::LatchChange, {{info::BOOL, true}}},      // NV parameter
+    };
+    for (const Edit& edit : edits) {
+        if (edit.display)
+            controller->handleDisplay(edit.index, edit.group);
+        else
+            touch(edit.group, edit.index);
+        QVariantMap userInfo = edit.userInfo;
+        userInfo.insert(info::CopyToLayers, false);
+        const int steps = controller->undoManager().stack().count();
+        post(edit.note, userInfo);
+        ASSERT_EQ(controller->undoManager().stack().count(), steps + 1) << edit.note.toStdString();
+    }
+
+    // Whatever the user selected last, each step selects its own control everywhere.
+    for (auto edit = edits.rbegin(); edit != edits.rend(); ++edit) {
+        SCOPED_TRACE(testing::Message() << "undo " << edit->group << "/" << edit->index);
+        touch(13, 1);
+        const qsizetype from = mark();
+        controller->undoMenuItem()->trigger();
+        expectEverywhere(*edit, from, {13, 1, 0, 0});
+    }
+    // Redone one after the other: a display step darkens the control the step before lit.
+    for (const Edit& edit : edits) {
+        SCOPED_TRACE(testing::Message() << "redo " << edit.group << "/" << edit.index);
+        const TVKSelection before = controller->selection();
+        if (edit.display) {
+            ASSERT_FALSE(before.displaySelected) << "no two displays follow each other";
+        }
+        const qsizetype from = mark();
+        controller->redoMenuItem()->trigger();
+        expectEverywhere(edit, from, {before.group, before.control, 0, 0});
+    }
+    EXPECT_TRUE(serviceInStep());
+}
+
+TEST_F(SelectionViewsTest, TheNVMenuLeavesWheneverAnotherWindowBecomesMain)
+{
+    startApplication();
+    CorvaneNVController* nv = nullptr;
+    const auto hasNVMenu = [&](QMenuBar* bar) {
+        return bar->actions().contains(nv->corvaneNVMenu()->menuAction());
+    };
+    for (const TVKWindow other : {TVKWindow::Summary, TVKWindow::Inspector, TVKWindow::AboutBox,
+                                  TVKWindow::Main, TVKWindow::TL}) {
+        SCOPED_TRACE(testing::Message() << "window " << int(other));
+        app->show(TVKWindow::NV);
+        app->makeKeyAndOrderFront(TVKWindow::NV);
+        nv = app->nvController();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(nv));
+        ASSERT_TRUE(spinUntil([&] { return controller->corvaneNVMenuActive(); }));
+        ASSERT_TRUE(hasNVMenu(app->mainWindow()->tvkMenuBar()));
+
+        app->show(other);
+        app->makeKeyAndOrderFront(other);
+        QWidget* window = app->window(other);
+        ASSERT_NE(window, nullptr);
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+        EXPECT_TRUE(spinUntil([&] { return !controller->corvaneNVMenuActive(); }));
+        EXPECT_FALSE(hasNVMenu(app->mainWindow()->tvkMenuBar()));
+        EXPECT_FALSE(hasNVMenu(nv->tvkMenuBar()));
+    }
+}
+
+TEST_F(SelectionViewsTest, TheSummaryKeepsTheUsersPathWhenRowsChange)
+{
+    startApplication();
+    controller->showSummary();
+    KeysetSummaryController& summary = *app->summary();
+    QColumnView& browser = *summary.keysetBrowser();
+    const auto path = [&] {
+        std::vector<int> rows;
+        for (QModelIndex i = browser.currentIndex(); i.isValid(); i = i.parent())
+            rows.insert(rows.begin(), i.row());
+        return rows;
+    };
+    touch(1, 3);
+    ASSERT_EQ(path(), (std::vector<int>{0, 0, 1, 3}));
+
+    // The user browses to layer 3's keypad: the group column moves nothing.
+    const QModelIndex keyset = summary.model().index(0, 0);
+    const QModelIndex layer = summary.model().index(2, 0, keyset);
+    browser.setCurrentIndex(summary.model().index(13, 0, layer));
+    ASSERT_EQ(path(), (std::vector<int>{0, 2, 13}));
+    ASSERT_EQ(controller->modelDataGroupIndex(), 1) << "a group row selects no control";
+
+    // A name, a property and an action of the selected control change; the path stays and
+    // the rows show the change.
+    controller->undoableSetUserName(QStringLiteral("Play it"), 0, 0, 1, 3, false);
+    EXPECT_EQ(path(), (std::vector<int>{0, 2, 13}));
+    post(note::DeleteAction, {{info::CopyToLayers, false}});
+    NotificationCenter::defaultCenter().post(note::UpdateKSum, nullptr);
+    EXPECT_EQ(path(), (std::vector<int>{0, 2, 13}));
+    NotificationCenter::defaultCenter().post(note::KeysetCountChange, nullptr);
+    EXPECT_EQ(path(), (std::vector<int>{0, 2, 13}));
+    const QModelIndex play = summary.model().index(
+        3, 0, summary.model().index(1, 0, summary.model().index(0, 0, keyset)));
+    EXPECT_TRUE(
+        summary.model().data(play, Qt::DisplayRole).toString().contains(QStringLiteral("Play it")));
+
+    // A control chosen anywhere still takes the browser to it.
+    touch(5, 2);
+    EXPECT_EQ(path(), (std::vector<int>{0, 0, 5, 2}));
+}
