@@ -38,11 +38,15 @@ protected:
         storeConfiguration(model);
         ASSERT_TRUE(startService());
         startController();
-        for (const QString& name :
-             {QString(note::RemoteSelectionChange), QString(note::RemoteDisplaySelectionChange)}) {
-            m_watch.push_back(NotificationCenter::defaultCenter().addObserver(
-                name, nullptr, [this](const Notification& n) { last = n; }));
-        }
+        NotificationCenter& center = NotificationCenter::defaultCenter();
+        m_watch.push_back(center.observe<note::RemoteSelectionChange>(
+            nullptr, [this](const note::RemoteSelectionChange& n) {
+                last = {false, n.control, n.groupID, n.controlIndex};
+            }));
+        m_watch.push_back(center.observe<note::RemoteDisplaySelectionChange>(
+            nullptr, [this](const note::RemoteDisplaySelectionChange& n) {
+                last = {true, n.control, n.groupID, n.controlIndex};
+            }));
     }
 
     // A touch on the surface, once the service has the highlight it asks for: later steps
@@ -65,9 +69,10 @@ protected:
         }
     }
 
-    void post(const QString& name, const QVariantMap& userInfo)
+    template <class Notice>
+    void post(const Notice& notice)
     {
-        NotificationCenter::defaultCenter().post(name, nullptr, userInfo);
+        NotificationCenter::defaultCenter().post(notice);
     }
 
     // After a step begun at `from`: the controller, the views' notification and the surface
@@ -94,10 +99,8 @@ protected:
             return ::testing::AssertionFailure()
                    << "on screen " << controller->selectedGroup() << "/"
                    << controller->selectedControl() << " is " << backGroup << "/" << backIndex;
-        if (last.name != note::RemoteSelectionChange ||
-            last.userInfo.value(info::ControlObject).value<TVKControl*>() != object ||
-            last.userInfo.value(info::GroupID).toLongLong() != controller->selectedGroup() ||
-            last.userInfo.value(info::ControlIndex).toLongLong() != controller->selectedControl())
+        if (last.display || last.object != object || last.group != controller->selectedGroup() ||
+            last.control != controller->selectedControl())
             return ::testing::AssertionFailure() << "the views were told of another control";
         const std::vector<qint64> lit{group, index, 0, 1};
         const auto echo = service->waitFor(
@@ -123,8 +126,7 @@ protected:
                    << (s.displaySelected ? "" : " (a control)");
         TVKControl* object =
             controller->modelData()->displayForKeyset(s.keyset, s.layer, group, index);
-        if (last.name != note::RemoteDisplaySelectionChange ||
-            last.userInfo.value(info::ControlObject).value<TVKControl*>() != object)
+        if (!last.display || last.object != object)
             return ::testing::AssertionFailure() << "the views were told of something else";
         // The control lit before goes dark: the surface lights nothing while a display is
         // selected.
@@ -141,7 +143,14 @@ protected:
         return ::testing::AssertionSuccess();
     }
 
-    Notification last;
+    // The last selection notice the views were given.
+    struct
+    {
+        bool display = false;
+        TVKControl* object = nullptr;
+        qint64 group = -1;
+        qint64 control = -1;
+    } last;
 
 private:
     std::vector<NotificationCenter::Observation> m_watch;
@@ -166,7 +175,7 @@ TEST_F(UndoSelectionTest, EveryControlAndDisplayIsSelectedEverywhereWhenItsEditI
             TVKControl* control = model.controlForKeyset(0, 0, group, index);
             ASSERT_NE(control, nullptr);
             const bool latched = control->latched();
-            post(note::LatchChange, {{info::BOOL, !latched}, {info::CopyToLayers, false}});
+            post(note::LatchChange{!latched, false});
             ASSERT_EQ(control->latched(), !latched);
 
             touch(elsewhere, 0);
@@ -190,7 +199,7 @@ TEST_F(UndoSelectionTest, EveryControlAndDisplayIsSelectedEverywhereWhenItsEditI
         for (int index = 0; index < constants.numberOfDisplaysInGroup(group); ++index) {
             SCOPED_TRACE(testing::Message() << "display group " << group << ", display " << index);
             controller->handleDisplay(index, group);
-            post(note::DeleteDisplayAction, {});
+            post(note::DeleteDisplayAction{});
             ASSERT_EQ(model.displayForKeyset(0, 0, group, index)->action(), nullptr);
 
             touch(2, 3);
@@ -213,7 +222,7 @@ TEST_F(UndoSelectionTest, AnUndoneEditInAnotherKeysetAndLayerTakesTheWholeSelect
     controller->setSelectedKeyset(1);
     controller->handleTVKLayerSelector(2);
     touch(23, 5);
-    post(note::ColorChange, {{info::Color, 3}, {info::CopyToLayers, false}});
+    post(note::ColorChange{3, false});
     const auto* select =
         dynamic_cast<TVKMultiColorButtonControl*>(model.controlForKeyset(1, 2, 23, 5));
     ASSERT_NE(select, nullptr);
@@ -240,7 +249,7 @@ TEST_F(UndoSelectionTest, StepsOnALockedKeysetAreNeitherUndoneNorRedoneAndTheIte
     TVKModelData& model = *controller->modelData();
     controller->setSelectedKeyset(1);
     touch(2, 4);
-    post(note::LatchChange, {{info::BOOL, true}, {info::CopyToLayers, false}});
+    post(note::LatchChange{true, false});
     controller->handleCopyKeyset();
     controller->setSelectedKeyset(0);
 
@@ -289,7 +298,7 @@ TEST_F(UndoSelectionTest, StepsOnALockedKeysetAreNeitherUndoneNorRedoneAndTheIte
 
     // An edit of another keyset stays undoable while this one is locked.
     controller->setSelectedKeyset(1);
-    post(note::LatchChange, {{info::BOOL, false}, {info::CopyToLayers, false}});
+    post(note::LatchChange{false, false});
     ASSERT_FALSE(model.controlForKeyset(1, 0, 2, 4)->latched());
     EXPECT_TRUE(undo->isEnabled());
     EXPECT_EQ(undo->text(), QStringLiteral("Undo Change Latch Style"));

@@ -17,6 +17,7 @@
 #include <QColumnView>
 #include <QMenu>
 #include <QTest>
+#include <functional>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -29,16 +30,23 @@ struct Edit
     bool display = false;
     int group = 0;
     int index = 0;
-    QString note;
-    QVariantMap userInfo;
+    // Posts the edit as the inspector does.
+    std::function<void()> post;
 };
+
+template <class Notice>
+std::function<void()> posting(Notice notice)
+{
+    return [notice] { NotificationCenter::defaultCenter().post(notice); };
+}
 
 class SelectionViewsTest : public ViewsTest
 {
 protected:
-    void post(const QString& name, const QVariantMap& userInfo)
+    template <class Notice>
+    void post(const Notice& notice)
     {
-        NotificationCenter::defaultCenter().post(name, nullptr, userInfo);
+        NotificationCenter::defaultCenter().post(notice);
     }
 
     // The pictures of every surface window that is open.
@@ -118,25 +126,24 @@ TEST_F(SelectionViewsTest, AfterEveryUndoAndRedoTheWindowsAndTheSurfaceShowTheEd
 
     // Controls of the main unit, its displays and the expanders, each edited its own way.
     const std::vector<Edit> edits = {
-        {false, 2, 5, note::LatchChange, {{info::BOOL, true}}},       // W6
-        {false, 1, 6, note::DeleteAction, {}},                        // a transport key
-        {true, 0, 1, note::DeleteDisplayAction, {}},                  // an LCD line
-        {false, 19, 2, note::LatchChange, {{info::BOOL, true}}},      // TL Select 3
-        {false, 23, 2, note::ColorChange, {{info::Color, 12}}},       // TLW Select 3
-        {true, 2, 3, note::DeleteDisplayAction, {}},                  // a TLW button display
-        {false, 24, 30, note::OffColorChange, {{info::OffColor, 5}}}, // NV LCD button, bank 2
-        {false, 27, 7, note::LatchChange, {{info::BOOL, true}}},      // NV parameter
+        {false, 2, 5, posting(note::LatchChange{true, false})},   // W6
+        {false, 1, 6, posting(note::DeleteAction{false})},        // a transport key
+        {true, 0, 1, posting(note::DeleteDisplayAction{})},       // an LCD line
+        {false, 19, 2, posting(note::LatchChange{true, false})},  // TL Select 3
+        {false, 23, 2, posting(note::ColorChange{12, false})},    // TLW Select 3
+        {true, 2, 3, posting(note::DeleteDisplayAction{})},       // a TLW button display
+        {false, 24, 30, posting(note::OffColorChange{5, false})}, // NV LCD button, bank 2
+        {false, 27, 7, posting(note::LatchChange{true, false})},  // NV parameter
     };
     for (const Edit& edit : edits) {
         if (edit.display)
             controller->handleDisplay(edit.index, edit.group);
         else
             touch(edit.group, edit.index);
-        QVariantMap userInfo = edit.userInfo;
-        userInfo.insert(info::CopyToLayers, false);
         const int steps = controller->undoManager().stack().count();
-        post(edit.note, userInfo);
-        ASSERT_EQ(controller->undoManager().stack().count(), steps + 1) << edit.note.toStdString();
+        edit.post();
+        ASSERT_EQ(controller->undoManager().stack().count(), steps + 1)
+            << edit.group << "/" << edit.index;
     }
 
     // Whatever the user selected last, each step selects its own control everywhere.
@@ -215,10 +222,10 @@ TEST_F(SelectionViewsTest, TheSummaryKeepsTheUsersPathWhenRowsChange)
     // the rows show the change.
     controller->undoableSetUserName(QStringLiteral("Play it"), 0, 0, 1, 3, false);
     EXPECT_EQ(path(), (std::vector<int>{0, 2, 13}));
-    post(note::DeleteAction, {{info::CopyToLayers, false}});
-    NotificationCenter::defaultCenter().post(note::UpdateKSum, nullptr);
+    post(note::DeleteAction{false});
+    post(note::UpdateKSum{});
     EXPECT_EQ(path(), (std::vector<int>{0, 2, 13}));
-    NotificationCenter::defaultCenter().post(note::KeysetCountChange, nullptr);
+    post(note::KeysetCountChange{});
     EXPECT_EQ(path(), (std::vector<int>{0, 2, 13}));
     const QModelIndex play = summary.model().index(
         3, 0, summary.model().index(1, 0, summary.model().index(0, 0, keyset)));
