@@ -75,11 +75,19 @@ void TVKController::makeMenuItems()
         const TVKKeyset* keyset = keysetAt(index);
         return keyset && keyset->locked();
     });
+    // The desktop's keys, and Ctrl+Z / Ctrl+Shift+Z whatever the platform theme offers.
+    const auto keys = [](QKeySequence::StandardKey standard, const QKeySequence& own) {
+        QList<QKeySequence> all = QKeySequence::keyBindings(standard);
+        if (!all.contains(own))
+            all.append(own);
+        return all;
+    };
     m_undoItem = new QAction(tr("Undo"), this);
-    m_undoItem->setShortcut(QKeySequence::Undo);
+    m_undoItem->setShortcuts(keys(QKeySequence::Undo, QKeySequence(Qt::CTRL | Qt::Key_Z)));
     QObject::connect(m_undoItem, &QAction::triggered, this, [this] { m_undoManager.undo(); });
     m_redoItem = new QAction(tr("Redo"), this);
-    m_redoItem->setShortcut(QKeySequence::Redo);
+    m_redoItem->setShortcuts(
+        keys(QKeySequence::Redo, QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)));
     QObject::connect(m_redoItem, &QAction::triggered, this, [this] { m_undoManager.redo(); });
     QObject::connect(&m_undoManager.stack(), &QUndoStack::indexChanged, this,
                      [this] { validateUndoItems(); });

@@ -3,6 +3,7 @@
 #include "ViewsFixture.h"
 #include "core/Notifications.h"
 #include "model/TVKControl.h"
+#include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 #include "surface/TVK_Constant_Server.h"
 #include "views/CorvaneExpanderControllers.h"
@@ -235,4 +236,34 @@ TEST_F(SelectionViewsTest, TheSummaryKeepsTheUsersPathWhenRowsChange)
     // A control chosen anywhere still takes the browser to it.
     touch(5, 2);
     EXPECT_EQ(path(), (std::vector<int>{0, 0, 5, 2}));
+}
+
+TEST_F(SelectionViewsTest, CtrlShiftZDoesNotPasteAgainOverALockedKeyset)
+{
+    startApplication();
+    TVKModelData& model = *controller->modelData();
+    touch(2, 4);
+    post(note::LatchChange{true, false});
+    controller->handleCopyKeyset();
+    post(note::LatchChange{false, false});
+    controller->handlePasteKeyset();
+    ASSERT_TRUE(model.controlForKeyset(0, 0, 2, 4)->latched());
+    TVKMainWindow& main = *app->mainWindow();
+    main.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&main));
+    QTest::keyClick(&main, Qt::Key_Z, Qt::ControlModifier);
+    ASSERT_FALSE(model.controlForKeyset(0, 0, 2, 4)->latched()) << "Ctrl+Z undid the paste";
+
+    TVKKeyset* locked = model.keysetAtIndex(0);
+    controller->handleLockUnlockMenu();
+    ASSERT_TRUE(locked->locked());
+    QTest::keyClick(&main, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(model.keysetAtIndex(0), locked);
+    EXPECT_TRUE(locked->locked());
+    EXPECT_FALSE(model.controlForKeyset(0, 0, 2, 4)->latched());
+    EXPECT_FALSE(controller->redoMenuItem()->isEnabled());
+
+    controller->handleLockUnlockMenu();
+    QTest::keyClick(&main, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(model.controlForKeyset(0, 0, 2, 4)->latched()) << "Ctrl+Shift+Z redid the paste";
 }
