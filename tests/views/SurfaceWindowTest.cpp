@@ -117,8 +117,16 @@ TEST_F(ViewsTest, ATouchOnTheSurfaceLightsThePictureOfThatControl)
 
     // A control the surface does not have selects nothing: M4 stays selected and lit.
     TVKMultiStateButton& m = button(surface, kM);
+    from = mark();
     service->command(QStringLiteral("send TCtl 0 3 0 1"));
     ASSERT_TRUE(spinUntil([&] { return pictureLit(m, 3); }));
+    // Its echo is in before the next touch is looked at.
+    ASSERT_TRUE(service->waitFor(
+        [](const QJsonObject& o) {
+            return o.value(QStringLiteral("code")).toString() == QStringLiteral("TCtl") &&
+                   words(o) == std::vector<qint64>{0, 3, 0, 1};
+        },
+        3000, from));
     from = mark();
     service->command(QStringLiteral("send TCtl 0 7 0 1"));
     ASSERT_TRUE(service->waitFor(
