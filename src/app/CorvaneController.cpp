@@ -162,7 +162,7 @@ void CorvaneController::windowDidBecomeKey(TVKWindow window)
         showNV();
         setSelectedGroup(kFirstNVGroup);
         setSelectedControl(0);
-        notifyOfControlChange(m_selectedControl, m_selectedGroup);
+        notifyOfControlChange(selectedControl(), selectedGroup());
     }
 }
 
@@ -179,13 +179,13 @@ void CorvaneController::handleMainWindowChange(TVKWindow window)
 
 void CorvaneController::reverseRBButtons()
 {
-    auto* keyset = dynamic_cast<CorvaneKeyset*>(keysetAt(m_selectedKeyset));
+    auto* keyset = dynamic_cast<CorvaneKeyset*>(keysetAt(selectedKeyset()));
     if (!keyset)
         return;
     keyset->setReverseRBButtons(!keyset->reverseRBButtons());
     if (m_messenger)
         m_messenger->updateProperty(TVK_PrivateMessenger::ReverseButtonsProperty,
-                                    keyset->reverseRBButtons() ? 1 : 0, int(m_selectedKeyset));
+                                    keyset->reverseRBButtons() ? 1 : 0, int(selectedKeyset()));
 }
 
 void CorvaneController::showExpander()
@@ -221,12 +221,11 @@ void CorvaneController::radioController(qint64 value)
 
 void CorvaneController::handleTVKDisplay(qint64 group, qint64 display)
 {
-    m_displaySelected = true;
     int dataGroup = 0;
     int dataDisplay = 0;
     m_constantServer->onscreenDisplayGroup(int(group), int(display), dataGroup, dataDisplay);
     setSelectedDisplay(dataDisplay, dataGroup);
-    notifyOfDisplaySelection(m_selectedDisplay, m_selectedDisplayGroup);
+    notifyOfDisplaySelection(dataDisplay, dataGroup);
 }
 
 void CorvaneController::handleCorvaneNVMenuItems(QAction* item)
@@ -315,7 +314,7 @@ bool CorvaneController::explainExpanderItem(QAction* item, bool enabled, const Q
 bool CorvaneController::validateMenuItem(QAction* item)
 {
     const CorvaneModelData* model = corvaneModelData();
-    const auto* keyset = dynamic_cast<const CorvaneKeyset*>(keysetAt(m_selectedKeyset));
+    const auto* keyset = dynamic_cast<const CorvaneKeyset*>(keysetAt(selectedKeyset()));
     const TVKWindows& windows = *m_views.windows;
     const auto existsAndKey = [&](TVKWindow window) {
         return windows.exists(window) && windows.isKey(window);

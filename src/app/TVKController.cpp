@@ -6,6 +6,7 @@
 #include "core/Notifications.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
+#include "model/TVKLayer.h"
 #include "model/TVKModelData.h"
 #include "service/ConfigurationEdits.h"
 #include "service/TVK_PrivateMessenger.h"
@@ -274,10 +275,7 @@ void TVKController::awakeFromNib()
     getGlobalDefaults();
     replayJournal();
 
-    setSelectedGroup(0);
-    setSelectedControl(0);
-    m_modelDataGroupIndex = 0;
-    m_modelDataControlIndex = 0;
+    storeSelection(TVKSelection{});
     setSelectedKeyset(0);
     setSelectedLayer(0);
 
@@ -285,14 +283,23 @@ void TVKController::awakeFromNib()
     if (m_messenger) {
         m_messenger->setSendObserver(
             [this](corvane::MessageID id, const QByteArray& body) { journal(id, body); });
-        m_messenger->requestKeyset(m_selectedKeyset, m_selectedLayer, m_modelDataGroupIndex,
-                                   m_modelDataControlIndex);
+        // The service's current selection is taken as it stands: nothing is announced or sent.
+        qint64 keyset = 0;
+        qint64 layer = 0;
+        qint64 group = 0;
+        qint64 control = 0;
+        m_messenger->requestKeyset(keyset, layer, group, control);
+        if (m_modelData) {
+            m_modelData->setSelectedKeysetIndex(int(keyset));
+            m_modelData->setSelectedLayerIndex(int(layer));
+            if (controlExists(group, control)) {
+                m_modelData->setSelectedGroupIndex(int(group));
+                m_modelData->setSelectedControlIndex(int(control));
+            }
+        }
     }
-    toOnscreen(m_modelDataGroupIndex, m_modelDataControlIndex, m_selectedGroup, m_selectedControl);
-    if (m_modelData) {
-        copySelectionToModelData();
+    if (m_modelData)
         showKeysetNameAndIcon();
-    }
     registerForNotifications();
     m_amIAwake = true;
     if (m_isWindowAwake)
@@ -302,13 +309,13 @@ void TVKController::awakeFromNib()
 void TVKController::journal(corvane::MessageID id, const QByteArray& body)
 {
     if (m_journal && m_journal->isOpen() && isConfigurationMessage(id))
-        m_journal->append(id, int(m_selectedKeyset), body);
+        m_journal->append(id, int(selectedKeyset()), body);
 }
 
 void TVKController::windowAndControllerAwake(bool secondInspector)
 {
     notifyWithMessage(note::SelectedKeysetChange{});
-    notifyOfRemoteControlChange(m_selectedControl, m_selectedGroup, true);
+    notifyOfRemoteControlChange(selectedControl(), selectedGroup(), true);
     showMainWindow();
     showInspector();
     if (m_isAppFinishedLaunching && m_isWindowKey && !m_installDone)
@@ -464,16 +471,6 @@ TVKKeyset* TVKController::keysetAt(qint64 index) const
     return m_modelData->keysetAtIndex(int(index));
 }
 
-void TVKController::copySelectionToModelData()
-{
-    if (!m_modelData)
-        return;
-    m_modelData->setSelectedKeysetIndex(int(m_selectedKeyset));
-    m_modelData->setSelectedLayerIndex(int(m_selectedLayer));
-    m_modelData->setSelectedGroupIndex(int(m_modelDataGroupIndex));
-    m_modelData->setSelectedControlIndex(int(m_modelDataControlIndex));
-}
-
 void TVKController::showKeysetNameAndIcon()
 {
     const TVKKeyset* keyset = m_modelData ? m_modelData->selectedKeyset() : nullptr;
@@ -481,13 +478,110 @@ void TVKController::showKeysetNameAndIcon()
     setIconForKeyset(keyset);
 }
 
+TVKSelection TVKController::selection() const
+{
+    return m_modelData ? m_modelData->selection() : TVKSelection{};
+}
+
+qint64 TVKController::selectedGroup() const
+{
+    const TVKSelection current = selection();
+    qint64 group = 0;
+    qint64 control = 0;
+    toOnscreen(current.group, current.control, group, control);
+    return group;
+}
+
+qint64 TVKController::selectedControl() const
+{
+    const TVKSelection current = selection();
+    qint64 group = 0;
+    qint64 control = 0;
+    toOnscreen(current.group, current.control, group, control);
+    return control;
+}
+
+bool TVKController::controlExists(qint64 group, qint64 control) const
+{
+    // The layer is the authority: the NV's banked groups hold more controls than one bank draws.
+    const TVKKeyset* keyset = keysetAt(selectedKeyset());
+    const TVKLayer* layer = keyset ? keyset->layerAtIndex(int(selectedLayer())) : nullptr;
+    if (!layer || group < 0 || group >= qint64(layer->groups().size()) ||
+        group >= layer->numGroups())
+        return false;
+    return control >= 0 && control < qint64(layer->groups()[size_t(group)].size());
+}
+
+bool TVKController::onscreenToModel(qint64 group, qint64 control, int& dataGroup,
+                                    int& dataControl) const
+{
+    if (!m_constantServer)
+        return false;
+    int g = 0;
+    int c = 0;
+    if (!m_constantServer->onscreenGroup(int(group), int(control), g, c) || !controlExists(g, c))
+        return false;
+    // A group drawn in two clusters has each control in one of them only.
+    qint64 backGroup = 0;
+    qint64 backControl = 0;
+    toOnscreen(g, c, backGroup, backControl);
+    if (backGroup != group || backControl != control)
+        return false;
+    dataGroup = g;
+    dataControl = c;
+    return true;
+}
+
+void TVKController::storeSelection(const TVKSelection& next)
+{
+    if (!m_modelData)
+        return;
+    const qint64 previousGroup = selectedGroup();
+    m_modelData->setSelection(next);
+    if (selectedGroup() != previousGroup)
+        notifyWithMessage(note::SelectedGroupChange{});
+}
+
+void TVKController::selectControl(int group, int control)
+{
+    TVKSelection next = selection();
+    next.group = group;
+    next.control = control;
+    next.displaySelected = false;
+    storeSelection(next);
+}
+
+bool TVKController::isSelectedControl(const TVKControl* control) const
+{
+    return m_modelData && control && !displaySelected() &&
+           m_modelData->selectedControl() == control;
+}
+
+void TVKController::announceSelection()
+{
+    const TVKSelection current = selection();
+    if (current.displaySelected)
+        notifyOfDisplaySelection(current.display, current.displayGroup);
+    else
+        notifyOfControlChange(selectedControl(), selectedGroup());
+}
+
+void TVKController::selectKeysetAndLayer(qint64 keyset, qint64 layer)
+{
+    if (keyset != selectedKeyset())
+        setSelectedKeyset(keyset);
+    if (layer != selectedLayer()) {
+        setSelectedLayer(layer);
+        notifyWithMessage(note::SelectedLayerChange{});
+    }
+}
+
 void TVKController::setSelectedKeyset(qint64 index)
 {
-    m_selectedKeyset = index;
     if (m_modelData)
         m_modelData->setSelectedKeysetIndex(int(index));
     notifyWithMessage(note::SelectedKeysetChange{});
-    notifyOfControlChange(m_selectedControl, m_selectedGroup);
+    announceSelection();
     showKeysetNameAndIcon();
     if (m_messenger)
         m_messenger->sendChangeEditKeysetMessage(index);
@@ -497,7 +591,6 @@ void TVKController::setSelectedKeyset(qint64 index)
 
 void TVKController::setSelectedLayer(qint64 index)
 {
-    m_selectedLayer = index;
     if (m_modelData)
         m_modelData->setSelectedLayerIndex(int(index));
     if (m_messenger)
@@ -506,41 +599,44 @@ void TVKController::setSelectedLayer(qint64 index)
 
 void TVKController::setSelectedGroup(qint64 group)
 {
-    if (group == m_selectedGroup)
+    if (group == selectedGroup())
         return;
-    m_selectedGroup = group;
-    notifyWithMessage(note::SelectedGroupChange{});
+    int dataGroup = 0;
+    int dataControl = 0;
+    bool found = onscreenToModel(group, selectedControl(), dataGroup, dataControl);
+    // Any group of the surface has fewer controls than this.
+    constexpr qint64 kMostControls = 256;
+    for (qint64 control = 0; !found && control < kMostControls; ++control)
+        found = onscreenToModel(group, control, dataGroup, dataControl);
+    if (found)
+        selectControl(dataGroup, dataControl);
 }
 
 void TVKController::setSelectedControl(qint64 control)
 {
-    m_selectedControl = control;
-    if (!m_constantServer)
-        return;
-    int group = 0;
-    int index = 0;
-    if (!m_constantServer->onscreenGroup(int(m_selectedGroup), int(control), group, index))
-        return;
-    m_modelDataGroupIndex = group;
-    m_modelDataControlIndex = index;
-    if (m_modelData) {
-        m_modelData->setSelectedGroupIndex(group);
-        m_modelData->setSelectedControlIndex(index);
-    }
+    int dataGroup = 0;
+    int dataControl = 0;
+    if (onscreenToModel(selectedGroup(), control, dataGroup, dataControl))
+        selectControl(dataGroup, dataControl);
 }
 
 void TVKController::setSelectedDisplay(qint64 display, qint64 group)
 {
-    m_selectedDisplay = display;
-    m_selectedDisplayGroup = group;
-    if (m_modelData)
-        m_modelData->setSelectedDisplay(int(display), int(group));
+    const TVKSelection before = selection();
+    TVKSelection next = before;
+    next.display = int(display);
+    next.displayGroup = int(group);
+    next.displaySelected = true;
+    storeSelection(next);
+    // No control is selected any more: the surface darkens the one it lit.
+    if (m_modelData && !before.displaySelected && m_messenger)
+        m_messenger->sendControlStateMessage(0, before.group, before.control, 0);
 }
 
 void TVKController::selectedDisplay(qint64& display, qint64& group) const
 {
-    display = m_selectedDisplay;
-    group = m_selectedDisplayGroup;
+    display = selection().display;
+    group = selection().displayGroup;
 }
 
 void TVKController::setIconForKeyset(const TVKKeyset* keyset)
@@ -557,7 +653,7 @@ void TVKController::showInspector()
     // The inspector is made on first use, from the nib named for this surface family.
     m_views.windows->show(TVKWindow::Inspector);
     notifyWithMessage(note::SelectedKeysetChange{});
-    notifyOfControlChange(m_selectedControl, m_selectedGroup);
+    announceSelection();
 }
 
 void TVKController::showMainWindow()
@@ -597,36 +693,22 @@ bool TVKController::toOnscreen(qint64 group, qint64 control, qint64& onscreenGro
 
 void TVKController::handleTVKControl(qint64 control, qint64 group)
 {
-    m_displaySelected = false;
-    const qint64 previousModelGroup = m_modelData ? m_modelData->selectedGroupIndex() : 0;
-    const qint64 previousModelControl = m_modelData ? m_modelData->selectedControlIndex() : 0;
-    const qint64 previousGroup = m_selectedGroup;
-    const qint64 previousControl = m_selectedControl;
-    setSelectedGroup(group);
-    setSelectedControl(control);
-    if (group == previousGroup && control == previousControl)
-        return;
-    if (!m_constantServer)
-        return;
+    const TVKSelection before = selection();
     int dataGroup = 0;
     int dataControl = 0;
-    if (!m_constantServer->onscreenGroup(int(group), int(control), dataGroup, dataControl))
+    if (!onscreenToModel(group, control, dataGroup, dataControl))
         return;
-    m_modelDataGroupIndex = dataGroup;
-    m_modelDataControlIndex = dataControl;
-    notifyOfControlChange(m_selectedControl, m_selectedGroup);
-    updateHardwareControlsPreviousGroup(previousModelGroup, previousModelControl,
-                                        m_modelDataGroupIndex, m_modelDataControlIndex);
+    if (!before.displaySelected && before.group == dataGroup && before.control == dataControl)
+        return;
+    selectControl(dataGroup, dataControl);
+    notifyOfControlChange(control, group);
+    updateHardwareControlsPreviousGroup(before.group, before.control, dataGroup, dataControl);
 }
 
 void TVKController::handleMultiStateTVKButton(qint64 group, qint64 value)
 {
-    if (value == 0) {
-        m_displaySelected = false;
-        setSelectedGroup(group);
-        return;
-    }
-    handleTVKControl(value, group);
+    if (value != 0)
+        handleTVKControl(value, group);
 }
 
 void TVKController::updateHardwareControlsPreviousGroup(qint64 previousGroup,
@@ -660,7 +742,7 @@ void TVKController::selectionChangedInSummaryWindowToGroup(qint64 group, qint64 
 
 void TVKController::notifyOfControlChange(qint64 control, qint64 group)
 {
-    notifyOfControlChange(control, group, m_selectedLayer);
+    notifyOfControlChange(control, group, selectedLayer());
 }
 
 void TVKController::notifyOfControlChange(qint64 control, qint64 group, qint64 layer)
@@ -671,13 +753,13 @@ void TVKController::notifyOfControlChange(qint64 control, qint64 group, qint64 l
 
 void TVKController::notifyOfDisplaySelection(qint64 display, qint64 group)
 {
-    notifyOfDisplaySelection(display, group, m_selectedLayer);
+    notifyOfDisplaySelection(display, group, selectedLayer());
 }
 
 void TVKController::notifyOfDisplaySelection(qint64 display, qint64 group, qint64 layer)
 {
     TVKControl* object = m_modelData
-                             ? m_modelData->displayForKeyset(int(m_selectedKeyset), int(layer),
+                             ? m_modelData->displayForKeyset(int(selectedKeyset()), int(layer),
                                                              int(group), int(display))
                              : nullptr;
     // The display's index travels under the control's key.
@@ -692,7 +774,7 @@ void TVKController::notifyOfRemoteControlChange(qint64 control, qint64 group,
         int dataGroup = 0;
         int dataControl = 0;
         if (m_constantServer->onscreenGroup(int(group), int(control), dataGroup, dataControl))
-            object = m_modelData->controlForKeyset(int(m_selectedKeyset), int(m_selectedLayer),
+            object = m_modelData->controlForKeyset(int(selectedKeyset()), int(selectedLayer()),
                                                    dataGroup, dataControl);
     }
     notifyWithMessage(note::RemoteSelectionChange{group, control, visibleEditorUpdate, object});

@@ -9,6 +9,7 @@
 #include "core/PlistValue.h"
 #include "core/TVKUserDefaults.h"
 #include "model/ControlProperties.h"
+#include "model/TVKSelection.h"
 #include "service/MessageFrame.h"
 #include "service/TVKMessengerDelegate.h"
 
@@ -28,7 +29,8 @@ class TVK_Constant_Server;
 class TVK_PrivateMessenger;
 
 // The application's one main controller: owns the model data, the messenger, the surface
-// constants and the undo stack, keeps the selection in both numberings, applies every edit the
+// constants and the undo stack, moves the one selection (kept by the model data in its own
+// numbering; the pictures' numbering is derived from it where it is read), applies every edit the
 // views post (changing the model, registering the undo step, telling the service) and keeps the
 // service's connection watched. It is abstract: what depends on the surface family is made by
 // factory operations that CorvaneController overrides.
@@ -106,14 +108,16 @@ public:
     TVKUndoManager& undoManager() { return m_undoManager; }
     corvane::TVKUserDefaults& defaults() { return *m_defaults; }
 
-    qint64 selectedKeyset() const { return m_selectedKeyset; }
-    qint64 selectedLayer() const { return m_selectedLayer; }
-    qint64 selectedGroup() const { return m_selectedGroup; }
-    qint64 selectedControl() const { return m_selectedControl; }
-    qint64 modelDataGroupIndex() const { return m_modelDataGroupIndex; }
-    qint64 modelDataControlIndex() const { return m_modelDataControlIndex; }
-    qint64 selectedBank() const { return m_selectedBank; }
-    bool displaySelected() const { return m_displaySelected; }
+    // The one selection, the model data's (all zero without model data).
+    TVKSelection selection() const;
+    qint64 selectedKeyset() const { return selection().keyset; }
+    qint64 selectedLayer() const { return selection().layer; }
+    // The selected control in the pictures' numbering, derived from the selection.
+    qint64 selectedGroup() const;
+    qint64 selectedControl() const;
+    qint64 modelDataGroupIndex() const { return selection().group; }
+    qint64 modelDataControlIndex() const { return selection().control; }
+    bool displaySelected() const { return selection().displaySelected; }
     bool capturing() const { return m_capturing; }
     bool connected() const { return m_connected; }
     const QImage& genericAppIcon() const { return m_genericAppIcon; }
@@ -122,8 +126,12 @@ public:
     // --- Selection ------------------------------------------------------------------------
     void setSelectedKeyset(qint64 index);
     void setSelectedLayer(qint64 index);
+    // On-screen numbering. Selecting a group keeps the selected control's number when that
+    // group has such a control, else takes the group's first control; a group or control
+    // without a control of the model is not selected.
     void setSelectedGroup(qint64 group);
     void setSelectedControl(qint64 control);
+    // Model numbering: selects the display (the control lit on the surface goes dark).
     void setSelectedDisplay(qint64 display, qint64 group);
     void selectedDisplay(qint64& display, qint64& group) const;
     void setIconForKeyset(const TVKKeyset* keyset);
@@ -134,7 +142,8 @@ public:
     bool keysetSummaryIsVisible() const;
     void showAboutBox();
 
-    // A click on a surface control (on-screen numbering) and on a multi-state button.
+    // A click on a surface control (on-screen numbering) and on a multi-state button (value 0:
+    // the click hit no control, which selects nothing).
     void handleTVKControl(qint64 control, qint64 group);
     void handleMultiStateTVKButton(qint64 group, qint64 value);
     void updateHardwareControlsPreviousGroup(qint64 previousGroup, qint64 previousControl,
@@ -223,6 +232,8 @@ public:
     virtual bool validateMenuItem(QAction* item);
     // Validates every item (a menu is about to show, or the state behind the items changed).
     void validateMenuItems();
+    // Undo and Redo: titled with the step, disabled with the reason while its keyset is locked.
+    void validateUndoItems();
     // Runs the item's command.
     virtual void perform(QAction* item);
 
@@ -304,7 +315,21 @@ protected:
     std::vector<qint64> affectedLayers(qint64 layer, bool copyToAllLayers) const;
     bool toOnscreen(qint64 group, qint64 control, qint64& onscreenGroup,
                     qint64& onscreenControl) const;
-    // Moves the model's selection and the surface highlight to an edited control.
+    // The model's control at an on-screen place, when the model has that control and it is
+    // drawn there.
+    bool onscreenToModel(qint64 group, qint64 control, int& dataGroup, int& dataControl) const;
+    bool controlExists(qint64 group, qint64 control) const;
+    // Every change of the selection goes through here; a new on-screen group is announced.
+    void storeSelection(const TVKSelection& next);
+    // Selects a control (model numbering) of the selected keyset and layer.
+    void selectControl(int group, int control);
+    // Tells the views what is selected: the control, or the display.
+    void announceSelection();
+    // Makes the keyset and layer of an edit the selected ones, announced as a user's choice is.
+    void selectKeysetAndLayer(qint64 keyset, qint64 layer);
+    // The control is the selection (not a display that happens to share its indices).
+    bool isSelectedControl(const TVKControl* control) const;
+    // Moves the selection and the surface highlight to an edited control.
     void selectEditedControl(qint64 keyset, qint64 layer, qint64 group, qint64 control);
     // The on and the off colour edits: one pattern, two properties.
     void undoableSetColor(bool off, const std::vector<qint64>& colors, qint64 keyset, qint64 layer,
@@ -338,8 +363,6 @@ protected:
     void setPropertyWithoutUndo(corvane::ControlProperty property, corvane::ControlProperty sentAs,
                                 const std::vector<qint64>& values, qint64 keyset, qint64 layer,
                                 qint64 group, qint64 control, bool copyToAllLayers);
-    // Makes the model data's selection the controller's (keyset, layer, model group and control).
-    void copySelectionToModelData();
     // After a latch or colour edit: moves the selection to the edited control, or announces the
     // change of the selected one.
     void finishControlEdit(const std::vector<TVKControl*>& visited, bool copyToAllLayers,
@@ -399,15 +422,6 @@ protected:
     TVKPreferenceFields m_preferenceFields;
     TVKAppPortFields m_appPortFields;
 
-    qint64 m_selectedKeyset = 0;
-    qint64 m_selectedLayer = 0;
-    qint64 m_selectedGroup = 0;
-    qint64 m_selectedControl = 0;
-    qint64 m_selectedDisplay = 0;
-    qint64 m_selectedDisplayGroup = 0;
-    qint64 m_selectedBank = 0;
-    qint64 m_modelDataGroupIndex = 0;
-    qint64 m_modelDataControlIndex = 0;
     qint64 m_peripheralIndex = 0;
 
     bool m_capturing = false;
@@ -415,7 +429,6 @@ protected:
     bool m_amIAwake = false;
     bool m_isAppFinishedLaunching = false;
     bool m_isWindowKey = false;
-    bool m_displaySelected = false;
     bool m_connected = false;
     bool m_installDone = false;
     bool m_terminated = false;

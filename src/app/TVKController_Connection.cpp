@@ -29,30 +29,19 @@ void TVKController::hardwareControlChangeForGroup(qint64 group, qint64 control, 
     // The release of a control does not move the selection.
     if (value == 0 || !m_constantServer)
         return;
-    const qint64 previousGroup = m_modelData ? m_modelData->selectedGroupIndex() : 0;
-    const qint64 previousControl = m_modelData ? m_modelData->selectedControlIndex() : 0;
-    qint64 onscreenGroup = 0;
-    qint64 onscreenControl = 0;
-    toOnscreen(group, control, onscreenGroup, onscreenControl);
-    const bool unchanged = onscreenGroup == m_selectedGroup && onscreenControl == m_selectedControl;
-    m_selectedGroup = onscreenGroup;
-    m_selectedControl = onscreenControl;
-    if (unchanged)
+    if (!controlExists(group, control)) {
+        corvane::log(QStringLiteral("the service touched a control the surface does not have: "
+                                    "group %1, control %2")
+                         .arg(group)
+                         .arg(control));
         return;
-    int dataGroup = 0;
-    int dataControl = 0;
-    if (m_constantServer->onscreenGroup(int(onscreenGroup), int(onscreenControl), dataGroup,
-                                        dataControl)) {
-        m_modelDataGroupIndex = dataGroup;
-        m_modelDataControlIndex = dataControl;
-        if (m_modelData) {
-            m_modelData->setSelectedGroupIndex(dataGroup);
-            m_modelData->setSelectedControlIndex(dataControl);
-        }
-        notifyOfRemoteControlChange(onscreenControl, onscreenGroup, true);
     }
-    updateHardwareControlsPreviousGroup(previousGroup, previousControl, m_modelDataGroupIndex,
-                                        m_modelDataControlIndex);
+    const TVKSelection before = selection();
+    if (!before.displaySelected && before.group == group && before.control == control)
+        return;
+    selectControl(int(group), int(control));
+    notifyOfRemoteControlChange(selectedControl(), selectedGroup(), true);
+    updateHardwareControlsPreviousGroup(before.group, before.control, group, control);
 }
 
 void TVKController::handleCurrentControlInfoForKeyset(qint64 keyset, qint64 layer, qint64 group,
@@ -60,13 +49,11 @@ void TVKController::handleCurrentControlInfoForKeyset(qint64 keyset, qint64 laye
 {
     setSelectedKeyset(keyset);
     setSelectedLayer(layer);
-    m_modelDataGroupIndex = group;
-    m_modelDataControlIndex = control;
-    toOnscreen(group, control, m_selectedGroup, m_selectedControl);
-    copySelectionToModelData();
+    if (controlExists(group, control))
+        selectControl(int(group), int(control));
     showKeysetNameAndIcon();
     notifyWithMessage(note::SelectedKeysetChange{});
-    notifyOfRemoteControlChange(m_selectedControl, m_selectedGroup, true);
+    notifyOfRemoteControlChange(selectedControl(), selectedGroup(), true);
     validateMenuItems();
 }
 
@@ -143,16 +130,15 @@ void TVKController::attemptReconnect()
 
 void TVKController::handleTVKLayerSelector(qint64 layer)
 {
-    if (layer == m_selectedLayer)
+    if (layer == selectedLayer())
         return;
     setSelectedLayer(layer);
-    notifyOfControlChange(m_selectedControl, m_selectedGroup);
+    announceSelection();
     notifyWithMessage(note::SelectedLayerChange{});
 }
 
 void TVKController::handleDisplay(qint64 display, qint64 group)
 {
-    m_displaySelected = true;
     setSelectedDisplay(display, group);
     notifyOfDisplaySelection(display, group);
 }

@@ -62,14 +62,12 @@ std::vector<TVKControl*> TVKController::forEachAffectedControl(qint64 keyset, qi
 
 void TVKController::selectEditedControl(qint64 keyset, qint64 layer, qint64 group, qint64 control)
 {
-    const qint64 previousGroup = m_modelData->selectedGroupIndex();
-    const qint64 previousControl = m_modelData->selectedControlIndex();
-    m_modelData->setSelectedKeysetIndex(int(keyset));
-    m_modelData->setSelectedLayerIndex(int(layer));
-    m_modelData->setSelectedGroupIndex(int(group));
-    m_modelData->setSelectedControlIndex(int(control));
+    // An undone edit may lie in another keyset or layer: the whole selection moves to it.
+    selectKeysetAndLayer(keyset, layer);
+    const TVKSelection before = selection();
+    selectControl(int(group), int(control));
     setIconForKeyset(m_modelData->selectedKeyset());
-    updateHardwareControlsPreviousGroup(previousGroup, previousControl, group, control);
+    updateHardwareControlsPreviousGroup(before.group, before.control, group, control);
 }
 
 void TVKController::finishControlEdit(const std::vector<TVKControl*>& visited, bool copyToAllLayers,
@@ -80,7 +78,7 @@ void TVKController::finishControlEdit(const std::vector<TVKControl*>& visited, b
     // Only a copy keeps the last control visited for the comparison with the selection, so a
     // single-layer edit always moves the selection.
     TVKControl* edited = copyToAllLayers && !visited.empty() ? visited.back() : nullptr;
-    if (!edited || m_modelData->selectedControl() != edited)
+    if (!isSelectedControl(edited))
         selectEditedControl(keyset, layer, group, control);
     else
         notifyOfControlPropertyChange(edited);
@@ -109,11 +107,11 @@ void TVKController::handleUserNameChange(const note::UserNameChange& n)
 
 void TVKController::handleDisplayUserNameChange(const note::DisplayUserNameChange& n)
 {
-    if (!m_modelData || !m_displaySelected)
+    if (!m_modelData || !displaySelected())
         return;
     undoableSetDisplayUserName(n.userName, m_modelData->selectedKeysetIndex(),
-                               m_modelData->selectedLayerIndex(), m_selectedDisplayGroup,
-                               m_selectedDisplay, n.copyToLayers);
+                               m_modelData->selectedLayerIndex(), selection().displayGroup,
+                               selection().display, n.copyToLayers);
 }
 
 template <typename T, typename Primitive>
@@ -168,7 +166,7 @@ void TVKController::handleInsertEditedAction(const note::InsertEditedAction& n)
     const std::shared_ptr<const TVKAction> action = edited->copyWithZone();
     undoableInsertAction(
         repeated(action, copy, m_constantServer ? m_constantServer->numLayers() : 0),
-        m_selectedKeyset, m_selectedLayer, m_modelDataGroupIndex, m_modelDataControlIndex,
+        selectedKeyset(), selectedLayer(), modelDataGroupIndex(), modelDataControlIndex(),
         tr("Edit Control Action"), copy);
 }
 
@@ -176,8 +174,8 @@ void TVKController::handleDeleteAction(const note::DeleteAction& n)
 {
     const bool copy = n.copyToLayers;
     const std::shared_ptr<const TVKAction> none = std::make_shared<TVKNULLAction>();
-    undoableInsertAction(repeated(none, copy, kDeleteCopyCount), m_selectedKeyset, m_selectedLayer,
-                         m_modelDataGroupIndex, m_modelDataControlIndex,
+    undoableInsertAction(repeated(none, copy, kDeleteCopyCount), selectedKeyset(), selectedLayer(),
+                         modelDataGroupIndex(), modelDataControlIndex(),
                          tr("Delete Control Action"), copy);
 }
 
@@ -186,15 +184,16 @@ void TVKController::handleInsertEditedDisplayAction(const note::InsertEditedDisp
     const TVKAction* edited = m_views.windows->inspectorEditedAction();
     if (!edited)
         return;
-    undoableInsertDisplayAction(edited->copyWithZone(), m_selectedKeyset, m_selectedLayer,
-                                m_selectedDisplayGroup, m_selectedDisplay,
+    undoableInsertDisplayAction(edited->copyWithZone(), selectedKeyset(), selectedLayer(),
+                                selection().displayGroup, selection().display,
                                 tr("Edit Display Function"));
 }
 
 void TVKController::handleDeleteDisplayAction(const note::DeleteDisplayAction&)
 {
-    undoableInsertDisplayAction(nullptr, m_selectedKeyset, m_selectedLayer, m_selectedDisplayGroup,
-                                m_selectedDisplay, tr("Delete Display Function"));
+    undoableInsertDisplayAction(nullptr, selectedKeyset(), selectedLayer(),
+                                selection().displayGroup, selection().display,
+                                tr("Delete Display Function"));
 }
 
 void TVKController::handleInspectorNeedsUpdate(const note::InspUpdate& n)
@@ -320,7 +319,7 @@ void TVKController::recordedSetUserNames(const std::vector<QString>& names, qint
         [this, old, keyset, layer, group, control, copyToAllLayers] {
             recordedSetUserNames(old, keyset, layer, group, control, copyToAllLayers);
         },
-        tr("Change Name"));
+        tr("Change Name"), keyset);
     if (m_messenger)
         m_messenger->updateProperty(ControlProperty::UserName, int(keyset), int(layer), int(group),
                                     int(control));
@@ -400,19 +399,14 @@ void TVKController::undoableSetLatchStyle(const std::vector<bool>& latched, qint
         [this, old, keyset, layer, group, control, copyToAllLayers] {
             undoableSetLatchStyle(old, keyset, layer, group, control, copyToAllLayers);
         },
-        tr("Change Latch Style"));
+        tr("Change Latch Style"), keyset);
     finishControlEdit(edit.visited, copyToAllLayers, keyset, layer, group, control);
     if (m_messenger) {
         for (const qint64 l : affectedLayers(layer, copyToAllLayers))
             m_messenger->updateProperty(ControlProperty::Latch, int(keyset), int(l), int(group),
                                         int(control));
     }
-    qint64 onscreenGroup = 0;
-    qint64 onscreenControl = 0;
-    toOnscreen(group, control, onscreenGroup, onscreenControl);
-    setSelectedGroup(onscreenGroup);
-    setSelectedControl(onscreenControl);
-    notifyOfRemoteControlChange(onscreenControl, onscreenGroup, false);
+    notifyOfRemoteControlChange(selectedControl(), selectedGroup(), false);
 }
 
 void TVKController::undoableSetOnColor(const std::vector<qint64>& colors, qint64 keyset,
@@ -442,7 +436,7 @@ void TVKController::undoableSetColor(bool off, const std::vector<qint64>& colors
     qint64 shown = 0;
     for (const PropertyEdit::Taken& taken : edit.taken) {
         old.push_back(taken.old.toInteger());
-        if (!copyToAllLayers || taken.layer == m_selectedLayer)
+        if (!copyToAllLayers || taken.layer == selectedLayer())
             shown = colors[taken.index];
         if (m_messenger)
             m_messenger->updateProperty(property, int(keyset), int(taken.layer), int(group),
@@ -452,7 +446,7 @@ void TVKController::undoableSetColor(bool off, const std::vector<qint64>& colors
         [this, off, old, keyset, layer, group, control, copyToAllLayers] {
             undoableSetColor(off, old, keyset, layer, group, control, copyToAllLayers);
         },
-        tr("Change Color"));
+        tr("Change Color"), keyset);
     qint64 onscreenGroup = 0;
     qint64 onscreenControl = 0;
     toOnscreen(group, control, onscreenGroup, onscreenControl);
@@ -460,9 +454,11 @@ void TVKController::undoableSetColor(bool off, const std::vector<qint64>& colors
         notifyOfControlOffColorChange(shown, onscreenGroup, onscreenControl);
     else
         notifyOfControlOnColorChange(shown, onscreenGroup, onscreenControl);
+    const TVKSelection before = selection();
     finishControlEdit(edit.visited, copyToAllLayers, keyset, layer, group, control);
-    setSelectedGroup(onscreenGroup);
-    setSelectedControl(onscreenControl);
+    // Undone or redone on another control, the edit takes every view along to it.
+    if (selection() != before)
+        notifyOfRemoteControlChange(selectedControl(), selectedGroup(), true);
 }
 
 void TVKController::undoableInsertAction(const ActionList& actions, qint64 keyset, qint64 layer,
@@ -493,9 +489,9 @@ void TVKController::undoableInsertAction(const ActionList& actions, qint64 keyse
         [this, old, keyset, layer, group, control, undoName, copyToAllLayers] {
             undoableInsertAction(old, keyset, layer, group, control, undoName, copyToAllLayers);
         },
-        undoName);
+        undoName, keyset);
     TVKControl* edited = visited.empty() ? nullptr : visited.back();
-    const bool isSelected = m_modelData && edited && m_modelData->selectedControl() == edited;
+    const bool isSelected = isSelectedControl(edited);
     const bool visibleEditorUpdate =
         !isSelected || m_undoManager.isUndoing() || m_undoManager.isRedoing() || storedNone;
     if (m_modelData && !isSelected)
@@ -505,13 +501,8 @@ void TVKController::undoableInsertAction(const ActionList& actions, qint64 keyse
             m_messenger->updateProperty(ControlProperty::Action, int(keyset), int(l), int(group),
                                         int(control));
     }
-    qint64 onscreenGroup = 0;
-    qint64 onscreenControl = 0;
-    toOnscreen(group, control, onscreenGroup, onscreenControl);
-    setSelectedGroup(onscreenGroup);
-    setSelectedControl(onscreenControl);
     notifyKeysetSummaryNeedsUpdate();
-    notifyOfRemoteControlChange(onscreenControl, onscreenGroup, visibleEditorUpdate);
+    notifyOfRemoteControlChange(selectedControl(), selectedGroup(), visibleEditorUpdate);
 }
 
 void TVKController::undoableInsertDisplayAction(std::shared_ptr<const TVKAction> action,
@@ -533,11 +524,11 @@ void TVKController::undoableInsertDisplayAction(std::shared_ptr<const TVKAction>
         [this, old, keyset, layer, group, display, undoName] {
             undoableInsertDisplayAction(old, keyset, layer, group, display, undoName);
         },
-        undoName);
-    const bool isSelected = m_modelData && target && m_modelData->selectedDisplay() == target;
+        undoName, keyset);
+    const bool isSelected =
+        m_modelData && target && displaySelected() && m_modelData->selectedDisplay() == target;
     if (m_modelData && !isSelected) {
-        m_modelData->setSelectedKeysetIndex(int(keyset));
-        m_modelData->setSelectedLayerIndex(int(layer));
+        selectKeysetAndLayer(keyset, layer);
         setSelectedDisplay(display, group);
         setIconForKeyset(m_modelData->selectedKeyset());
     }

@@ -88,7 +88,7 @@ void TVKController::handleNewKeyset()
 
 void TVKController::handleExportKeyset()
 {
-    TVKKeyset* keyset = keysetAt(m_selectedKeyset);
+    TVKKeyset* keyset = keysetAt(selectedKeyset());
     if (!keyset)
         return;
     const QString type = keysetFileType();
@@ -174,7 +174,7 @@ void TVKController::importKeysetFile(const QString& path)
 
 void TVKController::handleCopyKeyset()
 {
-    TVKKeyset* keyset = keysetAt(m_selectedKeyset);
+    TVKKeyset* keyset = keysetAt(selectedKeyset());
     if (!keyset)
         return;
     PlistValue dict = PlistValue::makeDict(6);
@@ -194,7 +194,7 @@ bool TVKController::clipboardHoldsKeyset()
 
 void TVKController::handlePasteKeyset()
 {
-    TVKKeyset* target = keysetAt(m_selectedKeyset);
+    TVKKeyset* target = keysetAt(selectedKeyset());
     if (!target || target->locked())
         return;
     // Without a keyset on the clipboard there is nothing to paste: an empty archive would
@@ -229,18 +229,18 @@ void TVKController::handlePasteKeyset()
     pasted->setEmulationMode(target->emulationMode());
     pasted->setIcon(target->icon());
     pasted->setTargetID(target->targetID());
-    undoableSwapKeyset(std::move(pasted), m_selectedKeyset, tr("Paste Keyset"));
+    undoableSwapKeyset(std::move(pasted), selectedKeyset(), tr("Paste Keyset"));
 }
 
 void TVKController::handleClearKeyset()
 {
-    TVKKeyset* target = keysetAt(m_selectedKeyset);
+    TVKKeyset* target = keysetAt(selectedKeyset());
     if (!target)
         return;
     std::unique_ptr<TVKKeyset> cleared =
         m_modelData->createKeysetWithName(target->name(), target->signature(), target->bundleID());
     cleared->setEmulationMode(target->emulationMode());
-    undoableSwapKeyset(std::move(cleared), m_selectedKeyset, tr("Clear Keyset"));
+    undoableSwapKeyset(std::move(cleared), selectedKeyset(), tr("Clear Keyset"));
 }
 
 void TVKController::undoableSwapKeyset(std::unique_ptr<TVKKeyset> keyset, qint64 index,
@@ -254,22 +254,22 @@ void TVKController::undoableSwapKeyset(std::unique_ptr<TVKKeyset> keyset, qint64
     if (previous.get() == incoming)
         return; // no keyset at that index: nothing was swapped
     notifyKeysetSummaryNeedsUpdate();
-    notifyOfRemoteControlChange(m_selectedControl, m_selectedGroup, true);
+    notifyOfRemoteControlChange(selectedControl(), selectedGroup(), true);
     setSelectedKeyset(index);
     updateKeysetsMenu();
     m_undoManager.registerUndo(
         [this, kept = keep(std::move(previous)), index, actionName] {
             undoableSwapKeyset(std::move(*kept), index, actionName);
         },
-        actionName);
+        actionName, index);
     if (m_messenger)
         m_messenger->sendUpdateKeysetMessage(int(index), incoming);
 }
 
 void TVKController::handleDeleteKeyset()
 {
-    TVKKeyset* keyset = keysetAt(m_selectedKeyset);
-    if (!keyset || m_selectedKeyset == 0)
+    TVKKeyset* keyset = keysetAt(selectedKeyset());
+    if (!keyset || selectedKeyset() == 0)
         return;
     const int button = m_views.dialogs->runAlert(
         {tr("Delete Keyset?"),
@@ -279,7 +279,7 @@ void TVKController::handleDeleteKeyset()
         return;
     // The service may have moved the selection while the alert was open: the keyset asked
     // about is the one deleted.
-    if (keysetAt(m_selectedKeyset) != keyset) {
+    if (keysetAt(selectedKeyset()) != keyset) {
         int now = -1;
         for (int i = 0; i < m_modelData->numberOfKeysets(); ++i) {
             if (m_modelData->keysetAtIndex(i) == keyset)
@@ -289,7 +289,7 @@ void TVKController::handleDeleteKeyset()
             return;
         setSelectedKeyset(now);
     }
-    undoableDeleteKeyset(m_selectedKeyset);
+    undoableDeleteKeyset(selectedKeyset());
 }
 
 void TVKController::undoableDeleteKeyset(qint64 index)
@@ -308,7 +308,7 @@ void TVKController::undoableDeleteKeyset(qint64 index)
     updateKeysetsMenu();
     m_undoManager.registerUndo([this, kept = keep(std::move(deleted)),
                                 index] { undoableRestoreKeyset(std::move(*kept), index); },
-                               tr("Delete Keyset"));
+                               tr("Delete Keyset"), TVKUndoManager::kNoKeyset);
     notifyWithMessage(note::KeysetCountChange{});
 }
 
@@ -323,18 +323,19 @@ void TVKController::undoableRestoreKeyset(std::unique_ptr<TVKKeyset> keyset, qin
         m_messenger->sendAddKeysetMessage(int(index), restored);
     setSelectedKeyset(index);
     updateKeysetsMenu();
-    m_undoManager.registerUndo([this, index] { undoableDeleteKeyset(index); }, tr("Delete Keyset"));
+    m_undoManager.registerUndo([this, index] { undoableDeleteKeyset(index); }, tr("Delete Keyset"),
+                               index);
 }
 
 void TVKController::handleLockUnlockMenu()
 {
-    const TVKKeyset* keyset = keysetAt(m_selectedKeyset);
+    const TVKKeyset* keyset = keysetAt(selectedKeyset());
     setKeysetLockState(!(keyset && keyset->locked()));
 }
 
 void TVKController::setKeysetLockState(bool locked)
 {
-    if (TVKKeyset* keyset = keysetAt(m_selectedKeyset))
+    if (TVKKeyset* keyset = keysetAt(selectedKeyset()))
         keyset->setLocked(locked);
     m_views.windows->setLockButtonState(locked);
     notifyWithMessage(note::LockStateChange{locked});
@@ -343,7 +344,7 @@ void TVKController::setKeysetLockState(bool locked)
 
 void TVKController::handleLockUnlockButton(bool buttonState)
 {
-    if (TVKKeyset* keyset = keysetAt(m_selectedKeyset))
+    if (TVKKeyset* keyset = keysetAt(selectedKeyset()))
         keyset->setLocked(buttonState);
     notifyWithMessage(note::LockStateChange{buttonState});
     validateMenuItems();
@@ -359,7 +360,7 @@ void TVKController::handleOwnerMenu()
             m_messenger->sendOwnerKeysetChange(false, QString(), 0);
         return;
     }
-    const TVKKeyset* keyset = keysetAt(m_selectedKeyset);
+    const TVKKeyset* keyset = keysetAt(selectedKeyset());
     if (!keyset)
         return;
     m_modelData->setHasOwnerKeyset(
@@ -372,7 +373,7 @@ void TVKController::handleOwnerMenu()
 
 void TVKController::handleSetOneTouchRecord()
 {
-    if (TVKKeyset* keyset = keysetAt(m_selectedKeyset))
+    if (TVKKeyset* keyset = keysetAt(selectedKeyset()))
         keyset->setOneTouchRecord(!keyset->oneTouchRecord());
 }
 
@@ -384,11 +385,11 @@ void TVKController::handleDefaultOneTouchRecord()
 
 void TVKController::handleEmulationMenu(qint64 mode)
 {
-    TVKKeyset* keyset = keysetAt(m_selectedKeyset);
+    TVKKeyset* keyset = keysetAt(selectedKeyset());
     if (!keyset)
         return;
     if (mode == 0 && keyset->emulationMode() != 0)
-        undoableSwapKeyset(keyset->copyWithoutEmulation(), m_selectedKeyset,
+        undoableSwapKeyset(keyset->copyWithoutEmulation(), selectedKeyset(),
                            tr("Disable Emulation"));
     else
         keyset->setEmulationMode(uint(mode));
@@ -400,13 +401,13 @@ void TVKController::handleEmulationMenu(qint64 mode)
 
 void TVKController::handleSetAllMenuItems(qint64 mode)
 {
-    const TVKKeyset* keyset = keysetAt(m_selectedKeyset);
+    const TVKKeyset* keyset = keysetAt(selectedKeyset());
     if (!keyset)
         return;
     std::unique_ptr<TVKKeyset> changed = m_modelData->createKeysetWithPropertiesOfKeyset(*keyset);
     changed->setEmulationMode(keyset->emulationMode());
     changed->setAllControlsToActionMode(int(mode));
-    undoableSwapKeyset(std::move(changed), m_selectedKeyset,
+    undoableSwapKeyset(std::move(changed), selectedKeyset(),
                        tr("Set All Controls to %1").arg(actionModeName(mode)));
 }
 

@@ -7,6 +7,7 @@
 
 #include <QAction>
 #include <QKeySequence>
+#include <QUndoStack>
 
 using Command = TVKMenuCommand;
 
@@ -69,10 +70,28 @@ void TVKController::makeMenuItems()
     m_connectionMenu = addMenuItem(Command::ConnectionIndicator, tr("Surface"));
     m_connectionMenuItem = addMenuItem(Command::AttemptReconnect, tr("reconnect"));
 
-    m_undoItem = m_undoManager.stack().createUndoAction(this, tr("Undo"));
-    m_undoItem->setShortcut(QKeySequence::Undo);
-    m_redoItem = m_undoManager.stack().createRedoAction(this, tr("Redo"));
-    m_redoItem->setShortcut(QKeySequence::Redo);
+    // Undo and Redo follow the stack, and refuse a step whose keyset is locked.
+    m_undoManager.setLockTest([this](qint64 index) {
+        const TVKKeyset* keyset = keysetAt(index);
+        return keyset && keyset->locked();
+    });
+    // The desktop's keys, and Ctrl+Z / Ctrl+Shift+Z whatever the platform theme offers.
+    const auto keys = [](QKeySequence::StandardKey standard, const QKeySequence& own) {
+        QList<QKeySequence> all = QKeySequence::keyBindings(standard);
+        if (!all.contains(own))
+            all.append(own);
+        return all;
+    };
+    m_undoItem = new QAction(tr("Undo"), this);
+    m_undoItem->setShortcuts(keys(QKeySequence::Undo, QKeySequence(Qt::CTRL | Qt::Key_Z)));
+    QObject::connect(m_undoItem, &QAction::triggered, this, [this] { m_undoManager.undo(); });
+    m_redoItem = new QAction(tr("Redo"), this);
+    m_redoItem->setShortcuts(
+        keys(QKeySequence::Redo, QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)));
+    QObject::connect(m_redoItem, &QAction::triggered, this, [this] { m_undoManager.redo(); });
+    QObject::connect(&m_undoManager.stack(), &QUndoStack::indexChanged, this,
+                     [this] { validateUndoItems(); });
+    validateUndoItems();
 
     // Item 0 of the Keysets menu is fixed; item 1 stands for keyset 0 and keeps its title.
     auto* summary = new QAction(tr("Keyset Summary…"), this);
@@ -94,8 +113,33 @@ QAction* TVKController::menuItem(TVKMenuCommand command, qint64 tag) const
     return nullptr;
 }
 
+void TVKController::validateUndoItems()
+{
+    const auto validate = [this](QAction* item, const QString& verb, bool possible, bool blocked,
+                                 const QString& name, qint64 keysetIndex) {
+        QString text = name.isEmpty() ? verb : tr("%1 %2").arg(verb, name);
+        QString why;
+        if (blocked) {
+            const TVKKeyset* keyset = keysetAt(keysetIndex);
+            const QString keysetName = keyset ? keyset->name() : QString();
+            text = tr("%1 (keyset “%2” is locked)").arg(text, keysetName);
+            why = tr("The keyset “%1” is locked. Unlock it to %2 this step.")
+                      .arg(keysetName, verb.toLower());
+        }
+        item->setText(text);
+        item->setEnabled(possible);
+        item->setToolTip(why.isEmpty() ? text : why);
+        item->setStatusTip(why);
+    };
+    validate(m_undoItem, tr("Undo"), m_undoManager.canUndo(), m_undoManager.undoBlockedByLock(),
+             m_undoManager.undoActionName(), m_undoManager.undoKeyset());
+    validate(m_redoItem, tr("Redo"), m_undoManager.canRedo(), m_undoManager.redoBlockedByLock(),
+             m_undoManager.redoActionName(), m_undoManager.redoKeyset());
+}
+
 void TVKController::validateMenuItems()
 {
+    validateUndoItems();
     for (QAction* item : m_menuItems)
         item->setEnabled(validateMenuItem(item));
     for (QAction* item : m_keysetsMenu) {
@@ -106,14 +150,14 @@ void TVKController::validateMenuItems()
 
 void TVKController::validateTitledKeysetItem(QAction* item, const QString& verb, bool enabled)
 {
-    const TVKKeyset* keyset = keysetAt(m_selectedKeyset);
+    const TVKKeyset* keyset = keysetAt(selectedKeyset());
     item->setText(QStringLiteral("%1 %2 keyset").arg(verb, keyset ? keyset->name() : QString()));
     item->setEnabled(enabled);
 }
 
 bool TVKController::validateMenuItem(QAction* item)
 {
-    const TVKKeyset* keyset = keysetAt(m_selectedKeyset);
+    const TVKKeyset* keyset = keysetAt(selectedKeyset());
     const bool locked = keyset && keyset->locked();
     const qint64 tag = TVKMenuItems::tag(item);
     switch (TVKMenuItems::command(item)) {
@@ -147,7 +191,7 @@ bool TVKController::validateMenuItem(QAction* item)
     case Command::HandleEndCapture:
         return m_capturing && !locked;
     case Command::HandleExportKeyset:
-        return m_selectedKeyset != 0;
+        return selectedKeyset() != 0;
     case Command::HandleSetOneTouchRecord:
         item->setChecked(keyset && keyset->oneTouchRecord());
         return true;
@@ -182,8 +226,8 @@ bool TVKController::validateMenuItem(QAction* item)
         validateTitledKeysetItem(item, QStringLiteral("Clear"), !locked);
         return !locked;
     case Command::HandleDeleteKeyset:
-        validateTitledKeysetItem(item, QStringLiteral("Delete"), m_selectedKeyset != 0 && !locked);
-        return m_selectedKeyset != 0 && !locked;
+        validateTitledKeysetItem(item, QStringLiteral("Delete"), selectedKeyset() != 0 && !locked);
+        return selectedKeyset() != 0 && !locked;
     case Command::HandleCopyKeyset:
         validateTitledKeysetItem(item, QStringLiteral("Copy"), true);
         return true;
@@ -193,7 +237,7 @@ bool TVKController::validateMenuItem(QAction* item)
         if (!m_modelData->controlSurfaceHasOwnerKeyset()) {
             item->setText(QStringLiteral("%1 %2 as Control Surface Owner")
                               .arg(QStringLiteral("Set"), keyset ? keyset->name() : QString()));
-            return m_selectedKeyset != 0;
+            return selectedKeyset() != 0;
         }
         // An owner without a bundle identifier is found by its signature alone.
         int owner = !m_modelData->ownerKeysetBundleID().isEmpty()

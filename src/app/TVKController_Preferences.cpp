@@ -162,7 +162,7 @@ void TVKController::collectEthernetPreferences()
 
 void TVKController::showAppPortPanel()
 {
-    const TVKKeyset* keyset = keysetAt(m_selectedKeyset);
+    const TVKKeyset* keyset = keysetAt(selectedKeyset());
     if (!keyset)
         return;
     m_appPortFields.cellTitles = {
@@ -197,7 +197,7 @@ void TVKController::appPortDidEnd(int returnCode)
     m_views.sheets->endSheet(TVKSheet::ApplicationPort);
     if (returnCode != 1)
         return;
-    TVKKeyset* keyset = keysetAt(m_selectedKeyset);
+    TVKKeyset* keyset = keysetAt(selectedKeyset());
     if (!keyset)
         return;
     const bool viaEthernet = m_appPortFields.selectedCell == 0;
@@ -207,11 +207,11 @@ void TVKController::appPortDidEnd(int returnCode)
         keyset->setEthernetPort(port);
         if (m_messenger)
             m_messenger->updateProperty(TVK_PrivateMessenger::EthernetPortProperty, qint64(port),
-                                        int(m_selectedKeyset));
+                                        int(selectedKeyset()));
     } else if (m_messenger) {
         // All bits set: no port; the keyset keeps the one it had.
         m_messenger->updateProperty(TVK_PrivateMessenger::EthernetPortProperty, -1,
-                                    int(m_selectedKeyset));
+                                    int(selectedKeyset()));
     }
     writeDataToDefaults();
 }
@@ -224,7 +224,7 @@ void TVKController::findAvailablePort()
         if (corvane::PortProbe::isListening(quint16(port), kProbeTimeoutMs))
             continue;
         const int user = m_modelData->appPortInUse(port);
-        if (user == -1 || user == m_selectedKeyset) {
+        if (user == -1 || user == selectedKeyset()) {
             m_appPortFields.port = QString::number(port);
             appPortChanged();
             return;

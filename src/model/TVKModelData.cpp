@@ -62,21 +62,21 @@ TVKKeyset* TVKModelData::keysetAtIndex(int index) const
 TVKKeyset* TVKModelData::selectedKeyset() const
 {
     // The selection may point past a list that just shrank; that is no caller's error here.
-    if (m_selectedKeysetIndex < 0 || std::size_t(m_selectedKeysetIndex) >= m_keysets.size())
+    if (m_selection.keyset < 0 || std::size_t(m_selection.keyset) >= m_keysets.size())
         return nullptr;
-    return m_keysets[std::size_t(m_selectedKeysetIndex)].get();
+    return m_keysets[std::size_t(m_selection.keyset)].get();
 }
 
 TVKLayer* TVKModelData::selectedLayer() const
 {
     const TVKKeyset* keyset = selectedKeyset();
-    return keyset ? keyset->layerAtIndex(m_selectedLayerIndex) : nullptr;
+    return keyset ? keyset->layerAtIndex(m_selection.layer) : nullptr;
 }
 
 TVKControl* TVKModelData::selectedControl() const
 {
-    return controlForKeyset(m_selectedKeysetIndex, m_selectedLayerIndex, m_selectedGroupIndex,
-                            m_selectedControlIndex);
+    return controlForKeyset(m_selection.keyset, m_selection.layer, m_selection.group,
+                            m_selection.control);
 }
 
 TVKControl* TVKModelData::controlForKeyset(int keyset, int layer, int group, int index) const
@@ -88,8 +88,8 @@ TVKControl* TVKModelData::controlForKeyset(int keyset, int layer, int group, int
 
 TVKControl* TVKModelData::selectedDisplay() const
 {
-    return displayForKeyset(m_selectedKeysetIndex, m_selectedLayerIndex,
-                            m_selectedDisplayGroupIndex, m_selectedDisplayControlIndex);
+    return displayForKeyset(m_selection.keyset, m_selection.layer, m_selection.displayGroup,
+                            m_selection.display);
 }
 
 TVKControl* TVKModelData::displayForKeyset(int keyset, int layer, int group, int index) const
@@ -125,14 +125,14 @@ void TVKModelData::setAction(const TVKAction* action, int keyset, int layer, int
 
 void TVKModelData::selectedDisplay(int& display, int& group) const
 {
-    display = m_selectedDisplayControlIndex;
-    group = m_selectedDisplayGroupIndex;
+    display = m_selection.display;
+    group = m_selection.displayGroup;
 }
 
 void TVKModelData::setSelectedDisplay(int display, int group)
 {
-    m_selectedDisplayControlIndex = display;
-    m_selectedDisplayGroupIndex = group;
+    m_selection.display = display;
+    m_selection.displayGroup = group;
 }
 
 void TVKModelData::setSelectedKeysetIndex(int index)
@@ -144,7 +144,7 @@ void TVKModelData::setSelectedKeysetIndex(int index)
         result = count - 1;
     if (result < 0)
         result = 0;
-    m_selectedKeysetIndex = result;
+    m_selection.keyset = result;
 }
 
 int TVKModelData::indexOfKeysetWithSignature(corvane::FourCharCode signature) const
@@ -302,7 +302,7 @@ std::unique_ptr<TVKKeyset> TVKModelData::deleteKeysetAtIndex(int index)
 
 std::unique_ptr<TVKKeyset> TVKModelData::deleteCurrentKeyset()
 {
-    return deleteKeysetAtIndex(m_selectedKeysetIndex);
+    return deleteKeysetAtIndex(m_selection.keyset);
 }
 
 void TVKModelData::setHasOwnerKeyset(bool hasOwner, const std::optional<QString>& bundleID,

@@ -2,6 +2,7 @@
 
 #include "core/FourCharCode.h"
 #include "core/PlistValue.h"
+#include "model/TVKSelection.h"
 
 #include <QByteArray>
 #include <QString>
@@ -135,20 +136,25 @@ public:
     const QString& ipAddress() const { return m_ipAddress; }
     void setIpAddress(const QString& address) { m_ipAddress = address; }
 
-    int selectedKeysetIndex() const { return m_selectedKeysetIndex; }
+    // The one selection of the application. Stored as given: the keyset index is clamped only
+    // by setSelectedKeysetIndex.
+    const TVKSelection& selection() const { return m_selection; }
+    void setSelection(const TVKSelection& selection) { m_selection = selection; }
+
+    int selectedKeysetIndex() const { return m_selection.keyset; }
     // Clamped into the list: at or beyond the count (every negative index included) gives the
     // last keyset, and an empty list gives 0.
     void setSelectedKeysetIndex(int index);
-    int selectedLayerIndex() const { return m_selectedLayerIndex; }
-    void setSelectedLayerIndex(int index) { m_selectedLayerIndex = index; }
-    int selectedGroupIndex() const { return m_selectedGroupIndex; }
-    void setSelectedGroupIndex(int index) { m_selectedGroupIndex = index; }
-    int selectedControlIndex() const { return m_selectedControlIndex; }
-    void setSelectedControlIndex(int index) { m_selectedControlIndex = index; }
-    int selectedDisplayGroupIndex() const { return m_selectedDisplayGroupIndex; }
-    void setSelectedDisplayGroupIndex(int index) { m_selectedDisplayGroupIndex = index; }
-    int selectedDisplayControlIndex() const { return m_selectedDisplayControlIndex; }
-    void setSelectedDisplayControlIndex(int index) { m_selectedDisplayControlIndex = index; }
+    int selectedLayerIndex() const { return m_selection.layer; }
+    void setSelectedLayerIndex(int index) { m_selection.layer = index; }
+    int selectedGroupIndex() const { return m_selection.group; }
+    void setSelectedGroupIndex(int index) { m_selection.group = index; }
+    int selectedControlIndex() const { return m_selection.control; }
+    void setSelectedControlIndex(int index) { m_selection.control = index; }
+    int selectedDisplayGroupIndex() const { return m_selection.displayGroup; }
+    void setSelectedDisplayGroupIndex(int index) { m_selection.displayGroup = index; }
+    int selectedDisplayControlIndex() const { return m_selection.display; }
+    void setSelectedDisplayControlIndex(int index) { m_selection.display = index; }
 
 protected:
     // Reading steps shared by the archive constructors: the base keys and the keyset list.
@@ -165,12 +171,7 @@ private:
     QString m_ipAddress;
     corvane::FourCharCode m_ownerKeysetSignature = 0;
     uint m_ethernetPort = 23;
-    int m_selectedKeysetIndex = 0;
-    int m_selectedLayerIndex = 0;
-    int m_selectedGroupIndex = 0;
-    int m_selectedControlIndex = 0;
-    int m_selectedDisplayGroupIndex = 0;
-    int m_selectedDisplayControlIndex = 0;
+    TVKSelection m_selection;
     bool m_controlSurfaceHasOwnerKeyset = false;
     bool m_oneTouchRecordDefault = false;
 };

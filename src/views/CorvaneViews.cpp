@@ -490,11 +490,16 @@ void CorvaneViews::focusWindowChanged(QWindow* focused)
 {
     if (!focused)
         return;
+    // Every window of the application counts for the NV menu; the surface windows are also
+    // the ones whose activation the controller watches for its first-run work.
     for (const TVKWindow which :
-         {TVKWindow::Main, TVKWindow::TL, TVKWindow::TLW, TVKWindow::TLW2, TVKWindow::NV}) {
+         {TVKWindow::Main, TVKWindow::TL, TVKWindow::TLW, TVKWindow::TLW2, TVKWindow::NV,
+          TVKWindow::Inspector, TVKWindow::Summary, TVKWindow::AboutBox}) {
         const QWidget* w = window(which);
         if (w && w->windowHandle() == focused) {
-            m_controller.windowDidBecomeKey(which);
+            if (which != TVKWindow::Inspector && which != TVKWindow::Summary &&
+                which != TVKWindow::AboutBox)
+                m_controller.windowDidBecomeKey(which);
             m_controller.handleMainWindowChange(which);
             return;
         }

@@ -22,6 +22,7 @@
 #include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace note = corvane::note;
 
@@ -452,12 +453,10 @@ KeysetSummaryController::KeysetSummaryController(TVKModelData& modelData, TVKCon
 
     corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
     center.observeEach<note::SelectionChange, note::RemoteSelectionChange>(
-        m_observations, nullptr, [this] { setBrowserPathFromData(); });
+        m_observations, nullptr, [this] { followSelection(); });
     center.observeEach<note::ControlPropertyChange, note::ShowUserNameChange, note::UpdateKSum,
-                       note::KeysetCountChange>(m_observations, nullptr, [this] {
-        m_model->refresh();
-        setBrowserPathFromData();
-    });
+                       note::KeysetCountChange>(m_observations, nullptr,
+                                                [this] { revalidateColumns(); });
     resize(1000, 640);
     setBrowserPathFromData();
 }
@@ -495,14 +494,47 @@ QModelIndex KeysetSummaryController::indexFor(int keyset, int layer, int group, 
     return c.isValid() ? c : (g.isValid() ? g : (l.isValid() ? l : k));
 }
 
+void KeysetSummaryController::followSelection()
+{
+    // An edit announces its control again; only a selection that moved takes the user's path.
+    if (m_modelData.selection() == m_followed)
+        return;
+    setBrowserPathFromData();
+}
+
 void KeysetSummaryController::setBrowserPathFromData()
 {
+    m_followed = m_modelData.selection();
     const TVKControl* selected = m_modelData.selectedControl();
     const QModelIndex target =
         indexFor(m_modelData.selectedKeysetIndex(), m_modelData.selectedLayerIndex(),
                  m_modelData.selectedGroupIndex(), selected ? selected->index() : 0);
     m_following = true;
     m_browser->setCurrentIndex(target);
+    m_following = false;
+    adjustColumnsToWindowWidth();
+}
+
+void KeysetSummaryController::revalidateColumns()
+{
+    // The user's path, from the keyset column rightwards, outlives the rows being read again.
+    std::vector<int> rows;
+    for (QModelIndex i = m_browser->currentIndex(); i.isValid(); i = i.parent())
+        rows.insert(rows.begin(), i.row());
+    m_model->refresh();
+    QModelIndex restored;
+    for (const int row : rows) {
+        const int count = m_model->rowCount(restored);
+        if (count == 0)
+            break;
+        restored = m_model->index(std::min(row, count - 1), 0, restored);
+    }
+    if (!restored.isValid()) {
+        setBrowserPathFromData();
+        return;
+    }
+    m_following = true;
+    m_browser->setCurrentIndex(restored);
     m_following = false;
     adjustColumnsToWindowWidth();
 }

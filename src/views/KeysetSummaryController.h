@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/NotificationCenter.h"
+#include "model/TVKSelection.h"
 
 #include <QAbstractItemModel>
 #include <QIcon>
@@ -102,6 +103,11 @@ public:
     static int columnWidth(int column);
 
     void setBrowserPathFromData();
+    // The selection notices: the browser goes to the selection when it moved.
+    void followSelection();
+    // The rows changed (a control property, the keyset list): read them again, keeping the
+    // path the user stands on as far as it still exists.
+    void revalidateColumns();
     void handleBrowserClick(const QModelIndex& index);
     void adjustColumnsToWindowWidth();
     int calcControlDescColumnWidth() const;
@@ -137,6 +143,8 @@ private:
     QTreeWidget* m_results = nullptr;
     QTimer* m_searchDelay = nullptr;
     bool m_following = false;
+    // The selection the browser last went to.
+    TVKSelection m_followed;
     std::vector<corvane::NotificationCenter::Observation> m_observations;
 };
 

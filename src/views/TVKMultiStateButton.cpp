@@ -64,8 +64,9 @@ void TVKMultiStateButtonCell::startObserving()
                                                   [this] { handleSelectedGroupChange(); });
     center.observeEach<note::RemoteSelectionChange>(m_observations, nullptr,
                                                     [this] { handleRemoteSelectionChange(); });
-    center.observeEach<note::DisplaySelectionChange>(m_observations, nullptr,
-                                                     [this] { handleDisplayChange(); });
+    // A display chosen on screen or reached by an undo: no control is lit.
+    center.observeEach<note::DisplaySelectionChange, note::RemoteDisplaySelectionChange>(
+        m_observations, nullptr, [this] { handleDisplayChange(); });
 }
 
 void TVKMultiStateButtonCell::setState(int state)

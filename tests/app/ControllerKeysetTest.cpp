@@ -336,9 +336,10 @@ TEST_F(KeysetCommandTest, NVGroupMenusFollowTheGroupsAndReversedButtonsAreSent)
     EXPECT_TRUE(
         dynamic_cast<CorvaneKeyset*>(c().modelData()->keysetAtIndex(2))->reverseRBButtons());
     // A radio control packs the control into the low byte and the group above it.
-    c().radioController((3 << 8) | 2);
+    c().radioController((3 << 8) | 5);
     EXPECT_EQ(c().selectedGroup(), 3);
-    EXPECT_EQ(c().selectedControl(), 2);
+    EXPECT_EQ(c().selectedControl(), 5);
+    EXPECT_EQ(c().modelDataControlIndex(), 5);
 }
 
 TEST_F(KeysetCommandTest, PasteTakesOnlyAKeysetFromTheClipboard)

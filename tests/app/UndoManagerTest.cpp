@@ -3,6 +3,7 @@
 #include "app/TVKUndoManager.h"
 
 #include <QString>
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <vector>
 
@@ -16,20 +17,23 @@ struct Values
     std::vector<QString> log;
     int a = 0;
     int b = 0;
+    // Which keyset each value belongs to, for the lock.
+    qint64 keysetOfA = TVKUndoManager::kNoKeyset;
+    qint64 keysetOfB = TVKUndoManager::kNoKeyset;
 
     void setA(int value)
     {
         const int old = a;
         a = value;
         log.push_back(QStringLiteral("a=%1").arg(value));
-        undo.registerUndo([this, old] { setA(old); }, QStringLiteral("Set A"));
+        undo.registerUndo([this, old] { setA(old); }, QStringLiteral("Set A"), keysetOfA);
     }
     void setB(int value)
     {
         const int old = b;
         b = value;
         log.push_back(QStringLiteral("b=%1").arg(value));
-        undo.registerUndo([this, old] { setB(old); }, QStringLiteral("Set B"));
+        undo.registerUndo([this, old] { setB(old); }, QStringLiteral("Set B"), keysetOfB);
     }
 };
 
@@ -90,4 +94,43 @@ TEST(UndoManager, AGroupingThatRecordsNothingIsNoStep)
     v.undo.endUndoGrouping();
     v.setA(4);
     EXPECT_EQ(v.undo.stack().count(), 1);
+}
+
+TEST(UndoManager, AStepThatChangesALockedKeysetIsNeitherUndoneNorRedone)
+{
+    Values v;
+    v.keysetOfA = 1;
+    v.keysetOfB = 2;
+    std::vector<qint64> lockedKeysets;
+    v.undo.setLockTest([&](qint64 keyset) {
+        return std::find(lockedKeysets.begin(), lockedKeysets.end(), keyset) != lockedKeysets.end();
+    });
+    {
+        const TVKUndoManager::Grouping gesture(v.undo);
+        v.setA(1);
+        v.setB(2);
+    }
+    lockedKeysets = {2};
+    EXPECT_FALSE(v.undo.canUndo());
+    EXPECT_TRUE(v.undo.undoBlockedByLock());
+    EXPECT_EQ(v.undo.undoKeyset(), 2) << "the locked keyset of the gesture is named";
+    v.undo.undo();
+    EXPECT_EQ(v.a, 1);
+    EXPECT_EQ(v.b, 2);
+
+    lockedKeysets.clear();
+    EXPECT_EQ(v.undo.undoKeyset(), 1);
+    v.undo.undo();
+    EXPECT_EQ(v.a, 0);
+    EXPECT_EQ(v.b, 0);
+    // The redo half knows its keysets too.
+    lockedKeysets = {1};
+    EXPECT_FALSE(v.undo.canRedo());
+    EXPECT_EQ(v.undo.redoKeyset(), 1);
+    v.undo.redo();
+    EXPECT_EQ(v.a, 0);
+    lockedKeysets.clear();
+    v.undo.redo();
+    EXPECT_EQ(v.a, 1);
+    EXPECT_EQ(v.b, 2);
 }
