@@ -3,6 +3,7 @@
 #include "app/TVKNoViews.h"
 #include "app/TVKRecoveryJournal.h"
 #include "core/Log.h"
+#include "core/MoveAside.h"
 #include "core/Notifications.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
@@ -12,7 +13,6 @@
 #include "surface/TVK_Constant_Server.h"
 
 #include <QAction>
-#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QIcon>
@@ -168,21 +168,19 @@ void TVKController::readStoredModel()
     }
     if (!damage.isEmpty()) {
         // Never written over: the file goes aside with its journal, and the run starts afresh.
-        const QString suffix =
-            QStringLiteral(".unreadable-") +
-            QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
         QString movedTo;
         QString error;
         if (m_defaults->state() == corvane::TVKUserDefaults::State::Unreadable) {
             movedTo = m_defaults->moveAside(&error);
-        } else if (QFile::rename(m_storePath, m_storePath + suffix)) {
-            movedTo = m_storePath + suffix;
-            m_defaults->reload();
         } else {
-            error = QStringLiteral("cannot rename %1").arg(m_storePath);
+            movedTo = corvane::moveFileAside(m_storePath, &error);
+            if (!movedTo.isNull())
+                m_defaults->reload();
         }
-        if (QFile::exists(m_journal->path()))
-            QFile::rename(m_journal->path(), m_journal->path() + suffix);
+        QString journalError;
+        if (QFile::exists(m_journal->path()) &&
+            corvane::moveFileAside(m_journal->path(), &journalError).isNull())
+            corvane::log(journalError);
         corvane::log(QStringLiteral("stored configuration unreadable: %1").arg(damage));
         TVKAlert alert;
         alert.message = tr("The Stored Configuration Could Not Be Read");
@@ -214,9 +212,9 @@ void TVKController::replayJournal()
     const TVKRecoveryJournal::Contents contents = m_journal->read();
     if (!contents.error.isEmpty()) {
         corvane::log(QStringLiteral("recovery journal unreadable: %1").arg(contents.error));
-        QFile::rename(m_journal->path(),
-                      m_journal->path() + QStringLiteral(".unreadable-") +
-                          QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss")));
+        QString moveError;
+        if (corvane::moveFileAside(m_journal->path(), &moveError).isNull())
+            corvane::log(moveError);
     }
     const QString storedEpoch = m_defaults->objectForKey(u"TVKJournalEpoch").toString();
     const bool alreadyStored =

@@ -8,6 +8,7 @@
 #include "model/CorvaneModelData.h"
 #include "model/TVKKeyset.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -116,6 +117,56 @@ TEST_F(ControllerTest, UnreadableStoreIsMovedAsideAndNeverWrittenOver)
     EXPECT_EQ(c.modelData()->keysetAtIndex(0)->name(), QStringLiteral("Default"));
     c.handleTerminateMessage();
     EXPECT_EQ(TVKUserDefaults(storePath).state(), TVKUserDefaults::State::Loaded);
+}
+
+TEST_F(ControllerTest, DamagedFilesGoAsideBesideEarlierOnesWithoutReplacingThem)
+{
+    // Two damaged starts within the same second: the names the first used are taken. Every
+    // stamp the start could use is taken here, so each file needs a name of its own.
+    QDir().mkpath(QFileInfo(storePath).path());
+    const QString journalPath = TVKRecoveryJournal::pathBeside(storePath);
+    const QDateTime now = QDateTime::currentDateTime();
+    QStringList earlier;
+    for (int second = -1; second <= 30; ++second) {
+        const QString stamp = now.addSecs(second).toString(QStringLiteral("yyyyMMdd-hhmmss"));
+        for (const QString& path : {storePath, journalPath})
+            earlier << path + QStringLiteral(".unreadable-") + stamp;
+    }
+    const auto put = [](const QString& path, const QByteArray& bytes) {
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+    };
+    for (const QString& path : earlier)
+        ASSERT_TRUE(put(path, "earlier"));
+    const QByteArray damagedStore = "<?xml version=\"1.0\"?><plist><dict><key>TVKModelData";
+    const QByteArray damagedJournal = "not a journal at all";
+    ASSERT_TRUE(put(storePath, damagedStore));
+    ASSERT_TRUE(put(journalPath, damagedJournal));
+
+    CorvaneController& c = startController();
+    ASSERT_EQ(views.alerts.size(), 1u);
+    for (const QString& path : earlier) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+        EXPECT_EQ(file.readAll(), "earlier") << path.toStdString();
+    }
+    const QDir folder(QFileInfo(storePath).path());
+    QMap<QByteArray, QStringList> moved;
+    for (const QString& name : folder.entryList({QStringLiteral("*.unreadable-*")}, QDir::Files)) {
+        if (earlier.contains(folder.filePath(name)))
+            continue;
+        QFile file(folder.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        moved[file.readAll()] << name;
+    }
+    ASSERT_EQ(moved.value(damagedStore).size(), 1) << "the store, once";
+    EXPECT_TRUE(views.alerts[0].informativeText.contains(moved.value(damagedStore).first()));
+    EXPECT_EQ(moved.value(damagedJournal).size(), 1) << "the journal, once";
+    EXPECT_EQ(moved.size(), 2);
+    EXPECT_EQ(c.modelData()->numberOfKeysets(), 1);
+    c.handleTerminateMessage();
+    EXPECT_EQ(TVKUserDefaults(storePath).state(), TVKUserDefaults::State::Loaded);
+    EXPECT_TRUE(TVKRecoveryJournal(journalPath).read().error.isEmpty());
 }
 
 TEST_F(ControllerTest, QuittingWritesTheConfigurationAndTheGlobalSettings)

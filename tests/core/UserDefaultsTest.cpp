@@ -1,9 +1,11 @@
 // The preference store over its file: what it keeps, and that a file it could not read survives.
+#include "core/MoveAside.h"
 #include "core/PlistCodec.h"
 #include "core/TVKUserDefaults.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -91,6 +93,35 @@ TEST(UserDefaults, AFileThatCannotBeReadIsNeverOverwrittenOnlyMovedAside)
     }
     // Three files moved aside within the same second keep names of their own.
     EXPECT_EQ(QDir(dir.path()).entryList({QStringLiteral("store.plist.unreadable-*")}).size(), 3);
+}
+
+TEST(UserDefaults, MovingAsideNeverReplacesAFileAlreadyThere)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("journal"));
+    const QDateTime when(QDate(2026, 3, 4), QTime(5, 6, 7));
+    const QString first = path + QStringLiteral(".unreadable-20260304-050607");
+    // Taken: a file from an earlier damage in the same second, and a link pointing nowhere.
+    put(first, "earlier");
+    ASSERT_TRUE(QFile::link(dir.filePath(QStringLiteral("gone")), first + QStringLiteral("-2")));
+
+    put(path, "damaged");
+    QString error;
+    const QString aside = corvane::moveFileAside(path, &error, when);
+    EXPECT_EQ(aside, first + QStringLiteral("-3")) << error.toStdString();
+    EXPECT_EQ(contents(aside), "damaged");
+    EXPECT_EQ(contents(first), "earlier");
+    EXPECT_FALSE(QFile::exists(path));
+    EXPECT_TRUE(QFileInfo(first + QStringLiteral("-2")).isSymLink());
+
+    put(path, "again");
+    EXPECT_EQ(corvane::moveFileAside(path, nullptr, when), first + QStringLiteral("-4"));
+    EXPECT_EQ(contents(first + QStringLiteral("-4")), "again");
+
+    // What cannot be moved says so and leaves everything where it was.
+    EXPECT_TRUE(corvane::moveFileAside(path, &error, when).isNull());
+    EXPECT_TRUE(error.startsWith(path)) << error.toStdString();
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::System).size(), 4);
 }
 
 TEST(UserDefaults, DefaultPathFollowsTheDesktopsConfigurationFolder)
