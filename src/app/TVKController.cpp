@@ -5,6 +5,7 @@
 #include "core/Log.h"
 #include "core/MoveAside.h"
 #include "core/Notifications.h"
+#include "core/StoredKeys.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
@@ -19,6 +20,7 @@
 #include <QPainter>
 
 namespace note = corvane::note;
+namespace key = corvane::key;
 using corvane::PlistValue;
 
 namespace {
@@ -162,7 +164,7 @@ void TVKController::readStoredModel()
     if (m_defaults->state() == corvane::TVKUserDefaults::State::Unreadable) {
         damage = m_defaults->error();
     } else {
-        const PlistValue& stored = m_defaults->objectForKey(u"TVKModelData");
+        const PlistValue& stored = m_defaults->objectForKey(key::ModelData);
         if (stored.isDict())
             damage = TVKModelData::archiveLimitExceeded(stored);
     }
@@ -196,7 +198,7 @@ void TVKController::readStoredModel()
         m_startupNotices.push_back(alert);
     }
 
-    const PlistValue& stored = m_defaults->objectForKey(u"TVKModelData");
+    const PlistValue& stored = m_defaults->objectForKey(key::ModelData);
     if (!stored.isNull()) {
         m_modelData = makeModelDataWithArchive(stored);
         updateKeysetsMenu();
@@ -216,7 +218,7 @@ void TVKController::replayJournal()
         if (corvane::moveFileAside(m_journal->path(), &moveError).isNull())
             corvane::log(moveError);
     }
-    const QString storedEpoch = m_defaults->objectForKey(u"TVKJournalEpoch").toString();
+    const QString storedEpoch = m_defaults->objectForKey(key::JournalEpoch).toString();
     const bool alreadyStored =
         !storedEpoch.isEmpty() && storedEpoch == QString::number(contents.epoch);
     int applied = 0;
@@ -432,10 +434,9 @@ bool TVKController::writeDataToDefaults()
         return false;
     PlistValue dict = PlistValue::makeDict();
     m_modelData->writeTo(dict);
-    m_defaults->setObject(QStringLiteral("TVKModelData"), std::move(dict));
+    m_defaults->setObject(key::ModelData, std::move(dict));
     if (m_journal && m_journal->isOpen())
-        m_defaults->setObject(QStringLiteral("TVKJournalEpoch"),
-                              PlistValue(QString::number(m_journal->epoch())));
+        m_defaults->setObject(key::JournalEpoch, PlistValue(QString::number(m_journal->epoch())));
     QString error;
     const bool written = m_defaults->synchronize(&error);
     if (!written)

@@ -5,11 +5,14 @@
 #include "actions/TVKSpecialAction.h"
 #include "actions/TVKStandardActionTypes.h"
 #include "core/Log.h"
+#include "core/StoredKeys.h"
 #include "model/ArchiveRepairLog.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"
 
 #include <array>
+
+namespace key = corvane::key;
 
 namespace {
 
@@ -60,11 +63,11 @@ TVKControl::TVKControl(int type, const QString& name, TVKModelData* owner, TVKKe
 
 TVKControl::TVKControl(const PlistValue& archive, TVKModelData* owner, TVKKeyset* keyset,
                        TVKLayer* layer, int groupID, int index)
-    : TVKControl(intValue(archive, u"TVKType", 0), archive.value(u"TVKName").toString(), owner,
+    : TVKControl(intValue(archive, key::Type, 0), archive.value(key::Name).toString(), owner,
                  keyset, layer, groupID, index)
 {
-    m_userName = archive.value(u"TVKUName").toString();
-    const PlistValue& archivedAction = archive.value(u"TVKAction");
+    m_userName = archive.value(key::UName).toString();
+    const PlistValue& archivedAction = archive.value(key::Action);
     if (archivedAction.isNull())
         return;
     if (auto action = TVKStandardActionTypes::createActionFromArchive(archivedAction, this)) {
@@ -74,7 +77,7 @@ TVKControl::TVKControl(const PlistValue& archive, TVKModelData* owner, TVKKeyset
             {keyset ? keyset->name() : QString(), layer ? layer->index() : -1, groupID,
              corvane::ControlType::isDisplayType(type()), index,
              QStringLiteral("action of type %1 cannot be restored; dropped")
-                 .arg(archivedAction.value(u"TVKActnType").toInteger(0))});
+                 .arg(archivedAction.value(key::ActnType).toInteger(0))});
     }
 }
 
@@ -82,13 +85,13 @@ TVKControl::~TVKControl() = default;
 
 void TVKControl::writeTo(PlistValue& dict) const
 {
-    dict.insert(QStringLiteral("TVKName"), PlistValue(m_name));
-    dict.insert(QStringLiteral("TVKUName"), PlistValue(m_userName));
-    dict.insert(QStringLiteral("TVKType"), PlistValue(qint64(m_type)));
+    dict.insert(key::Name, PlistValue(m_name));
+    dict.insert(key::UName, PlistValue(m_userName));
+    dict.insert(key::Type, PlistValue(qint64(m_type)));
     if (m_action) {
         PlistValue actionDict = PlistValue::makeDict(1);
         m_action->writeTo(actionDict);
-        dict.insert(QStringLiteral("TVKAction"), std::move(actionDict));
+        dict.insert(key::Action, std::move(actionDict));
     }
 }
 
@@ -175,13 +178,13 @@ TVKButtonControl::TVKButtonControl(const PlistValue& archive, TVKModelData* owne
                                    TVKKeyset* keyset, TVKLayer* layer, int groupID, int index)
     : TVKControl(archive, owner, keyset, layer, groupID, index)
 {
-    setLatched(intValue(archive, u"TVKLatch", 0) != 0);
+    setLatched(intValue(archive, key::Latch, 0) != 0);
 }
 
 void TVKButtonControl::writeTo(PlistValue& dict) const
 {
     TVKControl::writeTo(dict);
-    dict.insert(QStringLiteral("TVKLatch"), PlistValue(qint64(latched() ? 1 : 0)));
+    dict.insert(key::Latch, PlistValue(qint64(latched() ? 1 : 0)));
 }
 
 qint32 TVKButtonControl::actionModeToActionType(int mode) const
@@ -233,15 +236,15 @@ TVK4WayControl::TVK4WayControl(const PlistValue& archive, TVKModelData* owner, T
                                TVKLayer* layer, int groupID, int index)
     : TVKControl(archive, owner, keyset, layer, groupID, index)
 {
-    m_onColor = intValue(archive, u"TVKColor", m_onColor);
-    m_brightness = intValue(archive, u"TVKBrightness", m_brightness);
+    m_onColor = intValue(archive, key::Color, m_onColor);
+    m_brightness = intValue(archive, key::Brightness, m_brightness);
 }
 
 void TVK4WayControl::writeTo(PlistValue& dict) const
 {
     TVKControl::writeTo(dict);
-    dict.insert(QStringLiteral("TVKColor"), PlistValue(qint64(m_onColor)));
-    dict.insert(QStringLiteral("TVKBrightness"), PlistValue(qint64(m_brightness)));
+    dict.insert(key::Color, PlistValue(qint64(m_onColor)));
+    dict.insert(key::Brightness, PlistValue(qint64(m_brightness)));
 }
 
 qint32 TVK4WayControl::actionModeToActionType(int mode) const
@@ -277,13 +280,13 @@ TVKJogControl::TVKJogControl(const PlistValue& archive, TVKModelData* owner, TVK
                              TVKLayer* layer, int groupID, int index)
     : TVKControl(archive, owner, keyset, layer, groupID, index)
 {
-    m_sensitivity = intValue(archive, u"TVKJogSens", m_sensitivity);
+    m_sensitivity = intValue(archive, key::JogSens, m_sensitivity);
 }
 
 void TVKJogControl::writeTo(PlistValue& dict) const
 {
     TVKControl::writeTo(dict);
-    dict.insert(QStringLiteral("TVKJogSens"), PlistValue(qint64(m_sensitivity)));
+    dict.insert(key::JogSens, PlistValue(qint64(m_sensitivity)));
 }
 
 qint32 TVKJogControl::actionModeToActionType(int mode) const
@@ -321,13 +324,13 @@ TVKJoystickControl::TVKJoystickControl(const PlistValue& archive, TVKModelData* 
                                        TVKKeyset* keyset, TVKLayer* layer, int groupID, int index)
     : TVKControl(archive, owner, keyset, layer, groupID, index)
 {
-    m_joystickSensitivity = intValue(archive, u"TVKJoySens", m_joystickSensitivity);
+    m_joystickSensitivity = intValue(archive, key::JoySens, m_joystickSensitivity);
 }
 
 void TVKJoystickControl::writeTo(PlistValue& dict) const
 {
     TVKControl::writeTo(dict);
-    dict.insert(QStringLiteral("TVKJoySens"), PlistValue(qint64(m_joystickSensitivity)));
+    dict.insert(key::JoySens, PlistValue(qint64(m_joystickSensitivity)));
 }
 
 qint32 TVKJoystickControl::actionModeToActionType(int mode) const
@@ -349,17 +352,17 @@ TVKMultiColorButtonControl::TVKMultiColorButtonControl(const PlistValue& archive
                                                        TVKLayer* layer, int groupID, int index)
     : TVKButtonControl(archive, owner, keyset, layer, groupID, index)
 {
-    m_onColor = intValue(archive, u"TVKColor", m_onColor);
-    m_offColor = intValue(archive, u"TVKOffColor", m_offColor);
-    m_memberOfGroup = intValue(archive, u"TVKNVButtonGroup", m_memberOfGroup);
+    m_onColor = intValue(archive, key::Color, m_onColor);
+    m_offColor = intValue(archive, key::OffColor, m_offColor);
+    m_memberOfGroup = intValue(archive, key::NVButtonGroup, m_memberOfGroup);
 }
 
 void TVKMultiColorButtonControl::writeTo(PlistValue& dict) const
 {
     TVKButtonControl::writeTo(dict);
-    dict.insert(QStringLiteral("TVKColor"), PlistValue(qint64(m_onColor)));
-    dict.insert(QStringLiteral("TVKOffColor"), PlistValue(qint64(m_offColor)));
-    dict.insert(QStringLiteral("TVKNVButtonGroup"), PlistValue(qint64(m_memberOfGroup)));
+    dict.insert(key::Color, PlistValue(qint64(m_onColor)));
+    dict.insert(key::OffColor, PlistValue(qint64(m_offColor)));
+    dict.insert(key::NVButtonGroup, PlistValue(qint64(m_memberOfGroup)));
 }
 
 void TVKMultiColorButtonControl::copyMultiColorButton(const TVKMultiColorButtonControl& button)
@@ -394,13 +397,13 @@ TVKFrameletLCDButtonControl::TVKFrameletLCDButtonControl(const PlistValue& archi
                                                          TVKLayer* layer, int groupID, int index)
     : TVKMultiColorButtonControl(archive, owner, keyset, layer, groupID, index)
 {
-    m_buttonGroup = intValue(archive, u"TVKFLButtonGroup", m_buttonGroup);
+    m_buttonGroup = intValue(archive, key::FLButtonGroup, m_buttonGroup);
 }
 
 void TVKFrameletLCDButtonControl::writeTo(PlistValue& dict) const
 {
     TVKMultiColorButtonControl::writeTo(dict);
-    dict.insert(QStringLiteral("TVKFLButtonGroup"), PlistValue(qint64(m_buttonGroup)));
+    dict.insert(key::FLButtonGroup, PlistValue(qint64(m_buttonGroup)));
 }
 
 void TVKFrameletLCDButtonControl::copySettingsFrom(const TVKControl& source)

@@ -4,6 +4,7 @@
 #include "core/FourCharCode.h"
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "model/CorvaneKeyset.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
@@ -13,6 +14,8 @@
 #include "service/TVK_MessageSpecs.h"
 
 #include <climits>
+
+namespace key = corvane::key;
 
 using corvane::MessageID;
 using corvane::PlistValue;
@@ -110,13 +113,13 @@ bool applyDictionary(TVKModelData& model, MessageID id, const PlistValue& dict, 
         return true;
     }
     case msg::TChO: {
-        const bool hasOwner = dict.value(u"TVKHasOwnerKS").toBool();
+        const bool hasOwner = dict.value(key::HasOwnerKS).toBool();
         std::optional<QString> bundleID;
-        if (dict.contains(u"TVKOwnKSBID"))
-            bundleID = dict.value(u"TVKOwnKSBID").toString();
+        if (dict.contains(key::OwnKSBID))
+            bundleID = dict.value(key::OwnKSBID).toString();
         model.setHasOwnerKeyset(
             hasOwner, bundleID,
-            hasOwner ? corvane::fourCharCodeFromString(dict.value(u"TVKOwnKSSig").toString()) : 0);
+            hasOwner ? corvane::fourCharCodeFromString(dict.value(key::OwnKSSig).toString()) : 0);
         return true;
     }
     case msg::IDAc: {
@@ -163,7 +166,7 @@ bool applyDictionary(TVKModelData& model, MessageID id, const PlistValue& dict, 
             dict.value(corvane::info::ActionObject), target));
         break;
     case msg::ChLa:
-        target->setLatched(dict.value(u"TVKLatch").toBool());
+        target->setLatched(dict.value(key::Latch).toBool());
         break;
     case msg::ChCo:
         if (auto* button = dynamic_cast<TVKMultiColorButtonControl*>(target))
@@ -176,7 +179,7 @@ bool applyDictionary(TVKModelData& model, MessageID id, const PlistValue& dict, 
             trackball->setBrightness(int(dict.value(corvane::info::Brightness).toInteger()));
         break;
     case msg::ChUN:
-        target->setUserName(dict.value(u"TVKUName").toString());
+        target->setUserName(dict.value(key::UName).toString());
         break;
     case msg::COfC:
         if (auto* button = dynamic_cast<TVKMultiColorButtonControl*>(target))
@@ -188,7 +191,7 @@ bool applyDictionary(TVKModelData& model, MessageID id, const PlistValue& dict, 
         break;
     case msg::ChJy:
         if (auto* joystick = dynamic_cast<TVKJoystickControl*>(target))
-            joystick->setJoystickSensitivity(int(dict.value(u"TVKJoySens").toUnsigned()));
+            joystick->setJoystickSensitivity(int(dict.value(key::JoySens).toUnsigned()));
         break;
     default:
         break;

@@ -2,12 +2,15 @@
 
 #include "actions/TVKNULLAction.h"
 #include "core/Notifications.h"
+#include "core/StoredKeys.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 #include "service/MessageCatalogue.h"
 #include "service/TVKMessengerDelegate.h"
 #include "service/TVK_MessageSpecs.h"
+
+namespace key = corvane::key;
 
 using corvane::MessageID;
 using corvane::PlistValue;
@@ -107,7 +110,7 @@ bool TVK_PrivateMessenger::updateProperty(int property, int keyset, int layer, i
     }
     case LatchProperty:
         if (target) {
-            dict.insert(QStringLiteral("TVKLatch"), PlistValue(target->latched() ? 1 : 0));
+            dict.insert(key::Latch, PlistValue(target->latched() ? 1 : 0));
             msgid = msg::ChLa;
         }
         break;
@@ -129,7 +132,7 @@ bool TVK_PrivateMessenger::updateProperty(int property, int keyset, int layer, i
         break;
     case UserNameProperty:
         if (target) {
-            dict.insert(QStringLiteral("TVKUName"), PlistValue(target->userName()));
+            dict.insert(key::UName, PlistValue(target->userName()));
             msgid = msg::ChUN;
         }
         break;
@@ -149,7 +152,7 @@ bool TVK_PrivateMessenger::updateProperty(int property, int keyset, int layer, i
     case JoystickSensitivityProperty:
         if (auto* joystick = dynamic_cast<const TVKJoystickControl*>(target);
             joystick && type == corvane::ControlType::Joystick) {
-            dict.insert(QStringLiteral("TVKJoySens"),
+            dict.insert(key::JoySens,
                         PlistValue(quint64(std::uint32_t(joystick->joystickSensitivity()))));
             msgid = msg::ChJy;
         }
@@ -203,12 +206,11 @@ bool TVK_PrivateMessenger::sendOwnerKeysetChange(bool hasOwner, const QString& b
                                                  corvane::FourCharCode signature)
 {
     PlistValue dict = PlistValue::makeDict(3);
-    dict.insert(QStringLiteral("TVKHasOwnerKS"), PlistValue(hasOwner ? 1 : 0));
+    dict.insert(key::HasOwnerKS, PlistValue(hasOwner ? 1 : 0));
     if (hasOwner) {
         if (!bundleId.isEmpty())
-            dict.insert(QStringLiteral("TVKOwnKSBID"), PlistValue(bundleId));
-        dict.insert(QStringLiteral("TVKOwnKSSig"),
-                    PlistValue(corvane::stringFromFourCharCode(signature)));
+            dict.insert(key::OwnKSBID, PlistValue(bundleId));
+        dict.insert(key::OwnKSSig, PlistValue(corvane::stringFromFourCharCode(signature)));
     }
     return sendProperties(dict, msg::TChO);
 }

@@ -2,6 +2,7 @@
 
 #include "app/CorvaneController.h"
 #include "app/TVKUninstallerController.h"
+#include "core/StoredKeys.h"
 #include "platform/TerminationSignals.h"
 #include "platform/X11Accessibility.h"
 #include "views/CorvaneExpanderControllers.h"
@@ -21,13 +22,13 @@
 #include <QLineEdit>
 #include <QWindow>
 
+namespace key = corvane::key;
+
 using corvane::PlistValue;
 
 namespace {
 
 // Where the windows were, by window, and which optional windows were open.
-const QString kWindowFramesKey = QStringLiteral("CorvaneWindowFrames");
-const QString kOpenWindowsKey = QStringLiteral("CorvaneOpenWindows");
 
 } // namespace
 
@@ -143,7 +144,7 @@ void CorvaneViews::start()
     m_main->show();
     m_controller.windowIsAwake();
     m_controller.applicationDidFinishLaunching();
-    const PlistValue& open = m_controller.defaults().objectForKey(kOpenWindowsKey);
+    const PlistValue& open = m_controller.defaults().objectForKey(key::OpenWindows);
     for (qsizetype i = 0; i < open.size(); ++i) {
         if (open.at(i).toString() == QStringLiteral("DZ"))
             showDZ(true);
@@ -187,7 +188,7 @@ QString CorvaneViews::windowName(const QWidget* window)
 
 void CorvaneViews::saveWindowState()
 {
-    PlistValue frames = m_controller.defaults().objectForKey(kWindowFramesKey);
+    PlistValue frames = m_controller.defaults().objectForKey(key::WindowFrames);
     if (!frames.isDict())
         frames = PlistValue::makeDict();
     QWidget* inspector = m_inspector ? m_inspector->panel() : nullptr;
@@ -196,19 +197,19 @@ void CorvaneViews::saveWindowState()
         if (w)
             frames.insert(windowName(w), PlistValue(w->saveGeometry()));
     }
-    m_controller.defaults().setObject(kWindowFramesKey, frames);
+    m_controller.defaults().setObject(key::WindowFrames, frames);
     PlistValue open = PlistValue::makeArray();
     if (m_dz && m_dz->isVisible())
         open.append(PlistValue(QStringLiteral("DZ")));
     if (m_summary && m_summary->isVisible())
         open.append(PlistValue(QStringLiteral("Summary")));
-    m_controller.defaults().setObject(kOpenWindowsKey, open);
+    m_controller.defaults().setObject(key::OpenWindows, open);
 }
 
 void CorvaneViews::restoreGeometry(QWidget* window)
 {
     const PlistValue& frame =
-        m_controller.defaults().objectForKey(kWindowFramesKey).value(windowName(window));
+        m_controller.defaults().objectForKey(key::WindowFrames).value(windowName(window));
     if (frame.isData())
         window->restoreGeometry(frame.toData());
 }

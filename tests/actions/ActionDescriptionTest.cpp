@@ -14,6 +14,7 @@
 #include "actions/TVKSpecialAction.h"
 #include "actions/TVKStandardActionTypes.h"
 #include "actions/editors/KeyEventTranslator.h"
+#include "core/StoredKeys.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKLayer.h"
@@ -93,7 +94,7 @@ TEST_F(ActionDescriptionTest, EveryKindOfActionTheFactoryMakesIsDescribed)
     const auto scan = [&](qint32 first, qint32 last) {
         for (qint32 code = first; code <= last; ++code) {
             PlistValue dict = PlistValue::makeDict();
-            dict.insert(QStringLiteral("TVKActnType"), PlistValue(qint64(code)));
+            dict.insert(key::ActnType, PlistValue(qint64(code)));
             const std::unique_ptr<TVKAction> action =
                 TVKStandardActionTypes::createActionFromArchive(dict, nullptr);
             if (!action)

@@ -4,6 +4,7 @@
 #include "core/Log.h"
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKKeyset.h"
@@ -179,17 +180,17 @@ TEST_F(ControllerTest, QuittingWritesTheConfigurationAndTheGlobalSettings)
     c.handleTerminateMessage(); // once only
     const TVKUserDefaults store(storePath);
     ASSERT_EQ(store.state(), TVKUserDefaults::State::Loaded);
-    EXPECT_EQ(CorvaneModelData(store.objectForKey(u"TVKModelData")).numberOfKeysets(), 2);
-    EXPECT_EQ(store.objectForKey(u"TVKIPAdr").toString(), QStringLiteral("10.0.0.7"));
-    EXPECT_EQ(store.objectForKey(u"TVKEnetPrt").toInteger(), 4321);
-    EXPECT_EQ(store.objectForKey(u"TVKStandaloneTLW").toInteger(), 0);
+    EXPECT_EQ(CorvaneModelData(store.objectForKey(key::ModelData)).numberOfKeysets(), 2);
+    EXPECT_EQ(store.objectForKey(key::IPAdr).toString(), QStringLiteral("10.0.0.7"));
+    EXPECT_EQ(store.objectForKey(key::EnetPrt).toInteger(), 4321);
+    EXPECT_EQ(store.objectForKey(key::StandaloneTLW).toInteger(), 0);
 }
 
 TEST_F(ControllerTest, StandaloneTLWInTheStoreAloneDoesNotOpenItsWindow)
 {
     PlistValue globals = PlistValue::makeDict();
-    globals.insert(QStringLiteral("TVKStandaloneTLW"), PlistValue(qint64(1)));
-    globals.insert(QStringLiteral("TVKStandaloneTL"), PlistValue(qint64(1)));
+    globals.insert(key::StandaloneTLW, PlistValue(qint64(1)));
+    globals.insert(key::StandaloneTL, PlistValue(qint64(1)));
     storeConfiguration(CorvaneModelData(), globals);
     CorvaneController& c = startController();
     c.windowDidBecomeKey(TVKWindow::Main);
@@ -296,7 +297,7 @@ TEST_F(ControllerTest, KilledAfterEditsTheNextStartRecoversEveryOne)
     }
     const PlistValue edited = readConfiguration(before);
     ASSERT_TRUE(edited.isDict());
-    EXPECT_NE(servicePart(edited), servicePart(readConfiguration(storePath).value(u"TVKModelData")))
+    EXPECT_NE(servicePart(edited), servicePart(readConfiguration(storePath).value(key::ModelData)))
         << "the store was not written before the kill";
 
     const QString after = home.path() + QStringLiteral("/after.plist");
@@ -306,12 +307,12 @@ TEST_F(ControllerTest, KilledAfterEditsTheNextStartRecoversEveryOne)
     EXPECT_TRUE(second.lines().filter(QStringLiteral("alert Unsaved Edits Recovered")).size() == 1)
         << second.lines().join(u'\n').toStdString();
     const PlistValue recovered = readConfiguration(after);
-    EXPECT_EQ(readablePart(recovered.value(u"TVKKeysets")),
-              readablePart(edited.value(u"TVKKeysets")));
+    EXPECT_EQ(readablePart(recovered.value(key::Keysets)),
+              readablePart(edited.value(key::Keysets)));
     // Made safe at once: the store holds it and the journal starts again.
     EXPECT_EQ(
-        readablePart(TVKUserDefaults(storePath).objectForKey(u"TVKModelData").value(u"TVKKeysets")),
-        readablePart(edited.value(u"TVKKeysets")));
+        readablePart(TVKUserDefaults(storePath).objectForKey(key::ModelData).value(key::Keysets)),
+        readablePart(edited.value(key::Keysets)));
     EXPECT_TRUE(
         TVKRecoveryJournal(TVKRecoveryJournal::pathBeside(storePath)).read().records.empty());
 }
@@ -330,8 +331,8 @@ TEST_F(ControllerTest, TerminationSignalsWriteTheStoreOnceAndExitCleanly)
         ASSERT_TRUE(driver.process().waitForFinished(10000));
         EXPECT_EQ(driver.process().exitStatus(), QProcess::NormalExit);
         EXPECT_EQ(driver.process().exitCode(), 0);
-        EXPECT_EQ(TVKUserDefaults(storePath).objectForKey(u"TVKModelData").value(u"TVKKeysets"),
-                  readConfiguration(dump).value(u"TVKKeysets"));
+        EXPECT_EQ(TVKUserDefaults(storePath).objectForKey(key::ModelData).value(key::Keysets),
+                  readConfiguration(dump).value(key::Keysets));
         EXPECT_TRUE(
             TVKRecoveryJournal(TVKRecoveryJournal::pathBeside(storePath)).read().records.empty());
     }

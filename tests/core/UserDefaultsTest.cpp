@@ -1,6 +1,7 @@
 // The preference store over its file: what it keeps, and that a file it could not read survives.
 #include "core/MoveAside.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 
 #include <QDir>
@@ -8,6 +9,8 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 using corvane::TVKUserDefaults;
@@ -35,13 +38,13 @@ TEST(UserDefaults, StoresAndReadsBackEveryKindOfValueInItsOwnFolder)
     const QString path = dir.filePath(QStringLiteral("Tavrik/com.tavrik.CorvaneRS.plist"));
     TVKUserDefaults store(path);
     EXPECT_EQ(store.state(), TVKUserDefaults::State::Missing);
-    EXPECT_TRUE(store.objectForKey(u"TVKIPAdr").isNull());
+    EXPECT_TRUE(store.objectForKey(key::IPAdr).isNull());
 
     PlistValue model = PlistValue::makeDict();
-    model.insert(QStringLiteral("TVKKeysets"), PlistValue::makeArray());
-    store.setObject(QStringLiteral("TVKModelData"), model);
-    store.setObject(QStringLiteral("TVKIPAdr"), PlistValue(QStringLiteral("10.0.0.7")));
-    store.setObject(QStringLiteral("TVKEnetPrt"), PlistValue(quint64(4000)));
+    model.insert(key::Keysets, PlistValue::makeArray());
+    store.setObject(key::ModelData, model);
+    store.setObject(key::IPAdr, PlistValue(QStringLiteral("10.0.0.7")));
+    store.setObject(key::EnetPrt, PlistValue(quint64(4000)));
     store.setObject(QStringLiteral("TVKGone"), PlistValue(true));
     store.removeObjectForKey(u"TVKGone");
     QString error;
@@ -49,15 +52,15 @@ TEST(UserDefaults, StoresAndReadsBackEveryKindOfValueInItsOwnFolder)
 
     const TVKUserDefaults again(path);
     EXPECT_EQ(again.state(), TVKUserDefaults::State::Loaded);
-    EXPECT_EQ(again.objectForKey(u"TVKModelData"), model);
-    EXPECT_EQ(again.objectForKey(u"TVKIPAdr").toString(), QStringLiteral("10.0.0.7"));
-    EXPECT_EQ(again.objectForKey(u"TVKEnetPrt").toUnsigned(0), 4000u);
+    EXPECT_EQ(again.objectForKey(key::ModelData), model);
+    EXPECT_EQ(again.objectForKey(key::IPAdr).toString(), QStringLiteral("10.0.0.7"));
+    EXPECT_EQ(again.objectForKey(key::EnetPrt).toUnsigned(0), 4000u);
     EXPECT_FALSE(again.dictionary().contains(u"TVKGone"));
 
     // Unsynchronized changes are dropped by reading the file again.
-    store.setObject(QStringLiteral("TVKIPAdr"), PlistValue(QStringLiteral("1.2.3.4")));
+    store.setObject(key::IPAdr, PlistValue(QStringLiteral("1.2.3.4")));
     EXPECT_EQ(store.reload(), TVKUserDefaults::State::Loaded);
-    EXPECT_EQ(store.objectForKey(u"TVKIPAdr").toString(), QStringLiteral("10.0.0.7"));
+    EXPECT_EQ(store.objectForKey(key::IPAdr).toString(), QStringLiteral("10.0.0.7"));
 }
 
 TEST(UserDefaults, AFileThatCannotBeReadIsNeverOverwrittenOnlyMovedAside)
@@ -75,7 +78,7 @@ TEST(UserDefaults, AFileThatCannotBeReadIsNeverOverwrittenOnlyMovedAside)
         EXPECT_EQ(store.state(), TVKUserDefaults::State::Unreadable) << bytes.constData();
         EXPECT_TRUE(store.error().startsWith(path)) << store.error().toStdString();
 
-        store.setObject(QStringLiteral("TVKIPAdr"), PlistValue(QStringLiteral("10.0.0.7")));
+        store.setObject(key::IPAdr, PlistValue(QStringLiteral("10.0.0.7")));
         QString error;
         EXPECT_FALSE(store.synchronize(&error));
         EXPECT_FALSE(error.isEmpty());
