@@ -23,7 +23,8 @@ CorvaneButtonDisplayMidiEmulationAction::CorvaneButtonDisplayMidiEmulationAction
 QString CorvaneButtonDisplayMidiEmulationAction::emulationModeLetter() const
 {
     const TVKControl* control = owningControl();
-    const bool modeA = control && control->keyset() && control->keyset()->emulationMode() == 1;
+    const bool modeA = control && control->keyset() &&
+                       control->keyset()->emulationMode() == corvane::EmulationMode::A;
     return modeA ? QStringLiteral("A") : QStringLiteral("B");
 }
 

@@ -126,10 +126,11 @@ QString TVKTimecodeDisplayEmulationAction::actionDescriptor() const
     const TVKModelData* model = TVKModelData::defaultModelData();
     const TVKKeyset* keyset =
         model && model->numberOfKeysets() > 0 ? model->selectedKeyset() : nullptr;
-    const uint mode = keyset ? keyset->emulationMode() : 0;
-    if (mode == 0)
+    const corvane::EmulationMode mode =
+        keyset ? keyset->emulationMode() : corvane::EmulationMode::None;
+    if (mode == corvane::EmulationMode::None)
         return QStringLiteral("Emulation Mode Not Active");
     return QStringLiteral("Emulation: Mode ") +
-           (mode == 1 ? QStringLiteral("A") : QStringLiteral("B")) +
+           (mode == corvane::EmulationMode::A ? QStringLiteral("A") : QStringLiteral("B")) +
            QStringLiteral(" Timecode Display");
 }

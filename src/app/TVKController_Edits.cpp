@@ -261,18 +261,19 @@ void TVKController::undoableSetBrightness(const std::vector<qint64>& values, qin
                                           qint64 layer, qint64 group, qint64 control,
                                           bool copyToAllLayers)
 {
-    forEachAffectedControl(keyset, layer, group, control, copyToAllLayers,
-                           [&](size_t i, qint64 l, TVKControl* target) {
-                               // Only the control type that has brightness (2).
-                               auto* lit = dynamic_cast<TVK4WayControl*>(target);
-                               if (!lit || target->tvkControlType() != 2 || i >= values.size())
-                                   return;
-                               lit->setBrightness(int(values[i]));
-                               if (m_messenger)
-                                   m_messenger->updateProperty(Property::BrightnessProperty,
-                                                               int(keyset), int(l), int(group),
-                                                               int(control));
-                           });
+    forEachAffectedControl(
+        keyset, layer, group, control, copyToAllLayers,
+        [&](size_t i, qint64 l, TVKControl* target) {
+            // Only the control type that has brightness.
+            auto* lit = dynamic_cast<TVK4WayControl*>(target);
+            if (!lit || target->tvkControlType() != corvane::ControlType::FourWay ||
+                i >= values.size())
+                return;
+            lit->setBrightness(int(values[i]));
+            if (m_messenger)
+                m_messenger->updateProperty(Property::BrightnessProperty, int(keyset), int(l),
+                                            int(group), int(control));
+        });
 }
 
 void TVKController::undoableSetJogSensitivity(const std::vector<qint64>& values, qint64 keyset,

@@ -231,8 +231,9 @@ CorvaneLayer::EmulationRecord CorvaneLayer::emulationRecord(int group, int index
 {
     constexpr bool N = true;
     constexpr bool O = true;
+    using namespace corvane::ControlType;
     auto button = [](int g, int c, bool named = false, bool only = false) {
-        return EmulationRecord{0, g, c, named, only};
+        return EmulationRecord{Button, g, c, named, only};
     };
     switch (group) {
     case 0:
@@ -253,7 +254,7 @@ CorvaneLayer::EmulationRecord CorvaneLayer::emulationRecord(int group, int index
         if (index >= 0 && index <= 4)
             return button(0, index, N);
         if (index == 5)
-            return {4, 0, 0, N, O};
+            return {Jog, 0, 0, N, O};
         break;
     case 2:
         if (index >= 0 && index <= 4)
@@ -261,9 +262,9 @@ CorvaneLayer::EmulationRecord CorvaneLayer::emulationRecord(int group, int index
         break;
     case 4:
         if (index >= 0 && index <= 3)
-            return {1, 0, index, false, false};
+            return {Encoder, 0, index, false, false};
         if (index == 4)
-            return {1, 2, 0, N, O};
+            return {Encoder, 2, 0, N, O};
         break;
     case 5:
         if (index >= 0 && index <= 7)
@@ -319,13 +320,13 @@ CorvaneLayer::EmulationRecord CorvaneLayer::emulationRecord(int group, int index
         break;
     case 21:
         if (index >= 0 && index <= 6)
-            return {7, 1, index, false, false};
+            return {Fader, 1, index, false, false};
         if (index == 7)
-            return {7, 1, 8, false, false};
+            return {Fader, 1, 8, false, false};
         break;
     case 29:
         if (index >= 0 && index <= 6)
-            return {1, 0, index, false, false};
+            return {Encoder, 0, index, false, false};
         break;
     default:
         break;
@@ -335,26 +336,28 @@ CorvaneLayer::EmulationRecord CorvaneLayer::emulationRecord(int group, int index
 
 CorvaneLayer::DisplayEmulationRecord CorvaneLayer::displayEmulationRecord(int group, int index)
 {
+    using namespace corvane::ControlType;
     switch (group) {
     case 0:
         if (index == 0 || index == 1)
-            return {5, index};
+            return {LCDDisplay, index};
         break;
     case 1:
         if (index == 0)
-            return {6, 3};
+            return {TimecodeDisplay, 3};
         break;
     case 2:
         if (index >= 0 && index <= 7)
-            return {10, 0};
+            return {LCDButtonDisplay, 0};
         break;
     case 3:
         if (index == 0 || index == 1)
-            return {5, index};
+            return {LCDDisplay, index};
         break;
     case 4:
+        // The NV lines other than the first carry kind 0, which makes no display action.
         if (index >= 1 && index < kMaxDisplaysPerGroup)
-            return {0, 0};
+            return {Button, 0};
         break;
     default:
         break;
@@ -368,10 +371,10 @@ std::unique_ptr<TVKAction> CorvaneLayer::createEmulatedActionForControl(TVKContr
         return nullptr;
     const EmulationRecord row = emulationRecord(control->groupID(), control->index());
     switch (row.kind) {
-    case 0: // button
-    case 1: // encoder
-    case 4: // jog
-    case 7: // fader
+    case corvane::ControlType::Button:
+    case corvane::ControlType::Encoder:
+    case corvane::ControlType::Jog:
+    case corvane::ControlType::Fader:
         return corvane::makeEmulationAction(row.kind, control, row.emulatedGroup,
                                             row.emulatedControl, row.namedControl,
                                             row.onlyControlInGroup);
@@ -386,9 +389,9 @@ std::unique_ptr<TVKAction> CorvaneLayer::createEmulatedActionForDisplay(TVKContr
         return nullptr;
     const DisplayEmulationRecord row = displayEmulationRecord(display->groupID(), display->index());
     switch (row.kind) {
-    case 5:
-    case 11:
-    case 6:
+    case corvane::ControlType::LCDDisplay:
+    case corvane::ControlType::NVLCDDisplay:
+    case corvane::ControlType::TimecodeDisplay:
         return corvane::makeDisplayEmulationAction(row.kind, display, row.source);
     default:
         return nullptr;

@@ -64,7 +64,7 @@ TVKKeyset::TVKKeyset(const PlistValue& archive, TVKModelData* owner)
     const PlistValue& icon = archive.value(key::AppIcon);
     if (icon.isData())
         m_icon = icon.toData();
-    m_emulationMode = uint(archive.value(key::EMode).toUnsigned(0));
+    m_emulationMode = corvane::EmulationMode(archive.value(key::EMode).toUnsigned(0));
     m_oneTouchRecord = corvane::archivedFlag(archive.value(key::OneTchRcd), false);
     m_connectViaEthernet = corvane::archivedFlag(archive.value(key::ConViaEnet), false);
     // A missing port reads as 0, not as the default of a new keyset.
@@ -141,7 +141,7 @@ std::unique_ptr<TVKKeyset> TVKKeyset::copyWithoutEmulation() const
 
 bool TVKKeyset::copyToWithoutEmulation(TVKKeyset& target) const
 {
-    target.m_emulationMode = 0;
+    target.m_emulationMode = corvane::EmulationMode::None;
     target.m_oneTouchRecord = m_oneTouchRecord;
     target.m_connectViaEthernet = m_connectViaEthernet;
     target.m_ethernetPort = m_ethernetPort;

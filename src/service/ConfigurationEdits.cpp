@@ -240,7 +240,8 @@ bool applyConfigurationMessage(TVKModelData& model, MessageID id, const QByteArr
     switch (id) {
     case msg::Emul:
         if (editedKeyset >= 0 && editedKeyset < model.numberOfKeysets())
-            model.keysetAtIndex(editedKeyset)->setEmulationMode(words.deserializeNextField());
+            model.keysetAtIndex(editedKeyset)
+                ->setEmulationMode(corvane::EmulationMode(words.deserializeNextField()));
         return true;
     case msg::TSTL:
         if (corvaneModel)

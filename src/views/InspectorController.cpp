@@ -749,11 +749,12 @@ QString InspectorController::tabRefusal(corvane::FourCharCode identifier) const
     if (identifier != corvane::fourCC("EMUL"))
         return {};
     const TVKKeyset* keyset = m_theControl ? m_theControl->keyset() : nullptr;
-    const uint mode = keyset ? keyset->emulationMode() : 0;
-    if (mode == 0)
+    const corvane::EmulationMode mode =
+        keyset ? keyset->emulationMode() : corvane::EmulationMode::None;
+    if (mode == corvane::EmulationMode::None)
         return tr("This keyset does not emulate a console, so there is nothing to emulate here. "
                   "Choose Emulation Mode A, B or C for the keyset in the Surface menu.");
-    if (mode != 3)
+    if (mode != corvane::EmulationMode::C)
         return {};
     const TVKModelData* model = TVKModelData::defaultModelData();
     const TVKControl* selected = model ? model->selectedControl() : nullptr;

@@ -101,13 +101,13 @@ TEST_F(ControlTest, ControlsWithoutAnEmulationAreLeftWithoutAction)
 {
     for (auto [group, index] : {std::pair{1, 6}, std::pair{11, 0}, std::pair{3, 0}}) {
         TVKControl* c = control(group, index);
-        c->setActionMode(0);
-        c->setActionMode(2);
+        c->setActionMode(corvane::ActionMode::Developer);
+        c->setActionMode(corvane::ActionMode::Emulation);
         EXPECT_EQ(c->action(), nullptr) << group << ":" << index;
     }
     // A mode outside 0..3 clears the action too.
     TVKControl* button = control(0, 1);
-    button->setActionMode(0);
+    button->setActionMode(corvane::ActionMode::Developer);
     button->setActionMode(7);
     EXPECT_EQ(button->action(), nullptr);
 }
@@ -122,7 +122,7 @@ TEST_F(ControlTest, DisplaysHaveNoActionInDeveloperOrRawEthernetMode)
     }
     // A display with no emulation row gets nothing in emulation mode.
     TVKControl* left = display(0, 3);
-    left->setActionMode(2);
+    left->setActionMode(corvane::ActionMode::Emulation);
     EXPECT_EQ(left->action(), nullptr);
     EXPECT_TRUE(line->isDisplay());
     EXPECT_FALSE(control(0, 0)->isDisplay());
@@ -315,7 +315,7 @@ TEST_F(ControlTest, TheBaseControlHasNoActionTypes)
     corvane::LogCapture capture;
     TVKControl base(0, QStringLiteral("x"), nullptr, nullptr, nullptr, 0, 0);
     EXPECT_EQ(base.actionModeToActionType(0), 0);
-    base.setActionMode(0);
+    base.setActionMode(corvane::ActionMode::Developer);
     EXPECT_EQ(base.action(), nullptr);
     EXPECT_TRUE(capture.contains(
         QStringLiteral("TVKControl subclasses must override actionModeToActionType")));

@@ -12,6 +12,8 @@
 
 namespace key = corvane::key;
 
+using corvane::EmulationMode;
+
 using corvane::fourCC;
 using corvane::PlistValue;
 using corvane::stringFromFourCharCode;
@@ -124,7 +126,7 @@ TEST_F(KeysetTest, CopyWithoutEmulationDropsEmulationLayerByLayer)
     modelData.addKeysetWithName(QStringLiteral("App"), 0, QStringLiteral("com.x.tool"),
                                 QByteArray("icon"));
     auto* source = static_cast<CorvaneKeyset*>(modelData.keysetAtIndex(1));
-    source->setEmulationMode(2);
+    source->setEmulationMode(EmulationMode::B);
     source->setLocked(true);
     source->setOneTouchRecord(true);
     source->setReverseRBButtons(true);
@@ -143,7 +145,7 @@ TEST_F(KeysetTest, CopyWithoutEmulationDropsEmulationLayerByLayer)
     auto copy = source->copyWithoutEmulation();
     ASSERT_NE(copy, nullptr);
     EXPECT_EQ(copy->owner(), &modelData);
-    EXPECT_EQ(copy->emulationMode(), 0u);
+    EXPECT_EQ(copy->emulationMode(), EmulationMode::None);
     EXPECT_TRUE(copy->locked());
     EXPECT_TRUE(copy->oneTouchRecord());
     EXPECT_EQ(copy->bundleID(), QStringLiteral("com.x.tool"));

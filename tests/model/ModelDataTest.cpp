@@ -10,6 +10,7 @@
 
 namespace key = corvane::key;
 
+using corvane::EmulationMode;
 using corvane::fourCC;
 using corvane::PlistValue;
 
@@ -296,7 +297,7 @@ TEST_F(ModelDataTest, PropertyCopyTakesSettingsButNotLockOrControls)
     modelData.addKeysetWithName(QStringLiteral("App"), 0, QStringLiteral("com.x.tool"),
                                 QByteArray("\x89PNG", 4));
     auto* source = static_cast<CorvaneKeyset*>(modelData.keysetAtIndex(1));
-    source->setEmulationMode(3);
+    source->setEmulationMode(EmulationMode::C);
     source->setOneTouchRecord(true);
     source->setConnectViaEthernet(true);
     source->setEthernetPort(50001);
@@ -310,7 +311,7 @@ TEST_F(ModelDataTest, PropertyCopyTakesSettingsButNotLockOrControls)
     EXPECT_EQ(copy->bundleID(), QStringLiteral("com.x.tool"));
     EXPECT_EQ(copy->targetID(), source->targetID());
     EXPECT_EQ(copy->icon(), source->icon());
-    EXPECT_EQ(copy->emulationMode(), 3u);
+    EXPECT_EQ(copy->emulationMode(), EmulationMode::C);
     EXPECT_TRUE(copy->oneTouchRecord());
     EXPECT_TRUE(copy->connectViaEthernet());
     EXPECT_EQ(copy->ethernetPort(), 50001u);

@@ -290,7 +290,7 @@ TEST_F(ServiceSimulatorTest, TheMirrorFollowsEveryEdit)
     model->keysetAtIndex(2)->setConnectViaEthernet(false);
     sent &= messenger->updateProperty(1, -1, 2);
     sent &= messenger->sendChangeEditKeysetMessage(1);
-    editor->setEmulationMode(4);
+    editor->setEmulationMode(corvane::EmulationMode(4)); // beyond C, kept as it comes
     sent &= messenger->sendEmulationModeMessage(4);
     model->setHasOwnerKeyset(true, QStringLiteral("org.example.editor"), fourCC("EdIt"));
     sent &= messenger->sendOwnerKeysetChange(true, QStringLiteral("org.example.editor"),
