@@ -254,11 +254,11 @@ QByteArray TVK_PrivateMessenger::MessageCallbackForPort(corvane::LocalMessagePor
         return QByteArray();
     }
     if (message == msg::CurC) {
-        const TVK_IncomingCurrentControlInfoSpec info(data);
+        const TVK_IncomingCurrentControlInfoSpec current(data);
         if (delegate())
-            delegate()->handleCurrentControlInfoForKeyset(info.keysetIndex(), info.layerIndex(),
-                                                          info.groupIndex(),
-                                                          info.controlNumOrChannel());
+            delegate()->handleCurrentControlInfoForKeyset(
+                current.keysetIndex(), current.layerIndex(), current.groupIndex(),
+                current.controlNumOrChannel());
         return QByteArray();
     }
     return TVK_CarbonCocoaMessenger::MessageCallbackForPort(port, message, data, info);

@@ -194,8 +194,8 @@ void InspectorController::awakeFromNib()
     m_editorStack->addWidget(m_placeholder);
     column->addWidget(m_editorContainer, 1);
 
-    auto slider = [this](QWidget*& row, QSlider*& slider, const QString& title, int minimum,
-                         int maximum) {
+    auto addSlider = [this](QWidget*& row, QSlider*& slider, const QString& title, int minimum,
+                            int maximum) {
         row = new QWidget(m_panel);
         auto* form = new QFormLayout(row);
         form->setContentsMargins(0, 0, 0, 0);
@@ -216,10 +216,10 @@ void InspectorController::awakeFromNib()
         value->setNum(slider->value());
         row->hide();
     };
-    slider(m_brightnessRow, m_brightnessSlider, tr("&Brightness:"), 0, 15);
-    slider(m_sensitivityRow, m_sensitivitySlider, tr("Jog &sensitivity:"), 1, 127);
-    slider(m_joystickSensitivityRow, m_joystickSensitivitySlider, tr("Joystick &sensitivity:"), 1,
-           10);
+    addSlider(m_brightnessRow, m_brightnessSlider, tr("&Brightness:"), 0, 15);
+    addSlider(m_sensitivityRow, m_sensitivitySlider, tr("Jog &sensitivity:"), 1, 127);
+    addSlider(m_joystickSensitivityRow, m_joystickSensitivitySlider, tr("Joystick &sensitivity:"),
+              1, 10);
     column->addWidget(m_brightnessRow);
     column->addWidget(m_sensitivityRow);
     column->addWidget(m_joystickSensitivityRow);
