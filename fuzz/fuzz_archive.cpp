@@ -4,6 +4,7 @@
 
 #include "core/Log.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "model/ArchiveRepairLog.h"
 #include "model/CorvaneKeyset.h"
 #include "model/CorvaneModelData.h"
@@ -13,6 +14,8 @@
 
 #include <cstdint>
 #include <cstdlib>
+
+namespace key = corvane::key;
 
 namespace {
 
@@ -36,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         corvane::PlistCodec::read(QByteArrayView(data, qsizetype(size)));
     if (!result.ok || !result.value.isDict())
         return 0;
-    if (result.value.value(u"TVKKeysets").size() > kMaxKeysets)
+    if (result.value.value(key::Keysets).size() > kMaxKeysets)
         return 0;
 
     corvane::LogCapture quiet;

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Builds everything and runs the whole test suite: the tests, the tests again under the address
-# and undefined-behaviour sanitizers, the core tests under the thread sanitizer, and every fuzz
-# target for a bounded time.
+# Builds everything and runs the whole test suite: the tests, the whole suite again under the
+# address and undefined-behaviour sanitizers, the core tests under the thread sanitizer, and every
+# fuzz target for a bounded time (its build also compiles every library and program with clang).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
@@ -11,19 +11,19 @@ fuzz_seconds=${CORVANE_FUZZ_SECONDS:-30}
 echo "== formatting"
 git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
 
-echo "== build and test (ci preset)"
+echo "== build and test everything (ci preset)"
 cmake --preset ci
 cmake --build --preset ci -j "$jobs"
 ctest --preset ci -j "$jobs"
 
-echo "== core tests under sanitizers"
+echo "== the whole suite under the address and undefined-behaviour sanitizers (asan preset)"
 cmake --preset asan
 cmake --build --preset asan -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
     LSAN_OPTIONS="suppressions=$PWD/tests/lsan.supp:print_suppressions=0" \
     ctest --preset asan -j "$jobs"
 
-echo "== core tests under the thread sanitizer (clang)"
+echo "== the core tests under the thread sanitizer (tsan preset, clang)"
 # Only the property-list writers start a thread; the core tests drive them. The messenger test is
 # compiled too, so that the suite keeps building with clang.
 cmake --preset tsan
@@ -33,7 +33,7 @@ cmake --build build/tsan -j "$jobs" --target \
 TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1" QT_QPA_PLATFORM=offscreen \
     build/tsan/tests/core/core_tests --gtest_brief=1
 
-echo "== fuzzers, ${fuzz_seconds}s each"
+echo "== every library and program built with clang, and the fuzzers for ${fuzz_seconds}s each (fuzz preset)"
 cmake --preset fuzz
 cmake --build --preset fuzz -j "$jobs"
 for fuzzer in build/fuzz/fuzz/fuzz_*; do

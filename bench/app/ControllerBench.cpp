@@ -9,6 +9,7 @@
 #include "app/TVKRecoveryJournal.h"
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
@@ -27,6 +28,7 @@
 #include <vector>
 
 namespace msg = corvane::msg;
+namespace key = corvane::key;
 using Clock = std::chrono::steady_clock;
 
 namespace {
@@ -65,7 +67,7 @@ public:
         qputenv("TVK_PORT_DIR", QFile::encodeName(m_dir.path()));
         if (configuration.isDict()) {
             corvane::TVKUserDefaults store;
-            store.setObject(QStringLiteral("TVKModelData"), configuration);
+            store.setObject(key::ModelData, configuration);
             store.synchronize();
         }
     }

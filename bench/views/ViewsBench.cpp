@@ -8,6 +8,7 @@
 #include "app/CorvaneController.h"
 #include "app/TVKNoViews.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 #include "model/TVKControl.h"
 #include "model/TVKLayer.h"
@@ -34,6 +35,8 @@
 #include <cstdio>
 #include <cstring>
 #include <vector>
+
+namespace key = corvane::key;
 
 using Clock = std::chrono::steady_clock;
 
@@ -88,7 +91,7 @@ public:
             m_dir.path() + QStringLiteral("/data") + driver);
         qputenv("QT_QPA_PLATFORM", "offscreen");
         corvane::TVKUserDefaults store;
-        store.setObject(QStringLiteral("TVKModelData"), configuration);
+        store.setObject(key::ModelData, configuration);
         store.synchronize();
         m_sim.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         m_sim.start(QStringLiteral(CORVANE_SERVICE_SIM), {QStringLiteral("--quiet")});

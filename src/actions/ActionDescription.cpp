@@ -158,14 +158,14 @@ QString keyName(const TVKKeystrokeElement& keystroke)
     return label;
 }
 
-QString emulationModeText(int mode)
+QString emulationModeText(std::optional<EmulationMode> mode)
 {
-    switch (mode) {
-    case 1:
+    switch (mode.value_or(EmulationMode::None)) {
+    case EmulationMode::A:
         return Words::tr("Mode A");
-    case 2:
+    case EmulationMode::B:
         return Words::tr("Mode B");
-    case 3:
+    case EmulationMode::C:
         return Words::tr("Mode C");
     default:
         return QString();
@@ -406,7 +406,7 @@ QString describeEmulation(const TVKEmulationAction& action, Detail detail,
     QString body;
     if (const auto* jog = dynamic_cast<const TVKJogEmulationAction*>(&action)) {
         body = Words::tr("Jog");
-        if (detail == Detail::Full && context.emulationMode == 3)
+        if (detail == Detail::Full && context.emulationMode == EmulationMode::C)
             body += kSeparator + Words::tr("speed %1").arg(jog->jogSpeed());
     } else {
         body = emulatedControl(action);
@@ -468,8 +468,9 @@ QString describeDisplay(const TVKAction& action, Detail detail, const ActionCont
         const QString timecode = Words::tr("Emulated timecode");
         if (detail == Detail::Short)
             return timecode;
-        return context.emulationMode == 0 ? Words::tr("Emulated timecode (emulation is off)")
-                                          : withEmulationMode(timecode, context);
+        return context.emulationMode == EmulationMode::None
+                   ? Words::tr("Emulated timecode (emulation is off)")
+                   : withEmulationMode(timecode, context);
     }
     if (const auto* icon = dynamic_cast<const CorvaneLCDButtonDisplayIconAction*>(&action))
         return Words::tr("ROM icon %1").arg(icon->romIcon());
@@ -497,7 +498,7 @@ ActionContext contextOfAction(const TVKAction& action)
     if (const TVKControl* control = action.owningControl()) {
         context.controlType = control->tvkControlType();
         if (const TVKKeyset* keyset = control->keyset())
-            context.emulationMode = int(keyset->emulationMode());
+            context.emulationMode = keyset->emulationMode();
     }
     return context;
 }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "actions/TVKKeystrokeElement.h"
+#include "model/EmulationMode.h"
 
 #include <QString>
+#include <optional>
 
 class TVKAction;
 
@@ -24,8 +26,8 @@ enum class Detail
 // sheet) gives it itself.
 struct ActionContext
 {
-    int controlType = -1;   // corvane::ControlType; -1 when unknown
-    int emulationMode = -1; // the keyset's emulation mode (0 none, 1 A, 2 B, 3 C); -1 unknown
+    int controlType = -1;                                // corvane::ControlType; -1 when unknown
+    std::optional<corvane::EmulationMode> emulationMode; // the keyset's; none when unknown
 };
 
 ActionContext contextOfAction(const TVKAction& action);

@@ -1,7 +1,10 @@
 #include "actions/CorvaneButtonDisplayMidiEmulationAction.h"
 
+#include "core/StoredKeys.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -14,13 +17,14 @@ CorvaneButtonDisplayMidiEmulationAction::CorvaneButtonDisplayMidiEmulationAction
     const PlistValue& archive, TVKControl* control)
     : TVKDisplayAction(archive, control)
 {
-    m_mode = unsigned(archive.value(u"TVKMode").toUnsigned() & 0xFFFFFFFFu);
+    m_mode = unsigned(archive.value(key::Mode).toUnsigned() & 0xFFFFFFFFu);
 }
 
 QString CorvaneButtonDisplayMidiEmulationAction::emulationModeLetter() const
 {
     const TVKControl* control = owningControl();
-    const bool modeA = control && control->keyset() && control->keyset()->emulationMode() == 1;
+    const bool modeA = control && control->keyset() &&
+                       control->keyset()->emulationMode() == corvane::EmulationMode::A;
     return modeA ? QStringLiteral("A") : QStringLiteral("B");
 }
 
@@ -51,5 +55,5 @@ QString CorvaneButtonDisplayMidiEmulationAction::actionDescriptor() const
 void CorvaneButtonDisplayMidiEmulationAction::writeTo(PlistValue& dict) const
 {
     TVKDisplayAction::writeTo(dict);
-    dict.insert(QStringLiteral("TVKMode"), PlistValue(quint64(m_mode)));
+    dict.insert(key::Mode, PlistValue(quint64(m_mode)));
 }

@@ -1,5 +1,9 @@
 #include "actions/CorvaneLCDButtonDisplayIconAction.h"
 
+#include "core/StoredKeys.h"
+
+namespace key = corvane::key;
+
 using corvane::PlistValue;
 
 CorvaneLCDButtonDisplayIconAction::CorvaneLCDButtonDisplayIconAction(TVKControl* control,
@@ -11,7 +15,7 @@ CorvaneLCDButtonDisplayIconAction::CorvaneLCDButtonDisplayIconAction(const Plist
                                                                      TVKControl* control)
     : TVKDisplayAction(archive, control)
 {
-    m_romIcon = qint32(archive.value(u"TVKIconIndex").toInteger());
+    m_romIcon = qint32(archive.value(key::IconIndex).toInteger());
 }
 
 std::unique_ptr<TVKAction> CorvaneLCDButtonDisplayIconAction::copyWithZone() const
@@ -27,5 +31,5 @@ QString CorvaneLCDButtonDisplayIconAction::actionDescriptor() const
 void CorvaneLCDButtonDisplayIconAction::writeTo(PlistValue& dict) const
 {
     TVKDisplayAction::writeTo(dict);
-    dict.insert(QStringLiteral("TVKIconIndex"), PlistValue(m_romIcon));
+    dict.insert(key::IconIndex, PlistValue(m_romIcon));
 }

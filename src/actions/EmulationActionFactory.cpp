@@ -2,6 +2,7 @@
 
 #include "actions/TVKDisplayEmulationAction.h"
 #include "actions/TVKEmulationAction.h"
+#include "model/TVKControl.h"
 
 namespace corvane {
 
@@ -10,17 +11,17 @@ std::unique_ptr<TVKAction> makeEmulationAction(int kind, TVKControl* control, in
                                                bool onlyControlInGroup)
 {
     switch (kind) {
-    case 0:
+    case ControlType::Button:
         return std::make_unique<TVKButtonEmulationAction>(control, emulatedGroup, emulatedControl,
                                                           namedControl, onlyControlInGroup);
-    case 1:
+    case ControlType::Encoder:
         return std::make_unique<TVKEncoderEmulationAction>(control, emulatedGroup, emulatedControl,
                                                            namedControl, onlyControlInGroup);
-    case 4:
+    case ControlType::Jog:
         // The default jog emulation has speed 0 until the user sets one.
         return std::make_unique<TVKJogEmulationAction>(control, emulatedGroup, emulatedControl,
                                                        namedControl, onlyControlInGroup);
-    case 7:
+    case ControlType::Fader:
         return std::make_unique<TVKFaderEmulationAction>(control, emulatedGroup, emulatedControl,
                                                          namedControl, onlyControlInGroup);
     default:
@@ -31,10 +32,10 @@ std::unique_ptr<TVKAction> makeEmulationAction(int kind, TVKControl* control, in
 std::unique_ptr<TVKAction> makeDisplayEmulationAction(int kind, TVKControl* display, int source)
 {
     switch (kind) {
-    case 5:
-    case 11:
+    case ControlType::LCDDisplay:
+    case ControlType::NVLCDDisplay:
         return std::make_unique<TVKLCDDisplayEmulationAction>(display, source);
-    case 6:
+    case ControlType::TimecodeDisplay:
         return std::make_unique<TVKTimecodeDisplayEmulationAction>(display);
     default:
         return nullptr;

@@ -1,6 +1,9 @@
 #include "actions/TVKAction.h"
 
 #include "core/Log.h"
+#include "core/StoredKeys.h"
+
+namespace key = corvane::key;
 
 TVKAction::TVKAction(const corvane::PlistValue& /*archive*/, TVKControl* control)
     : m_owningControl(control)
@@ -14,5 +17,5 @@ corvane::FourCharCode TVKAction::editorTabID() const
 
 void TVKAction::writeTo(corvane::PlistValue& dict) const
 {
-    dict.insert(QStringLiteral("TVKActnType"), corvane::PlistValue(qint64(actionType())));
+    dict.insert(key::ActnType, corvane::PlistValue(qint64(actionType())));
 }

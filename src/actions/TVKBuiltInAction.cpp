@@ -1,8 +1,11 @@
 #include "actions/TVKBuiltInAction.h"
 
 #include "actions/ActionText.h"
+#include "core/StoredKeys.h"
 #include "model/TVKControl.h"
 #include "surface/TVK_Constant_Server.h"
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -22,14 +25,14 @@ TVKBuiltInAction::TVKBuiltInAction(TVKControl* control, unsigned delay, bool rep
 
 TVKBuiltInAction::TVKBuiltInAction(const PlistValue& archive, TVKControl* control)
     : TVKKeySequenceAction(archive, control),
-      m_sequence(unarchiveKeySequence(archive.value(u"TVKKeySeq")))
+      m_sequence(unarchiveKeySequence(archive.value(key::KeySeq)))
 {
-    m_commandGroupIndex = qint32(archive.value(u"TVKCmdGrpIdx").toInteger());
-    m_commandIndex = qint32(archive.value(u"TVKCmdIdx").toInteger());
-    m_commandGroupName = archive.value(u"GroupName").toString();
-    m_commandName = archive.value(u"CommandName").toString();
-    m_mode = qint32(archive.value(u"Mode").toInteger());
-    m_procedure = qint32(archive.value(u"Proc").toInteger());
+    m_commandGroupIndex = qint32(archive.value(key::CmdGrpIdx).toInteger());
+    m_commandIndex = qint32(archive.value(key::CmdIdx).toInteger());
+    m_commandGroupName = archive.value(key::CommandGroupName).toString();
+    m_commandName = archive.value(key::CommandName).toString();
+    m_mode = qint32(archive.value(key::CommandMode).toInteger());
+    m_procedure = qint32(archive.value(key::CommandProc).toInteger());
 }
 
 QString TVKBuiltInAction::actionDescriptor() const
@@ -46,16 +49,16 @@ corvane::FourCharCode TVKBuiltInAction::editorTabID() const
 void TVKBuiltInAction::writeTo(PlistValue& dict) const
 {
     TVKKeySequenceAction::writeTo(dict);
-    dict.insert(QStringLiteral("TVKKeySeq"), archiveKeySequence(m_sequence));
-    dict.insert(QStringLiteral("TVKCmdGrpIdx"), PlistValue(m_commandGroupIndex));
-    dict.insert(QStringLiteral("TVKCmdIdx"), PlistValue(m_commandIndex));
+    dict.insert(key::KeySeq, archiveKeySequence(m_sequence));
+    dict.insert(key::CmdGrpIdx, PlistValue(m_commandGroupIndex));
+    dict.insert(key::CmdIdx, PlistValue(m_commandIndex));
     // The catalogue's own keys, without the prefix.
     if (!m_commandGroupName.isNull())
-        dict.insert(QStringLiteral("GroupName"), PlistValue(m_commandGroupName));
+        dict.insert(key::CommandGroupName, PlistValue(m_commandGroupName));
     if (!m_commandName.isNull())
-        dict.insert(QStringLiteral("CommandName"), PlistValue(m_commandName));
-    dict.insert(QStringLiteral("Mode"), PlistValue(m_mode));
-    dict.insert(QStringLiteral("Proc"), PlistValue(m_procedure));
+        dict.insert(key::CommandName, PlistValue(m_commandName));
+    dict.insert(key::CommandMode, PlistValue(m_mode));
+    dict.insert(key::CommandProc, PlistValue(m_procedure));
 }
 
 std::unique_ptr<TVKAction> TVKBuiltInLCDDisplayAction::copyWithZone() const

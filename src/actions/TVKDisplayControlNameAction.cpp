@@ -1,6 +1,7 @@
 #include "actions/TVKDisplayControlNameAction.h"
 
 #include "actions/ActionText.h"
+#include "core/StoredKeys.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"
@@ -8,6 +9,8 @@
 #include "surface/TVK_Constant_Server.h"
 
 #include <limits>
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -37,11 +40,11 @@ TVKDisplayControlNameAction::TVKDisplayControlNameAction(const PlistValue& archi
                                                          TVKControl* control)
     : TVKLCDDisplayAction(archive, control)
 {
-    m_sourceLayer = qint32(archive.value(u"TVKLayerIndex").toInteger());
-    m_sourceControlGroup = qint32(archive.value(u"TVKGroupID").toInteger());
-    m_firstSourceControl = qint32(archive.value(u"TVKControlIndex").toInteger());
-    m_numSourceControls = qint32(archive.value(u"TVKCount").toInteger());
-    m_displayWidth = qint32(archive.value(u"Width").toInteger());
+    m_sourceLayer = qint32(archive.value(key::LayerIndex).toInteger());
+    m_sourceControlGroup = qint32(archive.value(key::GroupID).toInteger());
+    m_firstSourceControl = qint32(archive.value(key::ControlIndex).toInteger());
+    m_numSourceControls = qint32(archive.value(key::Count).toInteger());
+    m_displayWidth = qint32(archive.value(key::Width).toInteger());
 }
 
 void TVKDisplayControlNameAction::setSourceControls(int layer, int group, int first, int count,
@@ -115,11 +118,11 @@ QString TVKDisplayControlNameAction::text()
 void TVKDisplayControlNameAction::writeTo(PlistValue& dict) const
 {
     TVKLCDDisplayAction::writeTo(dict);
-    dict.insert(QStringLiteral("TVKLayerIndex"), PlistValue(m_sourceLayer));
-    dict.insert(QStringLiteral("TVKGroupID"), PlistValue(m_sourceControlGroup));
-    dict.insert(QStringLiteral("TVKControlIndex"), PlistValue(m_firstSourceControl));
-    dict.insert(QStringLiteral("TVKCount"), PlistValue(m_numSourceControls));
-    dict.insert(QStringLiteral("Width"), PlistValue(m_displayWidth));
+    dict.insert(key::LayerIndex, PlistValue(m_sourceLayer));
+    dict.insert(key::GroupID, PlistValue(m_sourceControlGroup));
+    dict.insert(key::ControlIndex, PlistValue(m_firstSourceControl));
+    dict.insert(key::Count, PlistValue(m_numSourceControls));
+    dict.insert(key::Width, PlistValue(m_displayWidth));
 }
 
 std::unique_ptr<TVKAction> TVKLCDDisplayEncoderNameAction::copyWithZone() const
@@ -145,7 +148,7 @@ TVKFrameletCorvaneNVLCDDisplayButtonNameAction::TVKFrameletCorvaneNVLCDDisplayBu
     const PlistValue& archive, TVKControl* control)
     : TVKDisplayControlNameAction(archive, control)
 {
-    m_lcdDisplayMode = unsigned(archive.value(u"TVKMode").toUnsigned() & 0xFFFFFFFFu);
+    m_lcdDisplayMode = unsigned(archive.value(key::Mode).toUnsigned() & 0xFFFFFFFFu);
 }
 
 void TVKFrameletCorvaneNVLCDDisplayButtonNameAction::getSourceControlInfoFromControl()
@@ -190,5 +193,5 @@ QString TVKFrameletCorvaneNVLCDDisplayButtonNameAction::actionDescriptor() const
 void TVKFrameletCorvaneNVLCDDisplayButtonNameAction::writeTo(PlistValue& dict) const
 {
     TVKDisplayControlNameAction::writeTo(dict);
-    dict.insert(QStringLiteral("TVKMode"), PlistValue(quint64(m_lcdDisplayMode)));
+    dict.insert(key::Mode, PlistValue(quint64(m_lcdDisplayMode)));
 }

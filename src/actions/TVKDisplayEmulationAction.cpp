@@ -1,10 +1,13 @@
 #include "actions/TVKDisplayEmulationAction.h"
 
 #include "actions/ActionText.h"
+#include "core/StoredKeys.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 #include "surface/TVK_Constant_Server.h"
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -18,7 +21,7 @@ TVKDisplayEmulationAction::TVKDisplayEmulationAction(const PlistValue& archive, 
     : TVKLCDDisplayAction(archive, control)
 {
     // The text is not stored: it follows from the source.
-    setDisplaySource(qint32(archive.value(u"TVKDisplaySrc").toInteger()));
+    setDisplaySource(qint32(archive.value(key::DisplaySrc).toInteger()));
 }
 
 void TVKDisplayEmulationAction::setDisplaySource(int source)
@@ -55,7 +58,7 @@ corvane::FourCharCode TVKDisplayEmulationAction::editorTabID() const
 void TVKDisplayEmulationAction::writeTo(PlistValue& dict) const
 {
     TVKLCDDisplayAction::writeTo(dict);
-    dict.insert(QStringLiteral("TVKDisplaySrc"), PlistValue(m_displaySource));
+    dict.insert(key::DisplaySrc, PlistValue(m_displaySource));
 }
 
 // ---- LCD
@@ -76,9 +79,9 @@ TVKLCDDisplayEmulationAction::TVKLCDDisplayEmulationAction(const PlistValue& arc
                                                            TVKControl* control)
     : TVKDisplayEmulationAction(archive, control)
 {
-    m_firstEncoder = qint32(archive.value(u"TVKControlIndex").toInteger());
-    m_numEncoders = qint32(archive.value(u"TVKCount").toInteger());
-    m_displayWidth = qint32(archive.value(u"Width").toInteger());
+    m_firstEncoder = qint32(archive.value(key::ControlIndex).toInteger());
+    m_numEncoders = qint32(archive.value(key::Count).toInteger());
+    m_displayWidth = qint32(archive.value(key::Width).toInteger());
 }
 
 void TVKLCDDisplayEmulationAction::readDisplayInfo()
@@ -106,9 +109,9 @@ std::unique_ptr<TVKAction> TVKLCDDisplayEmulationAction::copyWithZone() const
 void TVKLCDDisplayEmulationAction::writeTo(PlistValue& dict) const
 {
     TVKDisplayEmulationAction::writeTo(dict);
-    dict.insert(QStringLiteral("TVKControlIndex"), PlistValue(m_firstEncoder));
-    dict.insert(QStringLiteral("TVKCount"), PlistValue(m_numEncoders));
-    dict.insert(QStringLiteral("Width"), PlistValue(m_displayWidth));
+    dict.insert(key::ControlIndex, PlistValue(m_firstEncoder));
+    dict.insert(key::Count, PlistValue(m_numEncoders));
+    dict.insert(key::Width, PlistValue(m_displayWidth));
 }
 
 // ---- timecode
@@ -123,10 +126,11 @@ QString TVKTimecodeDisplayEmulationAction::actionDescriptor() const
     const TVKModelData* model = TVKModelData::defaultModelData();
     const TVKKeyset* keyset =
         model && model->numberOfKeysets() > 0 ? model->selectedKeyset() : nullptr;
-    const uint mode = keyset ? keyset->emulationMode() : 0;
-    if (mode == 0)
+    const corvane::EmulationMode mode =
+        keyset ? keyset->emulationMode() : corvane::EmulationMode::None;
+    if (mode == corvane::EmulationMode::None)
         return QStringLiteral("Emulation Mode Not Active");
     return QStringLiteral("Emulation: Mode ") +
-           (mode == 1 ? QStringLiteral("A") : QStringLiteral("B")) +
+           (mode == corvane::EmulationMode::A ? QStringLiteral("A") : QStringLiteral("B")) +
            QStringLiteral(" Timecode Display");
 }

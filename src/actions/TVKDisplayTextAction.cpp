@@ -1,6 +1,9 @@
 #include "actions/TVKDisplayTextAction.h"
 
 #include "actions/ActionText.h"
+#include "core/StoredKeys.h"
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -11,7 +14,7 @@ TVKDisplayTextAction::TVKDisplayTextAction(TVKControl* control, const QString& t
 TVKDisplayTextAction::TVKDisplayTextAction(const PlistValue& archive, TVKControl* control)
     : TVKLCDDisplayAction(archive, control)
 {
-    const PlistValue& text = archive.value(u"TVKDisplayTxt");
+    const PlistValue& text = archive.value(key::DisplayTxt);
     if (text.isString())
         m_text = text.toString();
 }
@@ -31,7 +34,7 @@ void TVKDisplayTextAction::writeTo(PlistValue& dict) const
 {
     TVKLCDDisplayAction::writeTo(dict);
     if (!m_text.isNull())
-        dict.insert(QStringLiteral("TVKDisplayTxt"), PlistValue(m_text));
+        dict.insert(key::DisplayTxt, PlistValue(m_text));
 }
 
 std::unique_ptr<TVKAction> TVKLCDDisplayTextAction::copyWithZone() const
@@ -55,8 +58,8 @@ CorvaneHiResLCDButtonDisplayTextAction::CorvaneHiResLCDButtonDisplayTextAction(
     const PlistValue& archive, TVKControl* control)
     : TVKDisplayTextAction(archive, control)
 {
-    m_lineCount = unsigned(archive.value(u"TVKDisplayLnCt").toUnsigned() & 0xFFFFFFFFu);
-    m_charsPerLine = unsigned(archive.value(u"TVKDisplayChPrLn").toUnsigned() & 0xFFFFFFFFu);
+    m_lineCount = unsigned(archive.value(key::DisplayLnCt).toUnsigned() & 0xFFFFFFFFu);
+    m_charsPerLine = unsigned(archive.value(key::DisplayChPrLn).toUnsigned() & 0xFFFFFFFFu);
 }
 
 unsigned CorvaneHiResLCDButtonDisplayTextAction::charsPerLineForLineCount(unsigned lineCount)
@@ -96,6 +99,6 @@ std::unique_ptr<TVKAction> CorvaneHiResLCDButtonDisplayTextAction::copyWithZone(
 void CorvaneHiResLCDButtonDisplayTextAction::writeTo(PlistValue& dict) const
 {
     TVKDisplayTextAction::writeTo(dict);
-    dict.insert(QStringLiteral("TVKDisplayLnCt"), PlistValue(quint64(m_lineCount)));
-    dict.insert(QStringLiteral("TVKDisplayChPrLn"), PlistValue(quint64(m_charsPerLine)));
+    dict.insert(key::DisplayLnCt, PlistValue(quint64(m_lineCount)));
+    dict.insert(key::DisplayChPrLn, PlistValue(quint64(m_charsPerLine)));
 }

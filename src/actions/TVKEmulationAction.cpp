@@ -1,7 +1,10 @@
 #include "actions/TVKEmulationAction.h"
 
 #include "actions/ActionText.h"
+#include "core/StoredKeys.h"
 #include "surface/TVK_Constant_Server.h"
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -16,10 +19,10 @@ TVKEmulationAction::TVKEmulationAction(TVKControl* control, int emulatedGroupInd
 TVKEmulationAction::TVKEmulationAction(const PlistValue& archive, TVKControl* control)
     : TVKAction(archive, control)
 {
-    m_emulatedGroup = qint32(archive.value(u"TVKEmuGrpIdx").toInteger());
-    m_emulatedControl = qint32(archive.value(u"TVKEmuCtlIdx").toInteger());
-    m_displayControlAsName = archive.value(u"TVKEmuNamedCtl").toBool();
-    m_onlyControlInGroup = archive.value(u"TVKEmuOnlyCtl").toBool();
+    m_emulatedGroup = qint32(archive.value(key::EmuGrpIdx).toInteger());
+    m_emulatedControl = qint32(archive.value(key::EmuCtlIdx).toInteger());
+    m_displayControlAsName = archive.value(key::EmuNamedCtl).toBool();
+    m_onlyControlInGroup = archive.value(key::EmuOnlyCtl).toBool();
 }
 
 corvane::FourCharCode TVKEmulationAction::editorTabID() const
@@ -30,10 +33,10 @@ corvane::FourCharCode TVKEmulationAction::editorTabID() const
 void TVKEmulationAction::writeTo(PlistValue& dict) const
 {
     TVKAction::writeTo(dict);
-    dict.insert(QStringLiteral("TVKEmuGrpIdx"), PlistValue(m_emulatedGroup));
-    dict.insert(QStringLiteral("TVKEmuCtlIdx"), PlistValue(m_emulatedControl));
-    dict.insert(QStringLiteral("TVKEmuNamedCtl"), PlistValue(m_displayControlAsName));
-    dict.insert(QStringLiteral("TVKEmuOnlyCtl"), PlistValue(m_onlyControlInGroup));
+    dict.insert(key::EmuGrpIdx, PlistValue(m_emulatedGroup));
+    dict.insert(key::EmuCtlIdx, PlistValue(m_emulatedControl));
+    dict.insert(key::EmuNamedCtl, PlistValue(m_displayControlAsName));
+    dict.insert(key::EmuOnlyCtl, PlistValue(m_onlyControlInGroup));
 }
 
 QString TVKEmulationAction::numberedDescriptor(const QString& groupName) const
@@ -94,7 +97,7 @@ TVKJogEmulationAction::TVKJogEmulationAction(TVKControl* control, unsigned jogSp
 TVKJogEmulationAction::TVKJogEmulationAction(const PlistValue& archive, TVKControl* control)
     : TVKEmulationAction(archive, control)
 {
-    m_jogSpeed = unsigned(archive.value(u"TVKJogSpd").toUnsigned(1) & 0xFFFFFFFFu);
+    m_jogSpeed = unsigned(archive.value(key::JogSpd).toUnsigned(1) & 0xFFFFFFFFu);
 }
 
 std::unique_ptr<TVKAction> TVKJogEmulationAction::copyWithZone() const
@@ -110,5 +113,5 @@ QString TVKJogEmulationAction::actionDescriptor() const
 void TVKJogEmulationAction::writeTo(PlistValue& dict) const
 {
     TVKEmulationAction::writeTo(dict);
-    dict.insert(QStringLiteral("TVKJogSpd"), PlistValue(quint64(m_jogSpeed)));
+    dict.insert(key::JogSpd, PlistValue(quint64(m_jogSpeed)));
 }

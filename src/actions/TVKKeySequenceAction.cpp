@@ -2,6 +2,9 @@
 
 #include "actions/ActionText.h"
 #include "core/Log.h"
+#include "core/StoredKeys.h"
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -21,9 +24,9 @@ TVKKeySequenceAction::TVKKeySequenceAction(TVKControl* control, unsigned delay, 
 TVKKeySequenceAction::TVKKeySequenceAction(const PlistValue& archive, TVKControl* control)
     : TVKAction(archive, control)
 {
-    m_delay = float(archive.value(u"TVKDelay").toReal());
+    m_delay = float(archive.value(key::Delay).toReal());
     // Read back as a 16-bit number; any non-zero value repeats.
-    m_repeat = quint16(archive.value(u"TVKRpt").toInteger()) != 0;
+    m_repeat = quint16(archive.value(key::Rpt).toInteger()) != 0;
 }
 
 qsizetype TVKKeySequenceAction::countForSequence(const TVKKeystrokeList& sequence)
@@ -110,8 +113,8 @@ corvane::FourCharCode TVKKeySequenceAction::editorTabID() const
 void TVKKeySequenceAction::writeTo(PlistValue& dict) const
 {
     TVKAction::writeTo(dict);
-    dict.insert(QStringLiteral("TVKDelay"), PlistValue(double(m_delay)));
-    dict.insert(QStringLiteral("TVKRpt"), PlistValue(m_repeat ? 1 : 0));
+    dict.insert(key::Delay, PlistValue(double(m_delay)));
+    dict.insert(key::Rpt, PlistValue(m_repeat ? 1 : 0));
 }
 
 // ---- button
@@ -126,7 +129,7 @@ TVKButtonKeySequenceAction::TVKButtonKeySequenceAction(TVKControl* control, unsi
 TVKButtonKeySequenceAction::TVKButtonKeySequenceAction(const PlistValue& archive,
                                                        TVKControl* control)
     : TVKKeySequenceAction(archive, control),
-      m_sequence(unarchiveKeySequence(archive.value(u"TVKKeySeq")))
+      m_sequence(unarchiveKeySequence(archive.value(key::KeySeq)))
 {}
 
 std::unique_ptr<TVKAction> TVKButtonKeySequenceAction::copyWithZone() const
@@ -145,7 +148,7 @@ QString TVKButtonKeySequenceAction::actionDescriptor() const
 void TVKButtonKeySequenceAction::writeTo(PlistValue& dict) const
 {
     TVKKeySequenceAction::writeTo(dict);
-    dict.insert(QStringLiteral("TVKKeySeq"), archiveKeySequence(m_sequence));
+    dict.insert(key::KeySeq, archiveKeySequence(m_sequence));
 }
 
 // ---- per-direction
@@ -184,7 +187,7 @@ void TVKMultipleKeySequenceAction::restoreSequences(const PlistValue& archive)
     // An older file may hold fewer lists than the control has directions; the action then keeps
     // fewer slots, exactly as read.
     m_sequences.clear();
-    const PlistValue& lists = archive.value(u"TVKSMultSeq");
+    const PlistValue& lists = archive.value(key::SMultSeq);
     if (!lists.isArray())
         return;
     for (qsizetype i = 0; i < lists.size() && i < numberOfDirections(); ++i)
@@ -249,7 +252,7 @@ void TVKMultipleKeySequenceAction::writeTo(PlistValue& dict) const
     PlistValue lists = PlistValue::makeArray(qsizetype(m_sequences.size()));
     for (const TVKKeystrokeList& sequence : m_sequences)
         lists.append(archiveKeySequence(sequence));
-    dict.insert(QStringLiteral("TVKSMultSeq"), std::move(lists));
+    dict.insert(key::SMultSeq, std::move(lists));
 }
 
 // ---- concrete per-direction classes

@@ -1,10 +1,13 @@
 #include "actions/TVKMIDIAction.h"
 
 #include "actions/ActionText.h"
+#include "core/StoredKeys.h"
 #include "surface/TVK_Constant_Server.h"
 
 #include <algorithm>
 #include <cstring>
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -33,8 +36,8 @@ TVKMIDIAction::TVKMIDIAction(unsigned mode, const quint8* message, unsigned size
 TVKMIDIAction::TVKMIDIAction(const PlistValue& archive, TVKControl* control)
     : TVKAction(archive, control)
 {
-    m_midiMode = unsigned(archive.value(u"TVKMMode").toUnsigned() & 0xFFFFFFFFu);
-    m_messageSize = readMessage(archive.value(u"TVKMMsg"), m_message);
+    m_midiMode = unsigned(archive.value(key::MMode).toUnsigned() & 0xFFFFFFFFu);
+    m_messageSize = readMessage(archive.value(key::MMsg), m_message);
 }
 
 unsigned TVKMIDIAction::readMessage(const PlistValue& data, Message& message)
@@ -108,9 +111,9 @@ corvane::FourCharCode TVKMIDIAction::editorTabID() const
 void TVKMIDIAction::writeTo(PlistValue& dict) const
 {
     TVKAction::writeTo(dict);
-    dict.insert(QStringLiteral("TVKMMode"), PlistValue(quint64(m_midiMode)));
+    dict.insert(key::MMode, PlistValue(quint64(m_midiMode)));
     if (m_midiMode == Custom)
-        dict.insert(QStringLiteral("TVKMMsg"), messageData(m_message, m_messageSize));
+        dict.insert(key::MMsg, messageData(m_message, m_messageSize));
 }
 
 std::unique_ptr<TVKAction> TVKButtonMIDIAction::copyWithZone() const
@@ -138,7 +141,7 @@ TVKEncoderMIDIAction::TVKEncoderMIDIAction(unsigned mode, const quint8* message,
 TVKEncoderMIDIAction::TVKEncoderMIDIAction(const PlistValue& archive, TVKControl* control)
     : TVKMIDIAction(archive, control)
 {
-    m_faderResolution = unsigned(archive.value(u"TVKFdrRes").toUnsigned(0) & 0xFFFFFFFFu);
+    m_faderResolution = unsigned(archive.value(key::FdrRes).toUnsigned(0) & 0xFFFFFFFFu);
 }
 
 std::unique_ptr<TVKAction> TVKEncoderMIDIAction::copyWithZone() const
@@ -149,7 +152,7 @@ std::unique_ptr<TVKAction> TVKEncoderMIDIAction::copyWithZone() const
 void TVKEncoderMIDIAction::writeTo(PlistValue& dict) const
 {
     TVKMIDIAction::writeTo(dict);
-    dict.insert(QStringLiteral("TVKFdrRes"), PlistValue(quint64(m_faderResolution)));
+    dict.insert(key::FdrRes, PlistValue(quint64(m_faderResolution)));
 }
 
 // ---- 4-way
@@ -164,7 +167,7 @@ TVK4WayMIDIAction::TVK4WayMIDIAction(unsigned mode, const quint8* hMessage, unsi
 TVK4WayMIDIAction::TVK4WayMIDIAction(const PlistValue& archive, TVKControl* control)
     : TVKMIDIAction(archive, control)
 {
-    m_messageSize2 = readMessage(archive.value(u"TVKMMsg2"), m_message2);
+    m_messageSize2 = readMessage(archive.value(key::MMsg2), m_message2);
 }
 
 unsigned TVK4WayMIDIAction::messageSizeForAxis(int axis) const
@@ -219,5 +222,5 @@ void TVK4WayMIDIAction::writeTo(PlistValue& dict) const
 {
     TVKMIDIAction::writeTo(dict);
     if (midiMode() == Custom)
-        dict.insert(QStringLiteral("TVKMMsg2"), messageData(m_message2, m_messageSize2));
+        dict.insert(key::MMsg2, messageData(m_message2, m_messageSize2));
 }

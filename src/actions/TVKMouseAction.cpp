@@ -1,9 +1,12 @@
 #include "actions/TVKMouseAction.h"
 
 #include "actions/ActionText.h"
+#include "core/StoredKeys.h"
 #include "surface/TVK_Constant_Server.h"
 
 #include <QLocale>
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -14,12 +17,12 @@ TVKMouseAction::TVKMouseAction(unsigned operation, TVKControl* control)
 TVKMouseAction::TVKMouseAction(const PlistValue& archive, TVKControl* control)
     : TVKAction(archive, control)
 {
-    m_operation = unsigned(archive.value(u"TVKMOp").toUnsigned() & 0xFFFFFFFFu);
-    m_locationType = unsigned(archive.value(u"TVKLocType").toUnsigned() & 0xFFFFFFFFu);
-    m_location = pointFromString(archive.value(u"TVKLoc").toString());
-    m_modifierFlags = unsigned(archive.value(u"TVKMods").toUnsigned() & 0xFFFFFFFFu);
-    m_usePartialWindowName = quint16(archive.value(u"TVKPartial").toInteger()) != 0;
-    const PlistValue& name = archive.value(u"TVKWName");
+    m_operation = unsigned(archive.value(key::MOp).toUnsigned() & 0xFFFFFFFFu);
+    m_locationType = unsigned(archive.value(key::LocType).toUnsigned() & 0xFFFFFFFFu);
+    m_location = pointFromString(archive.value(key::Loc).toString());
+    m_modifierFlags = unsigned(archive.value(key::Mods).toUnsigned() & 0xFFFFFFFFu);
+    m_usePartialWindowName = quint16(archive.value(key::Partial).toInteger()) != 0;
+    const PlistValue& name = archive.value(key::WName);
     if (name.isString())
         m_windowName = name.toString();
 }
@@ -71,11 +74,11 @@ corvane::FourCharCode TVKMouseAction::editorTabID() const
 void TVKMouseAction::writeTo(PlistValue& dict) const
 {
     TVKAction::writeTo(dict);
-    dict.insert(QStringLiteral("TVKMOp"), PlistValue(quint64(m_operation)));
-    dict.insert(QStringLiteral("TVKLocType"), PlistValue(quint64(m_locationType)));
-    dict.insert(QStringLiteral("TVKLoc"), PlistValue(stringFromPoint(m_location)));
-    dict.insert(QStringLiteral("TVKMods"), PlistValue(quint64(m_modifierFlags)));
-    dict.insert(QStringLiteral("TVKPartial"), PlistValue(m_usePartialWindowName ? 1 : 0));
+    dict.insert(key::MOp, PlistValue(quint64(m_operation)));
+    dict.insert(key::LocType, PlistValue(quint64(m_locationType)));
+    dict.insert(key::Loc, PlistValue(stringFromPoint(m_location)));
+    dict.insert(key::Mods, PlistValue(quint64(m_modifierFlags)));
+    dict.insert(key::Partial, PlistValue(m_usePartialWindowName ? 1 : 0));
     if (!m_windowName.isNull())
-        dict.insert(QStringLiteral("TVKWName"), PlistValue(m_windowName));
+        dict.insert(key::WName, PlistValue(m_windowName));
 }

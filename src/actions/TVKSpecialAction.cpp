@@ -1,7 +1,10 @@
 #include "actions/TVKSpecialAction.h"
 
+#include "core/StoredKeys.h"
 #include "surface/SurfaceConstants.h"
 #include "surface/TVK_Constant_Server.h"
+
+namespace key = corvane::key;
 
 namespace {
 
@@ -9,8 +12,6 @@ bool isSpecialMode(qint64 mode)
 {
     return mode >= 0 && mode < TVKSpecialAction::kModeCount;
 }
-
-const QString kModeKey = QStringLiteral("TVKSpMode");
 
 } // namespace
 
@@ -22,7 +23,7 @@ TVKSpecialAction::TVKSpecialAction(TVKControl* control, int mode) : TVKAction(co
 TVKSpecialAction::TVKSpecialAction(const corvane::PlistValue& archive, TVKControl* control)
     : TVKAction(archive, control)
 {
-    const qint64 mode = archive.value(kModeKey).toInteger(0);
+    const qint64 mode = archive.value(key::SpMode).toInteger(0);
     // The descriptor table has eleven entries; a stored mode beyond them would read past it.
     m_mode = isSpecialMode(mode) ? int(mode) : 0;
 }
@@ -47,5 +48,5 @@ corvane::FourCharCode TVKSpecialAction::editorTabID() const
 void TVKSpecialAction::writeTo(corvane::PlistValue& dict) const
 {
     TVKAction::writeTo(dict);
-    dict.insert(kModeKey, corvane::PlistValue(qint64(m_mode)));
+    dict.insert(key::SpMode, corvane::PlistValue(qint64(m_mode)));
 }

@@ -11,12 +11,13 @@
 #include "actions/TVKMIDIAction.h"
 #include "actions/TVKMouseAction.h"
 #include "actions/TVKSpecialAction.h"
+#include "core/StoredKeys.h"
 #include "model/TVKControl.h"
 #include "model/TVKLayer.h"
 
-namespace {
+namespace key = corvane::key;
 
-const QString kActionTypeKey = QStringLiteral("TVKActnType");
+namespace {
 
 // The layer knows which console control a surface control plays.
 std::unique_ptr<TVKAction> emulatedActionFor(TVKControl* control)
@@ -34,7 +35,7 @@ std::unique_ptr<TVKAction>
 TVKStandardActionTypes::createActionFromArchive(const corvane::PlistValue& dict,
                                                 TVKControl* control)
 {
-    const qint32 type = qint32(dict.value(kActionTypeKey).toInteger(0));
+    const qint32 type = qint32(dict.value(key::ActnType).toInteger(0));
     switch (type) {
     // Special functions of the surface.
     case TVKButtonSpecialAction::kActionType:

@@ -1,7 +1,9 @@
 #include "app/CorvaneController.h"
 
+#include "core/EthernetSettings.h"
 #include "core/Notifications.h"
 #include "core/PlistValue.h"
+#include "core/StoredKeys.h"
 #include "model/CorvaneKeyset.h"
 #include "model/CorvaneModelData.h"
 #include "service/CorvaneMessenger.h"
@@ -10,6 +12,7 @@
 #include <QAction>
 
 namespace note = corvane::note;
+namespace key = corvane::key;
 using Command = TVKMenuCommand;
 using corvane::PlistValue;
 
@@ -101,17 +104,17 @@ void CorvaneController::getGlobalDefaults()
     CorvaneModelData* model = corvaneModelData();
     if (!model || !m_defaults)
         return;
-    const PlistValue& address = m_defaults->objectForKey(u"TVKIPAdr");
-    const PlistValue& port = m_defaults->objectForKey(u"TVKEnetPrt");
-    if (!address.isNull() && !port.isNull()) {
-        model->setIpAddress(address.toString());
-        model->setEthernetPort(uint(port.toUnsigned()));
+    // The configuration's own pair is in the model already; only the global pair overrides it.
+    const corvane::EthernetSettings ethernet = corvane::storedEthernetSettings(*m_defaults);
+    if (ethernet.source == corvane::EthernetSettings::Source::Globals) {
+        model->setIpAddress(ethernet.ipAddress);
+        model->setEthernetPort(ethernet.port);
     }
     // Only the TL switch is read back here; the others travel in the configuration itself.
-    const PlistValue& standaloneTL = m_defaults->objectForKey(u"TVKStandaloneTL");
+    const PlistValue& standaloneTL = m_defaults->objectForKey(key::StandaloneTL);
     if (!standaloneTL.isNull())
         model->setStandaloneTL(standaloneTL.toInteger() != 0);
-    const PlistValue& style = m_defaults->objectForKey(u"TVKHardwareStyle");
+    const PlistValue& style = m_defaults->objectForKey(key::HardwareStyle);
     if (!style.isNull())
         model->setHardwareStyle(int(style.toInteger()));
 }
@@ -121,16 +124,12 @@ void CorvaneController::saveGlobalDefaults()
     CorvaneModelData* model = corvaneModelData();
     if (!model || !m_defaults)
         return;
-    m_defaults->setObject(QStringLiteral("TVKIPAdr"), PlistValue(model->ipAddress()));
-    m_defaults->setObject(QStringLiteral("TVKEnetPrt"), PlistValue(qint64(model->ethernetPort())));
-    m_defaults->setObject(QStringLiteral("TVKStandaloneTL"),
-                          PlistValue(qint64(model->standaloneTL() ? 1 : 0)));
-    m_defaults->setObject(QStringLiteral("TVKStandaloneTLW"),
-                          PlistValue(qint64(model->standaloneTLW() ? 1 : 0)));
-    m_defaults->setObject(QStringLiteral("TVKStandaloneTLW2"),
-                          PlistValue(qint64(model->standaloneTLW2() ? 1 : 0)));
-    m_defaults->setObject(QStringLiteral("TVKHardwareStyle"),
-                          PlistValue(qint64(model->hardwareStyle())));
+    m_defaults->setObject(key::IPAdr, PlistValue(model->ipAddress()));
+    m_defaults->setObject(key::EnetPrt, PlistValue(qint64(model->ethernetPort())));
+    m_defaults->setObject(key::StandaloneTL, PlistValue(qint64(model->standaloneTL() ? 1 : 0)));
+    m_defaults->setObject(key::StandaloneTLW, PlistValue(qint64(model->standaloneTLW() ? 1 : 0)));
+    m_defaults->setObject(key::StandaloneTLW2, PlistValue(qint64(model->standaloneTLW2() ? 1 : 0)));
+    m_defaults->setObject(key::HardwareStyle, PlistValue(qint64(model->hardwareStyle())));
     m_defaults->synchronize();
 }
 
@@ -246,7 +245,7 @@ void CorvaneController::updateCorvaneNVGroupMenus()
     for (qsizetype i = 0; i < std::max(groups, items); ++i) {
         if (i < groups) {
             const PlistValue* group = model->corvaneNVGroupWithID(int(i));
-            const QString title = group ? group->value(u"TVKName").toString() : QString();
+            const QString title = group ? group->value(key::Name).toString() : QString();
             for (const auto& [menu, command] : menus) {
                 QAction* item = nullptr;
                 if (i < items) {

@@ -3,7 +3,9 @@
 #include "app/TVKNoViews.h"
 #include "app/TVKRecoveryJournal.h"
 #include "core/Log.h"
+#include "core/MoveAside.h"
 #include "core/Notifications.h"
+#include "core/StoredKeys.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"
@@ -22,6 +24,7 @@
 #include <QPainter>
 
 namespace note = corvane::note;
+namespace key = corvane::key;
 using corvane::PlistValue;
 
 namespace {
@@ -169,27 +172,25 @@ void TVKController::readStoredModel()
     if (m_defaults->state() == corvane::TVKUserDefaults::State::Unreadable) {
         damage = m_defaults->error();
     } else {
-        const PlistValue& stored = m_defaults->objectForKey(u"TVKModelData");
+        const PlistValue& stored = m_defaults->objectForKey(key::ModelData);
         if (stored.isDict())
             damage = TVKModelData::archiveLimitExceeded(stored);
     }
     if (!damage.isEmpty()) {
         // Never written over: the file goes aside with its journal, and the run starts afresh.
-        const QString suffix =
-            QStringLiteral(".unreadable-") +
-            QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
         QString movedTo;
         QString error;
         if (m_defaults->state() == corvane::TVKUserDefaults::State::Unreadable) {
             movedTo = m_defaults->moveAside(&error);
-        } else if (QFile::rename(m_storePath, m_storePath + suffix)) {
-            movedTo = m_storePath + suffix;
-            m_defaults->reload();
         } else {
-            error = QStringLiteral("cannot rename %1").arg(m_storePath);
+            movedTo = corvane::moveFileAside(m_storePath, &error);
+            if (!movedTo.isNull())
+                m_defaults->reload();
         }
-        if (QFile::exists(m_journal->path()))
-            QFile::rename(m_journal->path(), m_journal->path() + suffix);
+        QString journalError;
+        if (QFile::exists(m_journal->path()) &&
+            corvane::moveFileAside(m_journal->path(), &journalError).isNull())
+            corvane::log(journalError);
         corvane::log(QStringLiteral("stored configuration unreadable: %1").arg(damage));
         TVKAlert alert;
         alert.message = tr("The Stored Configuration Could Not Be Read");
@@ -205,7 +206,7 @@ void TVKController::readStoredModel()
         m_startupNotices.push_back(alert);
     }
 
-    const PlistValue& stored = m_defaults->objectForKey(u"TVKModelData");
+    const PlistValue& stored = m_defaults->objectForKey(key::ModelData);
     if (!stored.isNull()) {
         m_modelData = makeModelDataWithArchive(stored);
         updateKeysetsMenu();
@@ -221,11 +222,11 @@ void TVKController::replayJournal()
     const TVKRecoveryJournal::Contents contents = m_journal->read();
     if (!contents.error.isEmpty()) {
         corvane::log(QStringLiteral("recovery journal unreadable: %1").arg(contents.error));
-        QFile::rename(m_journal->path(),
-                      m_journal->path() + QStringLiteral(".unreadable-") +
-                          QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss")));
+        QString moveError;
+        if (corvane::moveFileAside(m_journal->path(), &moveError).isNull())
+            corvane::log(moveError);
     }
-    const QString storedEpoch = m_defaults->objectForKey(u"TVKJournalEpoch").toString();
+    const QString storedEpoch = m_defaults->objectForKey(key::JournalEpoch).toString();
     const bool alreadyStored =
         !storedEpoch.isEmpty() && storedEpoch == QString::number(contents.epoch);
     int applied = 0;
@@ -447,10 +448,9 @@ bool TVKController::writeDataToDefaults()
         return false;
     PlistValue dict = PlistValue::makeDict();
     m_modelData->writeTo(dict);
-    m_defaults->setObject(QStringLiteral("TVKModelData"), std::move(dict));
+    m_defaults->setObject(key::ModelData, std::move(dict));
     if (m_journal && m_journal->isOpen())
-        m_defaults->setObject(QStringLiteral("TVKJournalEpoch"),
-                              PlistValue(QString::number(m_journal->epoch())));
+        m_defaults->setObject(key::JournalEpoch, PlistValue(QString::number(m_journal->epoch())));
     QString error;
     const bool written = m_defaults->synchronize(&error);
     if (!written)

@@ -5,6 +5,7 @@
 #include "core/Log.h"
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
+#include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 #include "service/TVK_PrivateMessenger.h"
@@ -32,13 +33,13 @@ bool isNoSignature(FourCharCode signature)
 QString actionModeName(qint64 mode)
 {
     switch (mode) {
-    case 0:
+    case corvane::ActionMode::Developer:
         return QStringLiteral("Developer Mode");
-    case 1:
+    case corvane::ActionMode::NativeMIDI:
         return QStringLiteral("Native MIDI");
-    case 2:
+    case corvane::ActionMode::Emulation:
         return QStringLiteral("Emulation");
-    case 3:
+    case corvane::ActionMode::RawEthernet:
         return QStringLiteral("Raw Ethernet");
     default:
         return QString();
@@ -388,11 +389,13 @@ void TVKController::handleEmulationMenu(qint64 mode)
     TVKKeyset* keyset = keysetAt(selectedKeyset());
     if (!keyset)
         return;
-    if (mode == 0 && keyset->emulationMode() != 0)
+    const auto chosen = corvane::EmulationMode(mode);
+    if (chosen == corvane::EmulationMode::None &&
+        keyset->emulationMode() != corvane::EmulationMode::None)
         undoableSwapKeyset(keyset->copyWithoutEmulation(), selectedKeyset(),
                            tr("Disable Emulation"));
     else
-        keyset->setEmulationMode(uint(mode));
+        keyset->setEmulationMode(chosen);
     notifyWithMessage(note::EmulChg{});
     if (m_messenger)
         m_messenger->sendEmulationModeMessage(mode);

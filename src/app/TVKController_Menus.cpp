@@ -2,6 +2,7 @@
 // is about to show or the state behind them changes, and performed by command.
 #include "app/TVKController.h"
 #include "core/FourCharCode.h"
+#include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 
@@ -170,10 +171,11 @@ bool TVKController::validateMenuItem(QAction* item)
     case Command::HandleSetAllMenuItems:
         if (locked)
             return false;
-        if (tag == 3)
+        if (tag == corvane::ActionMode::RawEthernet)
             return keyset && keyset->connectViaEthernet();
-        if (tag == 2)
-            return keyset && keyset->emulationMode() != 0 && keyset->emulationMode() != 3;
+        if (tag == corvane::ActionMode::Emulation)
+            return keyset && keyset->emulationMode() != corvane::EmulationMode::None &&
+                   keyset->emulationMode() != corvane::EmulationMode::C;
         return true;
     case Command::HandleKeysetsMenu: {
         const auto signature = corvane::FourCharCode(tag);

@@ -1,9 +1,9 @@
 #include "core/TVKUserDefaults.h"
 
+#include "core/MoveAside.h"
 #include "core/PlistCodec.h"
 #include "core/XdgFolders.h"
 
-#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -92,15 +92,9 @@ QString TVKUserDefaults::moveAside(QString* errorMessage)
 {
     if (m_state != State::Unreadable)
         return QString();
-    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
-    QString aside = m_path + QStringLiteral(".unreadable-") + stamp;
-    for (int n = 2; QFileInfo::exists(aside) || QFileInfo(aside).isSymLink(); ++n)
-        aside = m_path + QStringLiteral(".unreadable-%1-%2").arg(stamp).arg(n);
-    if (!QFile::rename(m_path, aside)) {
-        if (errorMessage)
-            *errorMessage = QStringLiteral("%1 cannot be moved aside").arg(m_path);
+    const QString aside = moveFileAside(m_path, errorMessage);
+    if (aside.isNull())
         return QString();
-    }
     m_values = PlistValue::makeDict();
     m_state = State::Missing;
     m_error.clear();

@@ -50,8 +50,8 @@ public:
     // in place; the file then keeps its previous contents.
     bool synchronize(QString* errorMessage = nullptr);
 
-    // Moves an unreadable file aside to "<path>.unreadable-<yyyyMMdd-hhmmss>" so that the store
-    // can be written again, and starts empty. Returns the new name of the file, or a null text
+    // Moves an unreadable file aside (moveFileAside()) so that the store can be written again,
+    // and starts empty. Returns the new name of the file, or a null text
     // when the store was readable or the move failed (errorMessage says why).
     QString moveAside(QString* errorMessage = nullptr);
 

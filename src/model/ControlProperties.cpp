@@ -2,6 +2,7 @@
 
 #include "actions/TVKNULLAction.h"
 #include "actions/TVKStandardActionTypes.h"
+#include "core/StoredKeys.h"
 #include "model/TVKControl.h"
 
 #include <array>
@@ -66,7 +67,7 @@ const std::array<ControlPropertyRow, 8>& rows()
              c.adoptAction(TVKStandardActionTypes::createActionFromArchive(v, &c));
              return true;
          }},
-        {ControlProperty::Latch, fourCC("ChLa"), QStringLiteral("TVKLatch"),
+        {ControlProperty::Latch, fourCC("ChLa"), key::Latch,
          [](const TVKControl* c) -> Value {
              return c ? Value(PlistValue(c->latched() ? 1 : 0)) : std::nullopt;
          },
@@ -74,13 +75,13 @@ const std::array<ControlPropertyRow, 8>& rows()
              c.setLatched(v.toBool());
              return true;
          }},
-        {ControlProperty::OnColor, fourCC("ChCo"), QStringLiteral("TVKColor"),
+        {ControlProperty::OnColor, fourCC("ChCo"), key::Color,
          [](const TVKControl* c) -> Value {
              const std::optional<int> color = onColorOf(c);
              return color ? Value(PlistValue(*color)) : std::nullopt;
          },
          [](TVKControl& c, const PlistValue& v) { return setOnColorOf(c, int(v.toInteger())); }},
-        {ControlProperty::Brightness, fourCC("ChBr"), QStringLiteral("TVKBrightness"),
+        {ControlProperty::Brightness, fourCC("ChBr"), key::Brightness,
          [](const TVKControl* c) -> Value {
              const auto* ball = carrier<const TVK4WayControl>(c, CT::FourWay);
              return ball ? Value(PlistValue(ball->brightness())) : std::nullopt;
@@ -91,7 +92,7 @@ const std::array<ControlPropertyRow, 8>& rows()
                  ball->setBrightness(int(v.toInteger()));
              return ball != nullptr;
          }},
-        {ControlProperty::UserName, fourCC("ChUN"), QStringLiteral("TVKUName"),
+        {ControlProperty::UserName, fourCC("ChUN"), key::UName,
          [](const TVKControl* c) -> Value {
              return c ? Value(PlistValue(c->userName())) : std::nullopt;
          },
@@ -99,7 +100,7 @@ const std::array<ControlPropertyRow, 8>& rows()
              c.setUserName(v.toString());
              return true;
          }},
-        {ControlProperty::OffColor, fourCC("COfC"), QStringLiteral("TVKOffColor"),
+        {ControlProperty::OffColor, fourCC("COfC"), key::OffColor,
          [](const TVKControl* c) -> Value {
              const auto* button = carrier<const TVKMultiColorButtonControl>(c);
              return button ? Value(PlistValue(button->offColor())) : std::nullopt;
@@ -110,7 +111,7 @@ const std::array<ControlPropertyRow, 8>& rows()
                  button->setOffColor(int(v.toInteger()));
              return button != nullptr;
          }},
-        {ControlProperty::JogSensitivity, fourCC("ChJS"), QStringLiteral("TVKJogSens"),
+        {ControlProperty::JogSensitivity, fourCC("ChJS"), key::JogSens,
          [](const TVKControl* c) -> Value {
              const auto* jog = carrier<const TVKJogControl>(c, CT::Jog);
              return jog ? Value(PlistValue(jog->sensitivity())) : std::nullopt;
@@ -122,7 +123,7 @@ const std::array<ControlPropertyRow, 8>& rows()
              return jog != nullptr;
          }},
         // Sent as an unsigned word.
-        {ControlProperty::JoystickSensitivity, fourCC("ChJy"), QStringLiteral("TVKJoySens"),
+        {ControlProperty::JoystickSensitivity, fourCC("ChJy"), key::JoySens,
          [](const TVKControl* c) -> Value {
              const auto* stick = carrier<const TVKJoystickControl>(c, CT::Joystick);
              if (!stick)

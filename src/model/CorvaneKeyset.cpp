@@ -1,5 +1,6 @@
 #include "model/CorvaneKeyset.h"
 
+#include "core/StoredKeys.h"
 #include "model/ArchiveReading.h"
 #include "model/ArchiveRepairLog.h"
 #include "model/CorvaneLayer.h"
@@ -7,6 +8,8 @@
 #include "model/TVKModelData.h"
 #include "surface/SurfaceConstants.h"
 #include "surface/TVK_Constant_Server.h"
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -45,7 +48,7 @@ CorvaneKeyset::CorvaneKeyset(const PlistValue& archive, TVKModelData* owner)
     // replacing them would double the work of loading a configuration.
     readLayersFromArchive(archive);
     createMissingLayers();
-    m_reverseRBButtons = corvane::archivedFlag(archive.value(u"RvrsRBBtns"), false);
+    m_reverseRBButtons = corvane::archivedFlag(archive.value(key::RvrsRBBtns), false);
 }
 
 void CorvaneKeyset::createLayers()
@@ -84,7 +87,7 @@ void CorvaneKeyset::writeTo(PlistValue& dict) const
 {
     TVKKeyset::writeTo(dict);
     // The one key without the prefix; stored configurations depend on it.
-    dict.insert(QStringLiteral("RvrsRBBtns"), PlistValue(qint64(m_reverseRBButtons ? 1 : 0)));
+    dict.insert(key::RvrsRBBtns, PlistValue(qint64(m_reverseRBButtons ? 1 : 0)));
 }
 
 CorvaneLayer* CorvaneKeyset::selectedCorvaneLayer() const

@@ -4,11 +4,14 @@
 #include "actions/TVKAction.h"
 #include "core/NotificationCenter.h"
 #include "core/Notifications.h"
+#include "core/StoredKeys.h"
 #include "model/TVKDisplayControl.h"
 #include "model/TVKLayer.h"
 #include "model/TVKModelData.h"
 
 #include <algorithm>
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -161,10 +164,6 @@ std::unique_ptr<TVKControl> controlForType(qint64 type, Args&&... args)
     }
 }
 
-const QString kNameKey = QStringLiteral("TVKName");
-const QString kMembersKey = QStringLiteral("TVKGrpMem");
-const QString kColorKey = QStringLiteral("TVKGrpClrs");
-
 // A number stored as decimal text; archives from elsewhere may hold a plain number instead.
 QString decimalText(const PlistValue& value)
 {
@@ -224,7 +223,7 @@ std::unique_ptr<TVKControl> CorvaneLayer::controlFromType(int type, const QStrin
 std::unique_ptr<TVKControl> CorvaneLayer::createControlFromArchive(const PlistValue& dict,
                                                                    int group, int controlIndex)
 {
-    const qint64 type = dict.value(u"TVKType").toInteger(0);
+    const qint64 type = dict.value(key::Type).toInteger(0);
     return controlForType(type, dict, owner(), keyset(), this, group, controlIndex);
 }
 
@@ -232,8 +231,9 @@ CorvaneLayer::EmulationRecord CorvaneLayer::emulationRecord(int group, int index
 {
     constexpr bool N = true;
     constexpr bool O = true;
+    using namespace corvane::ControlType;
     auto button = [](int g, int c, bool named = false, bool only = false) {
-        return EmulationRecord{0, g, c, named, only};
+        return EmulationRecord{Button, g, c, named, only};
     };
     switch (group) {
     case 0:
@@ -254,7 +254,7 @@ CorvaneLayer::EmulationRecord CorvaneLayer::emulationRecord(int group, int index
         if (index >= 0 && index <= 4)
             return button(0, index, N);
         if (index == 5)
-            return {4, 0, 0, N, O};
+            return {Jog, 0, 0, N, O};
         break;
     case 2:
         if (index >= 0 && index <= 4)
@@ -262,9 +262,9 @@ CorvaneLayer::EmulationRecord CorvaneLayer::emulationRecord(int group, int index
         break;
     case 4:
         if (index >= 0 && index <= 3)
-            return {1, 0, index, false, false};
+            return {Encoder, 0, index, false, false};
         if (index == 4)
-            return {1, 2, 0, N, O};
+            return {Encoder, 2, 0, N, O};
         break;
     case 5:
         if (index >= 0 && index <= 7)
@@ -320,13 +320,13 @@ CorvaneLayer::EmulationRecord CorvaneLayer::emulationRecord(int group, int index
         break;
     case 21:
         if (index >= 0 && index <= 6)
-            return {7, 1, index, false, false};
+            return {Fader, 1, index, false, false};
         if (index == 7)
-            return {7, 1, 8, false, false};
+            return {Fader, 1, 8, false, false};
         break;
     case 29:
         if (index >= 0 && index <= 6)
-            return {1, 0, index, false, false};
+            return {Encoder, 0, index, false, false};
         break;
     default:
         break;
@@ -336,26 +336,28 @@ CorvaneLayer::EmulationRecord CorvaneLayer::emulationRecord(int group, int index
 
 CorvaneLayer::DisplayEmulationRecord CorvaneLayer::displayEmulationRecord(int group, int index)
 {
+    using namespace corvane::ControlType;
     switch (group) {
     case 0:
         if (index == 0 || index == 1)
-            return {5, index};
+            return {LCDDisplay, index};
         break;
     case 1:
         if (index == 0)
-            return {6, 3};
+            return {TimecodeDisplay, 3};
         break;
     case 2:
         if (index >= 0 && index <= 7)
-            return {10, 0};
+            return {LCDButtonDisplay, 0};
         break;
     case 3:
         if (index == 0 || index == 1)
-            return {5, index};
+            return {LCDDisplay, index};
         break;
     case 4:
+        // The NV lines other than the first carry kind 0, which makes no display action.
         if (index >= 1 && index < kMaxDisplaysPerGroup)
-            return {0, 0};
+            return {Button, 0};
         break;
     default:
         break;
@@ -369,10 +371,10 @@ std::unique_ptr<TVKAction> CorvaneLayer::createEmulatedActionForControl(TVKContr
         return nullptr;
     const EmulationRecord row = emulationRecord(control->groupID(), control->index());
     switch (row.kind) {
-    case 0: // button
-    case 1: // encoder
-    case 4: // jog
-    case 7: // fader
+    case corvane::ControlType::Button:
+    case corvane::ControlType::Encoder:
+    case corvane::ControlType::Jog:
+    case corvane::ControlType::Fader:
         return corvane::makeEmulationAction(row.kind, control, row.emulatedGroup,
                                             row.emulatedControl, row.namedControl,
                                             row.onlyControlInGroup);
@@ -387,9 +389,9 @@ std::unique_ptr<TVKAction> CorvaneLayer::createEmulatedActionForDisplay(TVKContr
         return nullptr;
     const DisplayEmulationRecord row = displayEmulationRecord(display->groupID(), display->index());
     switch (row.kind) {
-    case 5:
-    case 11:
-    case 6:
+    case corvane::ControlType::LCDDisplay:
+    case corvane::ControlType::NVLCDDisplay:
+    case corvane::ControlType::TimecodeDisplay:
         return corvane::makeDisplayEmulationAction(row.kind, display, row.source);
     default:
         return nullptr;
@@ -402,28 +404,28 @@ void CorvaneLayer::writeTo(PlistValue& dict) const
     PlistValue groups = PlistValue::makeArray(qsizetype(m_corvaneNVGroups.size()));
     for (const PlistValue& group : m_corvaneNVGroups)
         groups.append(group);
-    dict.insert(QStringLiteral("TVKNVButtonGroups"), std::move(groups));
-    dict.insert(QStringLiteral("TVKNVGroupAssigns"), m_corvaneNVGroupAssignments);
+    dict.insert(key::NVButtonGroups, std::move(groups));
+    dict.insert(key::NVGroupAssigns, m_corvaneNVGroupAssignments);
 }
 
 void CorvaneLayer::readNVGroupsFromArchive(const PlistValue& archive)
 {
     m_corvaneNVGroups.reserve(kMaxNVGroups);
-    const PlistValue& groups = archive.value(u"TVKNVButtonGroups");
+    const PlistValue& groups = archive.value(key::NVButtonGroups);
     for (qsizetype i = 0; groups.isArray() && i < groups.size(); ++i) {
         const PlistValue& archived = groups.at(i);
         PlistValue members = PlistValue::makeArray();
-        const PlistValue& archivedMembers = archived.value(kMembersKey);
+        const PlistValue& archivedMembers = archived.value(key::GrpMem);
         for (qsizetype m = 0; archivedMembers.isArray() && m < archivedMembers.size(); ++m) {
             const QString member = decimalText(archivedMembers.at(m));
             if (!member.isEmpty())
                 members.append(PlistValue(member));
         }
-        const QString color = decimalText(archived.value(kColorKey));
+        const QString color = decimalText(archived.value(key::GrpClrs));
         PlistValue group = PlistValue::makeDict(3);
-        group.insert(kNameKey, PlistValue(archived.value(kNameKey).toString()));
-        group.insert(kMembersKey, std::move(members));
-        group.insert(kColorKey, PlistValue(color));
+        group.insert(key::Name, PlistValue(archived.value(key::Name).toString()));
+        group.insert(key::GrpMem, std::move(members));
+        group.insert(key::GrpClrs, PlistValue(color));
         // Only the eight real colours can be marked in use.
         bool ok = false;
         const int colorValue = color.toInt(&ok);
@@ -433,7 +435,7 @@ void CorvaneLayer::readNVGroupsFromArchive(const PlistValue& archive)
     }
 
     m_corvaneNVGroupAssignments = PlistValue::makeDict(240);
-    const PlistValue& assignments = archive.value(u"TVKNVGroupAssigns");
+    const PlistValue& assignments = archive.value(key::NVGroupAssigns);
     for (qsizetype i = 0; assignments.isDict() && i < assignments.size(); ++i) {
         const QString group = decimalText(assignments.valueAt(i));
         if (!group.isEmpty())
@@ -447,16 +449,16 @@ void CorvaneLayer::createCorvaneNVGroupNamed(const QString& name)
         return;
     const int color = nextAvailableCorvaneNVGroupColor();
     PlistValue group = PlistValue::makeDict(3);
-    group.insert(kNameKey, PlistValue(name));
-    group.insert(kMembersKey, PlistValue::makeArray());
-    group.insert(kColorKey, PlistValue(QString::number(color)));
+    group.insert(key::Name, PlistValue(name));
+    group.insert(key::GrpMem, PlistValue::makeArray());
+    group.insert(key::GrpClrs, PlistValue(QString::number(color)));
     m_corvaneNVGroups.push_back(std::move(group));
 }
 
 QString CorvaneLayer::nameOfGroupWithID(int group) const
 {
     if (const PlistValue* dict = corvaneNVGroupWithID(group))
-        return dict->value(kNameKey).toString();
+        return dict->value(key::Name).toString();
     return QStringLiteral("Unknown!");
 }
 
@@ -482,7 +484,7 @@ void CorvaneLayer::addButtonID(int button, int group)
     // Deleting may have removed a group, so the requested index may now name the next group or
     // none at all; the assignment still records the index asked for.
     if (group < numCorvaneNVGroups()) {
-        if (PlistValue* members = m_corvaneNVGroups[std::size_t(group)].find(kMembersKey))
+        if (PlistValue* members = m_corvaneNVGroups[std::size_t(group)].find(key::GrpMem))
             members->append(PlistValue(buttonText));
     }
     m_corvaneNVGroupAssignments.insert(buttonText, PlistValue(QString::number(group)));
@@ -503,14 +505,14 @@ void CorvaneLayer::deleteButtonID(int button, int group)
         return;
     const QString buttonText = QString::number(button);
     PlistValue& dict = m_corvaneNVGroups[std::size_t(group)];
-    const PlistValue& members = dict.value(kMembersKey);
+    const PlistValue& members = dict.value(key::GrpMem);
     PlistValue kept = PlistValue::makeArray(members.size());
     for (qsizetype i = 0; i < members.size(); ++i) {
         if (members.at(i).toString() != buttonText)
             kept.append(members.at(i));
     }
     const bool empty = kept.isEmpty();
-    dict.insert(kMembersKey, std::move(kept));
+    dict.insert(key::GrpMem, std::move(kept));
     m_corvaneNVGroupAssignments.remove(buttonText);
     setButtonMembership(button, -1, false);
     if (empty) {
@@ -533,7 +535,7 @@ void CorvaneLayer::deleteCorvaneNVGroup(int group)
     if (group < 0 || group >= numCorvaneNVGroups())
         return;
     const PlistValue dict = m_corvaneNVGroups[std::size_t(group)];
-    const PlistValue& members = dict.value(kMembersKey);
+    const PlistValue& members = dict.value(key::GrpMem);
     for (qsizetype i = 0; i < members.size(); ++i) {
         const QString member = members.at(i).toString();
         m_corvaneNVGroupAssignments.remove(member);
@@ -583,7 +585,7 @@ bool CorvaneLayer::isNVGroupColorInUse(int color) const
 
 int CorvaneLayer::colorForCorvaneNVGroup(const PlistValue& group) const
 {
-    return decimalValue(group.value(kColorKey), 0);
+    return decimalValue(group.value(key::GrpClrs), 0);
 }
 
 int CorvaneLayer::colorForCorvaneNVGroupWithID(int group) const

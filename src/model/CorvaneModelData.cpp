@@ -1,6 +1,9 @@
 #include "model/CorvaneModelData.h"
 
+#include "core/StoredKeys.h"
 #include "model/CorvaneKeyset.h"
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -20,12 +23,12 @@ CorvaneModelData::CorvaneModelData(const PlistValue& archive) : CorvaneModelData
         if (!value.isNull())
             field = value.toInteger(0) != 0;
     };
-    flag(u"TVKStandaloneTL", m_standaloneTL);
-    flag(u"TVKStandaloneTLW", m_standaloneTLW);
-    flag(u"TVKStandaloneTLW2", m_standaloneTLW2);
-    flag(u"TVKStandaloneNV", m_standaloneNV);
-    flag(u"TVKStandaloneDZ", m_standaloneDZ);
-    const PlistValue& style = archive.value(u"TVKHardwareStyle");
+    flag(key::StandaloneTL, m_standaloneTL);
+    flag(key::StandaloneTLW, m_standaloneTLW);
+    flag(key::StandaloneTLW2, m_standaloneTLW2);
+    flag(key::StandaloneNV, m_standaloneNV);
+    flag(key::StandaloneDZ, m_standaloneDZ);
+    const PlistValue& style = archive.value(key::HardwareStyle);
     if (!style.isNull())
         m_hardwareStyle = int(style.toInteger(m_hardwareStyle));
 }
@@ -73,12 +76,12 @@ void CorvaneModelData::writeTo(PlistValue& dict) const
     auto flag = [&dict](const QString& key, bool on) {
         dict.insert(key, PlistValue(qint64(on ? 1 : 0)));
     };
-    flag(QStringLiteral("TVKStandaloneTL"), m_standaloneTL);
-    flag(QStringLiteral("TVKStandaloneTLW"), m_standaloneTLW);
-    flag(QStringLiteral("TVKStandaloneTLW2"), m_standaloneTLW2);
-    flag(QStringLiteral("TVKStandaloneNV"), m_standaloneNV);
-    flag(QStringLiteral("TVKStandaloneDZ"), m_standaloneDZ);
-    dict.insert(QStringLiteral("TVKHardwareStyle"), PlistValue(qint64(m_hardwareStyle)));
+    flag(key::StandaloneTL, m_standaloneTL);
+    flag(key::StandaloneTLW, m_standaloneTLW);
+    flag(key::StandaloneTLW2, m_standaloneTLW2);
+    flag(key::StandaloneNV, m_standaloneNV);
+    flag(key::StandaloneDZ, m_standaloneDZ);
+    dict.insert(key::HardwareStyle, PlistValue(qint64(m_hardwareStyle)));
 }
 
 CorvaneKeyset* CorvaneModelData::selectedCorvaneKeyset() const

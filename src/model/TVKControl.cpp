@@ -5,12 +5,15 @@
 #include "actions/TVKSpecialAction.h"
 #include "actions/TVKStandardActionTypes.h"
 #include "core/Log.h"
+#include "core/StoredKeys.h"
 #include "model/ArchiveRepairLog.h"
 #include "model/ControlProperties.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"
 
 #include <array>
+
+namespace key = corvane::key;
 
 namespace {
 
@@ -69,11 +72,11 @@ TVKControl::TVKControl(int type, const QString& name, TVKModelData* owner, TVKKe
 
 TVKControl::TVKControl(const PlistValue& archive, TVKModelData* owner, TVKKeyset* keyset,
                        TVKLayer* layer, int groupID, int index)
-    : TVKControl(intValue(archive, u"TVKType", 0), archive.value(u"TVKName").toString(), owner,
+    : TVKControl(intValue(archive, key::Type, 0), archive.value(key::Name).toString(), owner,
                  keyset, layer, groupID, index)
 {
     m_userName = archive.value(keyOf(Property::UserName)).toString();
-    const PlistValue& archivedAction = archive.value(u"TVKAction");
+    const PlistValue& archivedAction = archive.value(key::Action);
     if (archivedAction.isNull())
         return;
     if (auto action = TVKStandardActionTypes::createActionFromArchive(archivedAction, this)) {
@@ -83,7 +86,7 @@ TVKControl::TVKControl(const PlistValue& archive, TVKModelData* owner, TVKKeyset
             {keyset ? keyset->name() : QString(), layer ? layer->index() : -1, groupID,
              corvane::ControlType::isDisplayType(type()), index,
              QStringLiteral("action of type %1 cannot be restored; dropped")
-                 .arg(archivedAction.value(u"TVKActnType").toInteger(0))});
+                 .arg(archivedAction.value(key::ActnType).toInteger(0))});
     }
 }
 
@@ -91,13 +94,13 @@ TVKControl::~TVKControl() = default;
 
 void TVKControl::writeTo(PlistValue& dict) const
 {
-    dict.insert(QStringLiteral("TVKName"), PlistValue(m_name));
+    dict.insert(key::Name, PlistValue(m_name));
     dict.insert(keyOf(Property::UserName), PlistValue(m_userName));
-    dict.insert(QStringLiteral("TVKType"), PlistValue(qint64(m_type)));
+    dict.insert(key::Type, PlistValue(qint64(m_type)));
     if (m_action) {
         PlistValue actionDict = PlistValue::makeDict(1);
         m_action->writeTo(actionDict);
-        dict.insert(QStringLiteral("TVKAction"), std::move(actionDict));
+        dict.insert(key::Action, std::move(actionDict));
     }
 }
 
@@ -361,7 +364,7 @@ TVKMultiColorButtonControl::TVKMultiColorButtonControl(const PlistValue& archive
 {
     m_onColor = intValue(archive, keyOf(Property::OnColor), m_onColor);
     m_offColor = intValue(archive, keyOf(Property::OffColor), m_offColor);
-    m_memberOfGroup = intValue(archive, u"TVKNVButtonGroup", m_memberOfGroup);
+    m_memberOfGroup = intValue(archive, key::NVButtonGroup, m_memberOfGroup);
 }
 
 void TVKMultiColorButtonControl::writeTo(PlistValue& dict) const
@@ -369,7 +372,7 @@ void TVKMultiColorButtonControl::writeTo(PlistValue& dict) const
     TVKButtonControl::writeTo(dict);
     dict.insert(keyOf(Property::OnColor), PlistValue(qint64(m_onColor)));
     dict.insert(keyOf(Property::OffColor), PlistValue(qint64(m_offColor)));
-    dict.insert(QStringLiteral("TVKNVButtonGroup"), PlistValue(qint64(m_memberOfGroup)));
+    dict.insert(key::NVButtonGroup, PlistValue(qint64(m_memberOfGroup)));
 }
 
 void TVKMultiColorButtonControl::copyMultiColorButton(const TVKMultiColorButtonControl& button)
@@ -404,13 +407,13 @@ TVKFrameletLCDButtonControl::TVKFrameletLCDButtonControl(const PlistValue& archi
                                                          TVKLayer* layer, int groupID, int index)
     : TVKMultiColorButtonControl(archive, owner, keyset, layer, groupID, index)
 {
-    m_buttonGroup = intValue(archive, u"TVKFLButtonGroup", m_buttonGroup);
+    m_buttonGroup = intValue(archive, key::FLButtonGroup, m_buttonGroup);
 }
 
 void TVKFrameletLCDButtonControl::writeTo(PlistValue& dict) const
 {
     TVKMultiColorButtonControl::writeTo(dict);
-    dict.insert(QStringLiteral("TVKFLButtonGroup"), PlistValue(qint64(m_buttonGroup)));
+    dict.insert(key::FLButtonGroup, PlistValue(qint64(m_buttonGroup)));
 }
 
 void TVKFrameletLCDButtonControl::copySettingsFrom(const TVKControl& source)

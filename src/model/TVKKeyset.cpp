@@ -2,6 +2,7 @@
 
 #include "actions/TVKAction.h"
 #include "core/Log.h"
+#include "core/StoredKeys.h"
 #include "model/ArchiveReading.h"
 #include "model/ArchiveRepairLog.h"
 #include "model/TVKControl.h"
@@ -9,6 +10,8 @@
 #include "model/TVKModelData.h"
 #include "surface/SurfaceConstants.h"
 #include "surface/TVK_Constant_Server.h"
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -49,25 +52,24 @@ TVKKeyset::TVKKeyset(const QString& name, corvane::FourCharCode signature,
 }
 
 TVKKeyset::TVKKeyset(const PlistValue& archive, TVKModelData* owner)
-    : TVKKeyset(archive.value(u"TVKName").toString(),
-                corvane::archivedCode(archive.value(u"TVKSig")),
-                corvane::archivedOptionalText(archive.value(u"TVKAppBID")), owner)
+    : TVKKeyset(archive.value(key::Name).toString(), corvane::archivedCode(archive.value(key::Sig)),
+                corvane::archivedOptionalText(archive.value(key::AppBID)), owner)
 {
     // A stored target ID is taken as it is: no uniqueness check, not added to the run's list.
-    const PlistValue& targetID = archive.value(u"TVKAppTID");
+    const PlistValue& targetID = archive.value(key::AppTID);
     if (targetID.isString())
         m_targetID = corvane::fourCharCodeFromString(targetID.toString());
     else
         createTargetID();
-    const PlistValue& icon = archive.value(u"TVKAppIcon");
+    const PlistValue& icon = archive.value(key::AppIcon);
     if (icon.isData())
         m_icon = icon.toData();
-    m_emulationMode = uint(archive.value(u"TVKEMode").toUnsigned(0));
-    m_oneTouchRecord = corvane::archivedFlag(archive.value(u"TVKOneTchRcd"), false);
-    m_connectViaEthernet = corvane::archivedFlag(archive.value(u"TVKConViaEnet"), false);
+    m_emulationMode = corvane::EmulationMode(archive.value(key::EMode).toUnsigned(0));
+    m_oneTouchRecord = corvane::archivedFlag(archive.value(key::OneTchRcd), false);
+    m_connectViaEthernet = corvane::archivedFlag(archive.value(key::ConViaEnet), false);
     // A missing port reads as 0, not as the default of a new keyset.
-    m_ethernetPort = quint32(archive.value(u"TVKEnetPrt").toUnsigned(0));
-    m_locked = corvane::archivedFlag(archive.value(u"TVKLock"), false);
+    m_ethernetPort = quint32(archive.value(key::EnetPrt).toUnsigned(0));
+    m_locked = corvane::archivedFlag(archive.value(key::Lock), false);
 }
 
 TVKKeyset::~TVKKeyset() = default;
@@ -139,7 +141,7 @@ std::unique_ptr<TVKKeyset> TVKKeyset::copyWithoutEmulation() const
 
 bool TVKKeyset::copyToWithoutEmulation(TVKKeyset& target) const
 {
-    target.m_emulationMode = 0;
+    target.m_emulationMode = corvane::EmulationMode::None;
     target.m_oneTouchRecord = m_oneTouchRecord;
     target.m_connectViaEthernet = m_connectViaEthernet;
     target.m_ethernetPort = m_ethernetPort;
@@ -192,19 +194,18 @@ void TVKKeyset::createTargetID()
 
 void TVKKeyset::writeTo(PlistValue& dict) const
 {
-    dict.insert(QStringLiteral("TVKName"), PlistValue(m_name));
-    dict.insert(QStringLiteral("TVKSig"), PlistValue(corvane::stringFromFourCharCode(m_signature)));
+    dict.insert(key::Name, PlistValue(m_name));
+    dict.insert(key::Sig, PlistValue(corvane::stringFromFourCharCode(m_signature)));
     if (m_bundleID)
-        dict.insert(QStringLiteral("TVKAppBID"), PlistValue(*m_bundleID));
-    dict.insert(QStringLiteral("TVKAppTID"),
-                PlistValue(corvane::stringFromFourCharCode(m_targetID)));
+        dict.insert(key::AppBID, PlistValue(*m_bundleID));
+    dict.insert(key::AppTID, PlistValue(corvane::stringFromFourCharCode(m_targetID)));
     if (!m_icon.isEmpty())
-        dict.insert(QStringLiteral("TVKAppIcon"), PlistValue(m_icon));
-    dict.insert(QStringLiteral("TVKEMode"), PlistValue(quint64(m_emulationMode)));
-    dict.insert(QStringLiteral("TVKOneTchRcd"), PlistValue(qint64(m_oneTouchRecord ? 1 : 0)));
-    dict.insert(QStringLiteral("TVKConViaEnet"), PlistValue(qint64(m_connectViaEthernet ? 1 : 0)));
-    dict.insert(QStringLiteral("TVKEnetPrt"), PlistValue(quint64(m_ethernetPort)));
-    dict.insert(QStringLiteral("TVKLock"), PlistValue(m_locked));
+        dict.insert(key::AppIcon, PlistValue(m_icon));
+    dict.insert(key::EMode, PlistValue(quint64(m_emulationMode)));
+    dict.insert(key::OneTchRcd, PlistValue(qint64(m_oneTouchRecord ? 1 : 0)));
+    dict.insert(key::ConViaEnet, PlistValue(qint64(m_connectViaEthernet ? 1 : 0)));
+    dict.insert(key::EnetPrt, PlistValue(quint64(m_ethernetPort)));
+    dict.insert(key::Lock, PlistValue(m_locked));
     const int count = std::min(numLayers(), int(m_layers.size()));
     PlistValue layers = PlistValue::makeArray(count);
     for (int i = 0; i < count; ++i) {
@@ -212,7 +213,7 @@ void TVKKeyset::writeTo(PlistValue& dict) const
         m_layers[std::size_t(i)]->writeTo(layer);
         layers.append(std::move(layer));
     }
-    dict.insert(QStringLiteral("TVKLayers"), std::move(layers));
+    dict.insert(key::Layers, std::move(layers));
 }
 
 void TVKKeyset::printMappings() const
@@ -240,7 +241,7 @@ void TVKKeyset::printMappings() const
 
 int TVKKeyset::readLayersFromArchive(const PlistValue& archive)
 {
-    const PlistValue& layers = archive.value(u"TVKLayers");
+    const PlistValue& layers = archive.value(key::Layers);
     const qsizetype archived = layers.isArray() ? layers.size() : 0;
     // A keyset has exactly the surface's layers; more in an archive are not read.
     const int count = int(std::min<qsizetype>(archived, numLayers()));

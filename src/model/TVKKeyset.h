@@ -2,6 +2,7 @@
 
 #include "core/FourCharCode.h"
 #include "core/PlistValue.h"
+#include "model/EmulationMode.h"
 
 #include <QByteArray>
 #include <QString>
@@ -76,8 +77,8 @@ public:
     // is the views' business.
     const QByteArray& icon() const { return m_icon; }
     void setIcon(const QByteArray& icon) { m_icon = icon; }
-    uint emulationMode() const { return m_emulationMode; }
-    void setEmulationMode(uint mode) { m_emulationMode = mode; }
+    corvane::EmulationMode emulationMode() const { return m_emulationMode; }
+    void setEmulationMode(corvane::EmulationMode mode) { m_emulationMode = mode; }
     uint ethernetPort() const { return m_ethernetPort; }
     void setEthernetPort(uint port) { m_ethernetPort = port; }
 
@@ -96,7 +97,7 @@ private:
     TVKModelData* m_owner = nullptr;
     corvane::FourCharCode m_signature = 0;
     corvane::FourCharCode m_targetID = 0;
-    uint m_emulationMode = 0;
+    corvane::EmulationMode m_emulationMode = corvane::EmulationMode::None;
     uint m_ethernetPort = 49152;
     bool m_oneTouchRecord = false;
     bool m_connectViaEthernet = false;

@@ -2,12 +2,15 @@
 
 #include "actions/TVKAction.h"
 #include "core/Log.h"
+#include "core/StoredKeys.h"
 #include "model/ArchiveRepairLog.h"
 #include "model/TVKKeyset.h"
 #include "surface/SurfaceConstants.h"
 #include "surface/TVK_Constant_Server.h"
 
 #include <algorithm>
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -166,8 +169,8 @@ PlistValue groupListArchive(const std::vector<TVKControlGroup>& groups)
 
 void TVKLayer::writeTo(PlistValue& dict) const
 {
-    dict.insert(QStringLiteral("TVKGroups"), groupListArchive(m_groups));
-    dict.insert(QStringLiteral("TVKDisplays"), groupListArchive(m_displayGroups));
+    dict.insert(key::Groups, groupListArchive(m_groups));
+    dict.insert(key::Displays, groupListArchive(m_displayGroups));
 }
 
 std::unique_ptr<TVKControl> TVKLayer::createControlFromArchive(const PlistValue& /*dict*/,
@@ -238,9 +241,9 @@ void TVKLayer::fillGroupFromTable(TVKControlGroup& group, const TVKControlInitTa
 
 void TVKLayer::readGroupsFromArchive(const PlistValue& dict)
 {
-    readGroupList(dict.value(u"TVKGroups"), false);
+    readGroupList(dict.value(key::Groups), false);
     checkForMissingGroups();
-    readGroupList(dict.value(u"TVKDisplays"), true);
+    readGroupList(dict.value(key::Displays), true);
     checkForMissingDisplayGroups();
 }
 
@@ -277,7 +280,7 @@ void TVKLayer::readGroupList(const PlistValue& list, bool display)
                 const QString what =
                     archivedControl.isDict()
                         ? QStringLiteral("control of unknown type %1 dropped")
-                              .arg(archivedControl.value(u"TVKType").toInteger(-1))
+                              .arg(archivedControl.value(key::Type).toInteger(-1))
                         : QStringLiteral("control entry that is no dictionary dropped");
                 recordRepair(
                     *this, g, display, i,

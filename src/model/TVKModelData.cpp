@@ -2,6 +2,7 @@
 
 #include "actions/TVKAction.h"
 #include "core/Log.h"
+#include "core/StoredKeys.h"
 #include "model/ArchiveReading.h"
 #include "model/ArchiveRepairLog.h"
 #include "model/TVKControl.h"
@@ -10,6 +11,8 @@
 
 #include <cassert>
 #include <vector>
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -351,15 +354,14 @@ std::unique_ptr<TVKKeyset> TVKModelData::createKeysetFromArchive(const PlistValu
 
 void TVKModelData::writeTo(PlistValue& dict) const
 {
-    dict.insert(QStringLiteral("TVKOneTchDflt"),
-                PlistValue(qint64(m_oneTouchRecordDefault ? 1 : 0)));
-    dict.insert(QStringLiteral("TVKIPAdr"), PlistValue(m_ipAddress));
-    dict.insert(QStringLiteral("TVKEnetPrt"), PlistValue(quint64(quint32(m_ethernetPort))));
-    dict.insert(QStringLiteral("TVKHasOwnerKS"), PlistValue(m_controlSurfaceHasOwnerKeyset));
+    dict.insert(key::OneTchDflt, PlistValue(qint64(m_oneTouchRecordDefault ? 1 : 0)));
+    dict.insert(key::IPAdr, PlistValue(m_ipAddress));
+    dict.insert(key::EnetPrt, PlistValue(quint64(quint32(m_ethernetPort))));
+    dict.insert(key::HasOwnerKS, PlistValue(m_controlSurfaceHasOwnerKeyset));
     if (m_controlSurfaceHasOwnerKeyset) {
         if (m_ownerKeysetBundleID && !m_ownerKeysetBundleID->isEmpty())
-            dict.insert(QStringLiteral("TVKOwnKSBID"), PlistValue(*m_ownerKeysetBundleID));
-        dict.insert(QStringLiteral("TVKOwnKSSig"),
+            dict.insert(key::OwnKSBID, PlistValue(*m_ownerKeysetBundleID));
+        dict.insert(key::OwnKSSig,
                     PlistValue(corvane::stringFromFourCharCode(m_ownerKeysetSignature)));
     }
     PlistValue keysets = PlistValue::makeArray(qsizetype(m_keysets.size()));
@@ -368,26 +370,26 @@ void TVKModelData::writeTo(PlistValue& dict) const
         keyset->writeTo(keysetDict);
         keysets.append(std::move(keysetDict));
     }
-    dict.insert(QStringLiteral("TVKKeysets"), std::move(keysets));
+    dict.insert(key::Keysets, std::move(keysets));
 }
 
 void TVKModelData::readFromArchive(const PlistValue& archive)
 {
-    m_oneTouchRecordDefault = corvane::archivedFlag(archive.value(u"TVKOneTchDflt"), false);
-    const PlistValue& address = archive.value(u"TVKIPAdr");
+    m_oneTouchRecordDefault = corvane::archivedFlag(archive.value(key::OneTchDflt), false);
+    const PlistValue& address = archive.value(key::IPAdr);
     if (address.isString())
         m_ipAddress = address.toString();
-    const PlistValue& port = archive.value(u"TVKEnetPrt");
+    const PlistValue& port = archive.value(key::EnetPrt);
     if (!port.isNull())
         m_ethernetPort = quint32(port.toUnsigned(m_ethernetPort));
 
     m_controlSurfaceHasOwnerKeyset = false;
-    const PlistValue& hasOwner = archive.value(u"TVKHasOwnerKS");
+    const PlistValue& hasOwner = archive.value(key::HasOwnerKS);
     if (!hasOwner.isNull())
         m_controlSurfaceHasOwnerKeyset = corvane::archivedFlag(hasOwner, false);
     if (m_controlSurfaceHasOwnerKeyset) {
-        m_ownerKeysetBundleID = corvane::archivedOptionalText(archive.value(u"TVKOwnKSBID"));
-        m_ownerKeysetSignature = corvane::archivedCode(archive.value(u"TVKOwnKSSig"));
+        m_ownerKeysetBundleID = corvane::archivedOptionalText(archive.value(key::OwnKSBID));
+        m_ownerKeysetSignature = corvane::archivedCode(archive.value(key::OwnKSSig));
     } else {
         m_ownerKeysetBundleID.reset();
         m_ownerKeysetSignature = 0;
@@ -395,7 +397,7 @@ void TVKModelData::readFromArchive(const PlistValue& archive)
 
     // An archived list replaces the list made by init (the "Default" keyset goes); a missing or
     // empty one keeps it.
-    const PlistValue& keysets = archive.value(u"TVKKeysets");
+    const PlistValue& keysets = archive.value(key::Keysets);
     if (keysets.isArray() && !keysets.isEmpty()) {
         std::vector<std::unique_ptr<TVKKeyset>> list = readKeysets(keysets);
         // Nothing readable: the keyset init made stays, so that there is always one.
@@ -408,7 +410,7 @@ void TVKModelData::readFromArchive(const PlistValue& archive)
 
 QString TVKModelData::archiveLimitExceeded(const PlistValue& archive)
 {
-    const PlistValue& keysets = archive.value(u"TVKKeysets");
+    const PlistValue& keysets = archive.value(key::Keysets);
     if (keysets.isArray() && keysets.size() > kMaxKeysets)
         return QStringLiteral("the configuration holds %1 keysets, more than the limit of %2")
             .arg(keysets.size())

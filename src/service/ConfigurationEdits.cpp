@@ -4,6 +4,7 @@
 #include "core/FourCharCode.h"
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "model/ControlProperties.h"
 #include "model/CorvaneKeyset.h"
 #include "model/CorvaneModelData.h"
@@ -14,6 +15,8 @@
 #include "service/TVK_MessageSpecs.h"
 
 #include <climits>
+
+namespace key = corvane::key;
 
 using corvane::MessageID;
 using corvane::PlistValue;
@@ -111,13 +114,13 @@ bool applyDictionary(TVKModelData& model, MessageID id, const PlistValue& dict, 
         return true;
     }
     case msg::TChO: {
-        const bool hasOwner = dict.value(u"TVKHasOwnerKS").toBool();
+        const bool hasOwner = dict.value(key::HasOwnerKS).toBool();
         std::optional<QString> bundleID;
-        if (dict.contains(u"TVKOwnKSBID"))
-            bundleID = dict.value(u"TVKOwnKSBID").toString();
+        if (dict.contains(key::OwnKSBID))
+            bundleID = dict.value(key::OwnKSBID).toString();
         model.setHasOwnerKeyset(
             hasOwner, bundleID,
-            hasOwner ? corvane::fourCharCodeFromString(dict.value(u"TVKOwnKSSig").toString()) : 0);
+            hasOwner ? corvane::fourCharCodeFromString(dict.value(key::OwnKSSig).toString()) : 0);
         return true;
     }
     case msg::IDAc: {
@@ -194,7 +197,8 @@ bool applyConfigurationMessage(TVKModelData& model, MessageID id, const QByteArr
     switch (id) {
     case msg::Emul:
         if (editedKeyset >= 0 && editedKeyset < model.numberOfKeysets())
-            model.keysetAtIndex(editedKeyset)->setEmulationMode(words.deserializeNextField());
+            model.keysetAtIndex(editedKeyset)
+                ->setEmulationMode(corvane::EmulationMode(words.deserializeNextField()));
         return true;
     case msg::TSTL:
         if (corvaneModel)

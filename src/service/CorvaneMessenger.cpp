@@ -1,8 +1,11 @@
 #include "service/CorvaneMessenger.h"
 
 #include "core/Notifications.h"
+#include "core/StoredKeys.h"
 #include "service/MessageCatalogue.h"
 #include "service/TVK_MessageSpecs.h"
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 namespace msg = corvane::msg;
@@ -54,7 +57,7 @@ bool CorvaneMessenger::sendChangeCorvaneNVActionBankMessage(qint64 bank)
 bool CorvaneMessenger::sendUpdateCorvaneNVGroupsMessage(const PlistValue& groups, int keyset)
 {
     PlistValue dict = PlistValue::makeDict(2);
-    dict.insert(QStringLiteral("TVKNVButtonGroups"), groups);
+    dict.insert(key::NVButtonGroups, groups);
     dict.insert(corvane::info::KeysetIndex, PlistValue(keyset));
     return sendProperties(dict, msg::TUNV);
 }
@@ -65,7 +68,7 @@ bool CorvaneMessenger::updateCorvaneNVLCDButtons(const PlistValue& buttons,
     PlistValue dict = PlistValue::makeDict(4);
     dict.insert(corvane::info::KeysetIndex, PlistValue(keyset));
     dict.insert(corvane::info::LayerIndex, PlistValue(layer));
-    dict.insert(QStringLiteral("TVKLCDBtnList"), buttons);
-    dict.insert(QStringLiteral("TVKLCDBtnDsplList"), displays);
+    dict.insert(key::LCDBtnList, buttons);
+    dict.insert(key::LCDBtnDsplList, displays);
     return sendProperties(dict, msg::TUNB);
 }

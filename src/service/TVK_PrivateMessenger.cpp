@@ -2,6 +2,7 @@
 
 #include "actions/TVKNULLAction.h"
 #include "core/Notifications.h"
+#include "core/StoredKeys.h"
 #include "model/ControlProperties.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
@@ -9,6 +10,8 @@
 #include "service/MessageCatalogue.h"
 #include "service/TVKMessengerDelegate.h"
 #include "service/TVK_MessageSpecs.h"
+
+namespace key = corvane::key;
 
 using corvane::MessageID;
 using corvane::PlistValue;
@@ -144,12 +147,11 @@ bool TVK_PrivateMessenger::sendOwnerKeysetChange(bool hasOwner, const QString& b
                                                  corvane::FourCharCode signature)
 {
     PlistValue dict = PlistValue::makeDict(3);
-    dict.insert(QStringLiteral("TVKHasOwnerKS"), PlistValue(hasOwner ? 1 : 0));
+    dict.insert(key::HasOwnerKS, PlistValue(hasOwner ? 1 : 0));
     if (hasOwner) {
         if (!bundleId.isEmpty())
-            dict.insert(QStringLiteral("TVKOwnKSBID"), PlistValue(bundleId));
-        dict.insert(QStringLiteral("TVKOwnKSSig"),
-                    PlistValue(corvane::stringFromFourCharCode(signature)));
+            dict.insert(key::OwnKSBID, PlistValue(bundleId));
+        dict.insert(key::OwnKSSig, PlistValue(corvane::stringFromFourCharCode(signature)));
     }
     return sendProperties(dict, msg::TChO);
 }
@@ -193,11 +195,11 @@ QByteArray TVK_PrivateMessenger::MessageCallbackForPort(corvane::LocalMessagePor
         return QByteArray();
     }
     if (message == msg::CurC) {
-        const TVK_IncomingCurrentControlInfoSpec info(data);
+        const TVK_IncomingCurrentControlInfoSpec current(data);
         if (delegate())
-            delegate()->handleCurrentControlInfoForKeyset(info.keysetIndex(), info.layerIndex(),
-                                                          info.groupIndex(),
-                                                          info.controlNumOrChannel());
+            delegate()->handleCurrentControlInfoForKeyset(
+                current.keysetIndex(), current.layerIndex(), current.groupIndex(),
+                current.controlNumOrChannel());
         return QByteArray();
     }
     return TVK_CarbonCocoaMessenger::MessageCallbackForPort(port, message, data, info);

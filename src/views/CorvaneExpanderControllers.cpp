@@ -3,6 +3,7 @@
 #include "app/CorvaneController.h"
 #include "app/TVKMenuCommand.h"
 #include "core/Notifications.h"
+#include "core/StoredKeys.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKKeyset.h"
 #include "views/CorvaneNVLayout.h"
@@ -18,6 +19,7 @@
 #include <QVBoxLayout>
 
 namespace note = corvane::note;
+namespace key = corvane::key;
 
 namespace {
 
@@ -289,7 +291,7 @@ void CorvaneNVController::selectGroup(int group)
     const corvane::PlistValue* found = model ? model->corvaneNVGroupWithID(group) : nullptr;
     if (!found)
         return;
-    const corvane::PlistValue& members = found->value(u"TVKGrpMem");
+    const corvane::PlistValue& members = found->value(key::GrpMem);
     if (members.size() == 0)
         return;
     // The group's first button, in its bank.

@@ -2,6 +2,7 @@
 
 #include "app/CorvaneController.h"
 #include "app/TVKUninstallerController.h"
+#include "core/StoredKeys.h"
 #include "platform/TerminationSignals.h"
 #include "platform/X11Accessibility.h"
 #include "views/CorvaneExpanderControllers.h"
@@ -24,13 +25,13 @@
 #include <QStyle>
 #include <QWindow>
 
+namespace key = corvane::key;
+
 using corvane::PlistValue;
 
 namespace {
 
 // Where the windows were, by window, and which optional windows were open.
-const QString kWindowFramesKey = QStringLiteral("CorvaneWindowFrames");
-const QString kOpenWindowsKey = QStringLiteral("CorvaneOpenWindows");
 
 } // namespace
 
@@ -147,7 +148,7 @@ void CorvaneViews::start()
     keepOnScreen(m_main);
     m_controller.windowIsAwake();
     m_controller.applicationDidFinishLaunching();
-    const PlistValue& open = m_controller.defaults().objectForKey(kOpenWindowsKey);
+    const PlistValue& open = m_controller.defaults().objectForKey(key::OpenWindows);
     for (qsizetype i = 0; i < open.size(); ++i) {
         if (open.at(i).toString() == QStringLiteral("DZ"))
             showDZ(true);
@@ -197,7 +198,7 @@ std::vector<QWidget*> CorvaneViews::placedWindows() const
 
 void CorvaneViews::saveWindowState()
 {
-    PlistValue frames = m_controller.defaults().objectForKey(kWindowFramesKey);
+    PlistValue frames = m_controller.defaults().objectForKey(key::WindowFrames);
     if (!frames.isDict())
         frames = PlistValue::makeDict();
     for (QWidget* w : placedWindows()) {
@@ -208,13 +209,13 @@ void CorvaneViews::saveWindowState()
                                                screen ? screen->devicePixelRatio() : 1.0));
         }
     }
-    m_controller.defaults().setObject(kWindowFramesKey, frames);
+    m_controller.defaults().setObject(key::WindowFrames, frames);
     PlistValue open = PlistValue::makeArray();
     if (m_dz && m_dz->isVisible())
         open.append(PlistValue(QStringLiteral("DZ")));
     if (m_summary && m_summary->isVisible())
         open.append(PlistValue(QStringLiteral("Summary")));
-    m_controller.defaults().setObject(kOpenWindowsKey, open);
+    m_controller.defaults().setObject(key::OpenWindows, open);
 }
 
 QMargins CorvaneViews::frameMargins(const QWidget* window) const
@@ -246,7 +247,7 @@ void CorvaneViews::placeWindow(QWidget* window)
     const QMargins margins = frameMargins(window);
 
     const PlistValue& stored =
-        m_controller.defaults().objectForKey(kWindowFramesKey).value(windowName(window));
+        m_controller.defaults().objectForKey(key::WindowFrames).value(windowName(window));
     std::optional<QRect> remembered = corvane::frameFromStore(stored, ratio);
     if (remembered)
         *remembered = remembered->marginsAdded(margins);

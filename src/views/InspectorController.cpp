@@ -194,8 +194,8 @@ void InspectorController::awakeFromNib()
     m_editorStack->addWidget(m_placeholder);
     column->addWidget(m_editorContainer, 1);
 
-    auto slider = [this](QWidget*& row, QSlider*& slider, const QString& title, int minimum,
-                         int maximum) {
+    auto addSlider = [this](QWidget*& row, QSlider*& slider, const QString& title, int minimum,
+                            int maximum) {
         row = new QWidget(m_panel);
         auto* form = new QFormLayout(row);
         form->setContentsMargins(0, 0, 0, 0);
@@ -216,10 +216,10 @@ void InspectorController::awakeFromNib()
         value->setNum(slider->value());
         row->hide();
     };
-    slider(m_brightnessRow, m_brightnessSlider, tr("&Brightness:"), 0, 15);
-    slider(m_sensitivityRow, m_sensitivitySlider, tr("Jog &sensitivity:"), 1, 127);
-    slider(m_joystickSensitivityRow, m_joystickSensitivitySlider, tr("Joystick &sensitivity:"), 1,
-           10);
+    addSlider(m_brightnessRow, m_brightnessSlider, tr("&Brightness:"), 0, 15);
+    addSlider(m_sensitivityRow, m_sensitivitySlider, tr("Jog &sensitivity:"), 1, 127);
+    addSlider(m_joystickSensitivityRow, m_joystickSensitivitySlider, tr("Joystick &sensitivity:"),
+              1, 10);
     column->addWidget(m_brightnessRow);
     column->addWidget(m_sensitivityRow);
     column->addWidget(m_joystickSensitivityRow);
@@ -749,11 +749,12 @@ QString InspectorController::tabRefusal(corvane::FourCharCode identifier) const
     if (identifier != corvane::fourCC("EMUL"))
         return {};
     const TVKKeyset* keyset = m_theControl ? m_theControl->keyset() : nullptr;
-    const uint mode = keyset ? keyset->emulationMode() : 0;
-    if (mode == 0)
+    const corvane::EmulationMode mode =
+        keyset ? keyset->emulationMode() : corvane::EmulationMode::None;
+    if (mode == corvane::EmulationMode::None)
         return tr("This keyset does not emulate a console, so there is nothing to emulate here. "
                   "Choose Emulation Mode A, B or C for the keyset in the Surface menu.");
-    if (mode != 3)
+    if (mode != corvane::EmulationMode::C)
         return {};
     const TVKModelData* model = TVKModelData::defaultModelData();
     const TVKControl* selected = model ? model->selectedControl() : nullptr;

@@ -142,7 +142,7 @@ std::vector<std::pair<QString, int>> KeysetSummaryModel::descriptorPieces(const 
 int KeysetSummaryModel::colorSetFor(const TVKControl& control)
 {
     const auto* coloured = dynamic_cast<const TVK4WayControl*>(&control);
-    if (control.tvkControlType() != 2 || !coloured)
+    if (control.tvkControlType() != corvane::ControlType::FourWay || !coloured)
         return 0;
     switch (coloured->onColor()) {
     case 3:

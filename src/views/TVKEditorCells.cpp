@@ -45,16 +45,18 @@ QSpinBox* TVKEditorCells::spinBox(int minimum, int maximum, QWidget* parent)
     return box;
 }
 
-QString TVKEditorCells::emulationModeNote(int mode)
+QString TVKEditorCells::emulationModeNote(corvane::EmulationMode mode)
 {
-    static const char* const modes[] = {QT_TRANSLATE_NOOP("TVKEditorCells", "A"),
-                                        QT_TRANSLATE_NOOP("TVKEditorCells", "B"),
-                                        QT_TRANSLATE_NOOP("TVKEditorCells", "C")};
-    if (mode < 1 || mode > 3)
+    const char* letter =
+        mode == corvane::EmulationMode::A   ? QT_TRANSLATE_NOOP("TVKEditorCells", "A")
+        : mode == corvane::EmulationMode::B ? QT_TRANSLATE_NOOP("TVKEditorCells", "B")
+        : mode == corvane::EmulationMode::C ? QT_TRANSLATE_NOOP("TVKEditorCells", "C")
+                                            : nullptr;
+    if (!letter)
         return QCoreApplication::translate(
             "TVKEditorCells", "This keyset does not emulate a console. Choose Emulation Mode A, "
                               "B or C for the keyset in the Surface menu.");
     return QCoreApplication::translate("TVKEditorCells",
                                        "This keyset emulates a console in mode %1.")
-        .arg(QCoreApplication::translate("TVKEditorCells", modes[mode - 1]));
+        .arg(QCoreApplication::translate("TVKEditorCells", letter));
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/EmulationMode.h"
+
 #include <QString>
 
 class QButtonGroup;
@@ -26,6 +28,6 @@ void selectItemWithData(QComboBox* box, int data);
 QSpinBox* spinBox(int minimum, int maximum, QWidget* parent);
 
 // What an emulation editor says of the keyset's emulation mode (0 to 3), and where it is set.
-QString emulationModeNote(int mode);
+QString emulationModeNote(corvane::EmulationMode mode);
 
 } // namespace TVKEditorCells

@@ -2,6 +2,8 @@
 
 #include "app/CorvaneController.h"
 #include "app/TVKMenuCommand.h"
+#include "model/EmulationMode.h"
+#include "model/TVKControl.h"
 
 #include <QApplication>
 
@@ -49,7 +51,8 @@ TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*
     edit->addAction(item(Command::HandleDeleteKeyset));
     edit->addSeparator();
     QMenu* setAll = edit->addMenu(tr("Set All Controls To"));
-    for (int mode = 0; mode < 4; ++mode)
+    for (int mode = corvane::ActionMode::Developer; mode <= corvane::ActionMode::RawEthernet;
+         ++mode)
         setAll->addAction(item(Command::HandleSetAllMenuItems, mode));
     edit->addSeparator();
     edit->addAction(item(Command::HandleLockUnlockMenu));
@@ -59,8 +62,10 @@ TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*
     connect(&controller, &TVKController::keysetsMenuChanged, this, &TVKMenuBar::rebuildKeysetsMenu);
 
     QMenu* surface = validating(addMenu(tr("&Surface")));
-    for (int mode = 0; mode < 4; ++mode)
-        surface->addAction(item(Command::HandleEmulationMenu, mode));
+    for (const corvane::EmulationMode mode :
+         {corvane::EmulationMode::None, corvane::EmulationMode::A, corvane::EmulationMode::B,
+          corvane::EmulationMode::C})
+        surface->addAction(item(Command::HandleEmulationMenu, qint64(mode)));
     surface->addSeparator();
     surface->addAction(item(Command::HandleOwnerMenu));
     surface->addAction(item(Command::HandleSetOneTouchRecord));

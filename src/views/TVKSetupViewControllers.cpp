@@ -1,7 +1,9 @@
 #include "views/TVKSetupViewControllers.h"
 
+#include "core/EthernetSettings.h"
 #include "core/NetworkFields.h"
 #include "core/PlistValue.h"
+#include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 #include "model/CorvaneModelData.h"
 #include "views/TVKNetworkFields.h"
@@ -19,11 +21,11 @@
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
+namespace key = corvane::key;
+
 using corvane::PlistValue;
 
 namespace {
-
-const QString kModelData = QStringLiteral("TVKModelData");
 
 // A field's integer value as a number formatter gives it: the leading digits, 0 for none.
 qint64 integerValue(const QLineEdit* field)
@@ -162,21 +164,9 @@ TVKEthernetSetupViewController::TVKEthernetSetupViewController(const QString& ni
 
 void TVKEthernetSetupViewController::readSetupPrefs()
 {
-    const PlistValue& address = m_defaults.objectForKey(u"TVKIPAdr");
-    const PlistValue& port = m_defaults.objectForKey(u"TVKEnetPrt");
-    if (!address.isNull() && !port.isNull()) {
-        m_ip = address.toString();
-        m_port = uint(port.toUnsigned());
-        return;
-    }
-    const PlistValue& model = m_defaults.objectForKey(kModelData);
-    if (model.isDict()) {
-        m_ip = model.value(u"TVKIPAdr").toString();
-        m_port = uint(model.value(u"TVKEnetPrt").toUnsigned());
-        return;
-    }
-    m_ip = QStringLiteral("0.0.0.0");
-    m_port = 23;
+    const corvane::EthernetSettings ethernet = corvane::storedEthernetSettings(m_defaults);
+    m_ip = ethernet.ipAddress;
+    m_port = ethernet.port;
 }
 
 void TVKEthernetSetupViewController::populate()
@@ -221,13 +211,13 @@ void TVKEthernetSetupViewController::collectSetupPrefs()
 
 void TVKEthernetSetupViewController::writeSetupPrefs()
 {
-    m_defaults.setObject(QStringLiteral("TVKIPAdr"), PlistValue(m_ip));
-    m_defaults.setObject(QStringLiteral("TVKEnetPrt"), PlistValue(quint64(m_port)));
-    PlistValue model = m_defaults.objectForKey(kModelData);
+    m_defaults.setObject(key::IPAdr, PlistValue(m_ip));
+    m_defaults.setObject(key::EnetPrt, PlistValue(quint64(m_port)));
+    PlistValue model = m_defaults.objectForKey(key::ModelData);
     if (model.isDict()) {
-        model.insert(QStringLiteral("TVKIPAdr"), PlistValue(m_ip));
-        model.insert(QStringLiteral("TVKEnetPrt"), PlistValue(quint64(m_port)));
-        m_defaults.setObject(kModelData, std::move(model));
+        model.insert(key::IPAdr, PlistValue(m_ip));
+        model.insert(key::EnetPrt, PlistValue(quint64(m_port)));
+        m_defaults.setObject(key::ModelData, std::move(model));
     }
     m_defaults.synchronize();
 }
@@ -274,17 +264,17 @@ corvaneEthernetSetupViewController::corvaneEthernetSetupViewController(
 void corvaneEthernetSetupViewController::readSetupPrefs()
 {
     TVKEthernetSetupViewController::readSetupPrefs();
-    const PlistValue& model = m_defaults.objectForKey(kModelData);
+    const PlistValue& model = m_defaults.objectForKey(key::ModelData);
     if (!model.isDict()) {
         m_tlsa = m_tlwsa = m_tlw2 = m_cnvsa = false;
         m_theme = 0;
         return;
     }
-    m_tlsa = model.value(u"TVKStandaloneTL").toInteger() != 0;
-    m_tlwsa = model.value(u"TVKStandaloneTLW").toInteger() != 0;
-    m_tlw2 = model.value(u"TVKStandaloneTLW2").toInteger() != 0;
-    m_cnvsa = model.value(u"TVKStandaloneNV").toInteger() != 0;
-    m_theme = int(model.value(u"TVKHardwareStyle").toInteger());
+    m_tlsa = model.value(key::StandaloneTL).toInteger() != 0;
+    m_tlwsa = model.value(key::StandaloneTLW).toInteger() != 0;
+    m_tlw2 = model.value(key::StandaloneTLW2).toInteger() != 0;
+    m_cnvsa = model.value(key::StandaloneNV).toInteger() != 0;
+    m_theme = int(model.value(key::HardwareStyle).toInteger());
 }
 
 void corvaneEthernetSetupViewController::populate()
@@ -312,14 +302,14 @@ void corvaneEthernetSetupViewController::collectSetupPrefs()
 void corvaneEthernetSetupViewController::writeSetupPrefs()
 {
     TVKEthernetSetupViewController::writeSetupPrefs();
-    PlistValue model = m_defaults.objectForKey(kModelData);
+    PlistValue model = m_defaults.objectForKey(key::ModelData);
     if (model.isDict()) {
-        model.insert(QStringLiteral("TVKStandaloneTL"), PlistValue(qint64(m_tlsa ? 1 : 0)));
-        model.insert(QStringLiteral("TVKStandaloneTLW"), PlistValue(qint64(m_tlwsa ? 1 : 0)));
-        model.insert(QStringLiteral("TVKStandaloneTLW2"), PlistValue(qint64(m_tlw2 ? 1 : 0)));
-        model.insert(QStringLiteral("TVKStandaloneNV"), PlistValue(qint64(m_cnvsa ? 1 : 0)));
-        model.insert(QStringLiteral("TVKHardwareStyle"), PlistValue(qint64(m_theme)));
-        m_defaults.setObject(kModelData, std::move(model));
+        model.insert(key::StandaloneTL, PlistValue(qint64(m_tlsa ? 1 : 0)));
+        model.insert(key::StandaloneTLW, PlistValue(qint64(m_tlwsa ? 1 : 0)));
+        model.insert(key::StandaloneTLW2, PlistValue(qint64(m_tlw2 ? 1 : 0)));
+        model.insert(key::StandaloneNV, PlistValue(qint64(m_cnvsa ? 1 : 0)));
+        model.insert(key::HardwareStyle, PlistValue(qint64(m_theme)));
+        m_defaults.setObject(key::ModelData, std::move(model));
         m_defaults.synchronize();
     }
     if (m_model) {

@@ -14,6 +14,7 @@
 #include "actions/TVKSpecialAction.h"
 #include "actions/TVKStandardActionTypes.h"
 #include "actions/editors/KeyEventTranslator.h"
+#include "core/StoredKeys.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKLayer.h"
@@ -73,12 +74,14 @@ std::unique_ptr<Action> directionKeys(std::vector<TVKKeystrokeList> lists)
     return action;
 }
 
-QString full(const TVKAction& action, int controlType = -1, int emulationMode = -1)
+QString full(const TVKAction& action, int controlType = -1,
+             std::optional<EmulationMode> emulationMode = std::nullopt)
 {
     return describeAction(action, Detail::Full, {controlType, emulationMode});
 }
 
-QString brief(const TVKAction& action, int controlType = -1, int emulationMode = -1)
+QString brief(const TVKAction& action, int controlType = -1,
+              std::optional<EmulationMode> emulationMode = std::nullopt)
 {
     return describeAction(action, Detail::Short, {controlType, emulationMode});
 }
@@ -93,7 +96,7 @@ TEST_F(ActionDescriptionTest, EveryKindOfActionTheFactoryMakesIsDescribed)
     const auto scan = [&](qint32 first, qint32 last) {
         for (qint32 code = first; code <= last; ++code) {
             PlistValue dict = PlistValue::makeDict();
-            dict.insert(QStringLiteral("TVKActnType"), PlistValue(qint64(code)));
+            dict.insert(key::ActnType, PlistValue(qint64(code)));
             const std::unique_ptr<TVKAction> action =
                 TVKStandardActionTypes::createActionFromArchive(dict, nullptr);
             if (!action)
@@ -117,8 +120,9 @@ TEST_F(ActionDescriptionTest, EveryControlInEveryActionModeIsDescribed)
     CorvaneModelData model;
     TVKKeyset* keyset = model.selectedKeyset();
     ASSERT_NE(keyset, nullptr);
-    for (int emulation = 0; emulation <= 3; ++emulation) {
-        keyset->setEmulationMode(uint(emulation));
+    for (const EmulationMode emulation :
+         {EmulationMode::None, EmulationMode::A, EmulationMode::B, EmulationMode::C}) {
+        keyset->setEmulationMode(emulation);
         for (int mode = ActionMode::Developer; mode <= ActionMode::RawEthernet; ++mode) {
             for (const auto& layer : keyset->layers()) {
                 for (const auto* groups : {&layer->groups(), &layer->displayGroups()}) {
@@ -129,7 +133,7 @@ TEST_F(ActionDescriptionTest, EveryControlInEveryActionModeIsDescribed)
                                 continue;
                             const ActionContext context = contextOfAction(*control->action());
                             EXPECT_EQ(context.controlType, control->tvkControlType());
-                            EXPECT_EQ(context.emulationMode, emulation);
+                            EXPECT_EQ(context.emulationMode, std::optional(emulation));
                             EXPECT_FALSE(
                                 describeAction(*control->action(), Detail::Short).isEmpty())
                                 << control->name().toStdString() << " mode " << mode;
@@ -329,15 +333,18 @@ TEST_F(ActionDescriptionTest, MouseEmulationBuiltInSurfaceAndDisplayActions)
     EXPECT_EQ(full(TVKButtonMouseAction(7u, nullptr)), QStringLiteral("Vertical Scroll Wheel"));
 
     const TVKButtonEmulationAction play(nullptr, 0, 3, true, false);
-    EXPECT_EQ(brief(play, ControlType::Button, 1), QStringLiteral("Transport · Play"));
-    EXPECT_EQ(full(play, ControlType::Button, 1), QStringLiteral("Mode A · Transport · Play"));
-    EXPECT_EQ(full(TVKButtonEmulationAction(nullptr, 16, 4, false, false), ControlType::Button, 3),
+    EXPECT_EQ(brief(play, ControlType::Button, EmulationMode::A),
+              QStringLiteral("Transport · Play"));
+    EXPECT_EQ(full(play, ControlType::Button, EmulationMode::A),
+              QStringLiteral("Mode A · Transport · Play"));
+    EXPECT_EQ(full(TVKButtonEmulationAction(nullptr, 16, 4, false, false), ControlType::Button,
+                   EmulationMode::C),
               QStringLiteral("Mode C · Solo 5"));
     EXPECT_EQ(brief(TVKButtonEmulationAction(nullptr, 3, 1, true, false)),
               QStringLiteral("Bank change · Bank right"));
     EXPECT_EQ(brief(TVKEncoderEmulationAction(nullptr, 2, 0, false, true)),
               QStringLiteral("Display scroll"));
-    EXPECT_EQ(full(TVKJogEmulationAction(nullptr, 7u), ControlType::Jog, 3),
+    EXPECT_EQ(full(TVKJogEmulationAction(nullptr, 7u), ControlType::Jog, EmulationMode::C),
               QStringLiteral("Mode C · Jog · speed 7"));
 
     const TVKButtonBuiltInAction record(nullptr, 0u, false, 0, 1, QStringLiteral("Transport"),
@@ -354,7 +361,7 @@ TEST_F(ActionDescriptionTest, MouseEmulationBuiltInSurfaceAndDisplayActions)
         nullptr, 2u, QStringLiteral("Record"), QStringLiteral("Arm it"), QString(), QString());
     EXPECT_EQ(brief(text), QStringLiteral("Record / Arm it"));
     EXPECT_EQ(full(text), QStringLiteral("Text “Record / Arm it”"));
-    EXPECT_EQ(full(CorvaneButtonDisplayMidiEmulationAction(nullptr, 2u), -1, 2),
+    EXPECT_EQ(full(CorvaneButtonDisplayMidiEmulationAction(nullptr, 2u), -1, EmulationMode::B),
               QStringLiteral("Mode B · Emulation status"));
 }
 

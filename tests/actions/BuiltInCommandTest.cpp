@@ -9,6 +9,7 @@
 #include "core/NotificationCenter.h"
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
@@ -255,8 +256,8 @@ TEST_F(BuiltInEditorTest, ChoosingCommandsMakesOrUpdatesTheAction)
     EXPECT_EQ(action->sequence()[0].keyCode(), 0x2Cu);
     PlistValue stored = PlistValue::makeDict();
     action->writeTo(stored);
-    EXPECT_EQ(stored.value(u"TVKKeySeq").at(0).value(u"TVKKCode").toInteger(), 0x2C);
-    EXPECT_FALSE(stored.value(u"TVKKeySeq").at(0).contains(u"TVKChar"));
+    EXPECT_EQ(stored.value(key::KeySeq).at(0).value(key::KCode).toInteger(), 0x2C);
+    EXPECT_FALSE(stored.value(key::KeySeq).at(0).contains(key::Char));
     EXPECT_EQ(stored.value(u"CommandName").toString(), QStringLiteral("Render"));
 
     // A new procedure action carries a zero keystroke.

@@ -182,7 +182,7 @@ TEST(DescribeEveryKind, KeysetFileDescribedByTheKeysetTool)
         CorvaneModelData model;
         TVKKeyset* keyset = model.selectedKeyset();
         keyset->setName(QStringLiteral("Every Kind"));
-        keyset->setEmulationMode(1);
+        keyset->setEmulationMode(corvane::EmulationMode::A);
         assignEveryKind(*keyset);
         corvane::PlistValue dict = corvane::PlistValue::makeDict();
         keyset->writeTo(dict);

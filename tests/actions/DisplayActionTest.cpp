@@ -128,11 +128,11 @@ TEST_F(DisplayActionTest, TextsFollowTheEmulationMode)
     EXPECT_EQ(timecode.text(), QStringLiteral("01:00:00:00"));
     EXPECT_EQ(status.text(), QStringLiteral("Emulate\nMode B"));
 
-    keyset->setEmulationMode(1);
+    keyset->setEmulationMode(corvane::EmulationMode::A);
     EXPECT_EQ(timecode.actionDescriptor(), QStringLiteral("Emulation: Mode A Timecode Display"));
     EXPECT_EQ(status.text(), QStringLiteral("Emulate\nMode A"));
     EXPECT_EQ(status.actionDescriptor(), QStringLiteral("Emulate Mode A Display"));
-    keyset->setEmulationMode(3);
+    keyset->setEmulationMode(corvane::EmulationMode::C);
     EXPECT_EQ(timecode.actionDescriptor(), QStringLiteral("Emulation: Mode B Timecode Display"));
 
     // The timecode reads the selected keyset; the status line its own control's keyset.
@@ -144,7 +144,7 @@ TEST_F(DisplayActionTest, TextsFollowTheEmulationMode)
 
 TEST_F(DisplayActionTest, LayerDefaultsInEmulationMode)
 {
-    layer->setAllControlsToActionMode(2);
+    layer->setAllControlsToActionMode(corvane::ActionMode::Emulation);
     const auto* jog = dynamic_cast<const TVKJogEmulationAction*>(control(1, 5)->action());
     ASSERT_TRUE(jog);
     EXPECT_EQ(jog->jogSpeed(), 0u);

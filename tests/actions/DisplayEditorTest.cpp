@@ -190,7 +190,7 @@ TEST_F(DisplayEditorTest, EmulatedDisplaySourcesAndTheKeysetsMode)
     editor.setStateChangedHandler([&] { ++redraws; });
     editor.updateForNewAction();
     EXPECT_EQ(editor.source(), DisplayEmulationEditor::kNoSource);
-    EXPECT_EQ(editor.emulationMode(), 0);
+    EXPECT_EQ(editor.emulationMode(), EmulationMode::None);
     EXPECT_FALSE(editor.setSource(DisplayEmulationEditor::kNoSource, lcd)) << "nothing to remove";
     EXPECT_FALSE(editor.setTimecodeShown(true, lcd)) << "not a timecode display";
 
@@ -207,9 +207,9 @@ TEST_F(DisplayEditorTest, EmulatedDisplaySourcesAndTheKeysetsMode)
 
     // The mode line follows the keyset's emulation mode as the menu sets it.
     const int before = redraws;
-    model->selectedKeyset()->setEmulationMode(2);
+    model->selectedKeyset()->setEmulationMode(EmulationMode::B);
     NotificationCenter::defaultCenter().post(note::EmulChg{});
-    EXPECT_EQ(editor.emulationMode(), 2);
+    EXPECT_EQ(editor.emulationMode(), EmulationMode::B);
     EXPECT_EQ(redraws, before + 1);
 
     TVKControl* timecode = displaysOfType({ControlType::TimecodeDisplay}).front();

@@ -506,7 +506,7 @@ class EmulationEditorTest : public ::testing::Test
 {
 protected:
     void SetUp() override { model = std::make_unique<CorvaneModelData>(); }
-    void setMode(uint mode) { model->selectedKeyset()->setEmulationMode(mode); }
+    void setMode(EmulationMode mode) { model->selectedKeyset()->setEmulationMode(mode); }
 
     std::unique_ptr<CorvaneModelData> model;
     TVKActionContainer container;
@@ -516,7 +516,7 @@ TEST_F(EmulationEditorTest, ButtonGroupsNamedAndNumbered)
 {
     EmulationActionEditor editor(container, EmulationActionEditor::Button);
     auto& c = editor.controls();
-    setMode(3);
+    setMode(EmulationMode::C);
     editor.updateForNewAction();
     EXPECT_EQ(c.groupMenu, EmulationActionEditor::GroupMenu::ModeC);
     EXPECT_EQ(editor.groupMenu(c.groupMenu).size(), 22);
@@ -577,7 +577,7 @@ TEST_F(EmulationEditorTest, ButtonGroupsNamedAndNumbered)
     editor.controlChanged(EmulationActionEditor::EmulateBox);
     EXPECT_TRUE(container.isEmpty());
 
-    setMode(1);
+    setMode(EmulationMode::A);
     editor.updateForNewAction();
     EXPECT_EQ(c.groupMenu, EmulationActionEditor::GroupMenu::ModeAB);
     EXPECT_FALSE(c.nameContainerVisible || c.numberContainerVisible);
@@ -613,7 +613,7 @@ TEST_F(EmulationEditorTest, JogSpeedFollowsModeC)
     EXPECT_EQ(held<TVKJogEmulationAction>(container)->jogSpeed(), 1u) << "outside mode C";
     EXPECT_FALSE(c.modeCContainerVisible);
 
-    setMode(3);
+    setMode(EmulationMode::C);
     NotificationCenter::defaultCenter().post(corvane::note::EmulChg{});
     EXPECT_TRUE(c.modeCContainerVisible);
     EXPECT_EQ(c.speedSlider, 1) << "the slider shows the held action's speed in mode C";
@@ -625,7 +625,7 @@ TEST_F(EmulationEditorTest, JogSpeedFollowsModeC)
     EXPECT_EQ(c.speedSlider, 6);
 
     // Locking or unlocking the keyset shows the action again.
-    setMode(0);
+    setMode(EmulationMode::None);
     NotificationCenter::defaultCenter().post(corvane::note::LockStateChange{});
     EXPECT_FALSE(c.modeCContainerVisible);
     EXPECT_EQ(redraws, 5) << "three operations asked for, two notifications";

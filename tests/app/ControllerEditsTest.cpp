@@ -65,7 +65,8 @@ protected:
 
 TEST_F(EditTest, LatchOnOneLayerAndOnAllLayersIsOneUndoStepEach)
 {
-    const auto button = find([](TVKControl* c) { return c->tvkControlType() == 0; });
+    const auto button =
+        find([](TVKControl* c) { return c->tvkControlType() == corvane::ControlType::Button; });
     select(button);
     control(2, button)->setLatched(true);
     const qsizetype from = mark();
@@ -96,7 +97,8 @@ TEST_F(EditTest, ColoursSkipControlsWithoutOneButStillRegisterAStep)
     const auto lit =
         find([](TVKControl* c) { return dynamic_cast<TVKMultiColorButtonControl*>(c); });
     const auto plain = find([](TVKControl* c) {
-        return c->tvkControlType() == 0 && !dynamic_cast<TVKMultiColorButtonControl*>(c);
+        return c->tvkControlType() == corvane::ControlType::Button &&
+               !dynamic_cast<TVKMultiColorButtonControl*>(c);
     });
     NoticeRecorder<note::DispColorChange> shownColours;
     const auto& shown = shownColours.posted;
@@ -132,9 +134,11 @@ TEST_F(EditTest, ColoursSkipControlsWithoutOneButStillRegisterAStep)
 
 TEST_F(EditTest, ActionsAreInsertedAndDeletedOnOneOrAllLayersAndUndone)
 {
-    const auto button = find([](TVKControl* c) { return c->tvkControlType() == 0; });
+    const auto button =
+        find([](TVKControl* c) { return c->tvkControlType() == corvane::ControlType::Button; });
     const auto other = find([&](TVKControl* c) {
-        return c->tvkControlType() == 0 && std::pair(c->groupID(), c->index()) != button;
+        return c->tvkControlType() == corvane::ControlType::Button &&
+               std::pair(c->groupID(), c->index()) != button;
     });
     select(button);
     TVKButtonMIDIAction edited(control(0, button));
@@ -207,7 +211,8 @@ TEST_F(EditTest, DisplayActionsAndTheUndoableOnesOfNone)
     EXPECT_TRUE(serviceInStep());
 
     // Names, brightness and sensitivities change without an undo step.
-    const auto button = find([](TVKControl* c) { return c->tvkControlType() == 0; });
+    const auto button =
+        find([](TVKControl* c) { return c->tvkControlType() == corvane::ControlType::Button; });
     select(button);
     const int steps = controller->undoManager().stack().count();
     from = mark();
@@ -222,7 +227,8 @@ TEST_F(EditTest, DisplayActionsAndTheUndoableOnesOfNone)
 TEST_F(EditTest, SensitivitiesChangeOnlyControlsThatHaveThem)
 {
     const auto jog = find([](TVKControl* c) { return dynamic_cast<TVKJogControl*>(c); });
-    const auto button = find([](TVKControl* c) { return c->tvkControlType() == 0; });
+    const auto button =
+        find([](TVKControl* c) { return c->tvkControlType() == corvane::ControlType::Button; });
     select(jog);
     qsizetype from = mark();
     post(note::JogSensChange{7, true});

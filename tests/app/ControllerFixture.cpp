@@ -1,12 +1,15 @@
 #include "ControllerFixture.h"
 
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 
 #include <QFile>
 #include <QGuiApplication>
+
+namespace key = corvane::key;
 
 namespace corvane::test {
 
@@ -29,10 +32,10 @@ PlistValue readablePart(const PlistValue& keysets)
     for (qsizetype k = 0; k < keysets.size(); ++k) {
         PlistValue keyset = keysets.at(k);
         PlistValue layers = PlistValue::makeArray();
-        const PlistValue& archivedLayers = keyset.value(u"TVKLayers");
+        const PlistValue& archivedLayers = keyset.value(key::Layers);
         for (qsizetype l = 0; l < archivedLayers.size(); ++l) {
             PlistValue layer = archivedLayers.at(l);
-            const PlistValue& archivedGroups = layer.value(u"TVKGroups");
+            const PlistValue& archivedGroups = layer.value(key::Groups);
             PlistValue groups = PlistValue::makeArray();
             for (qsizetype g = 0; g < archivedGroups.size(); ++g) {
                 const PlistValue& group = archivedGroups.at(g);
@@ -45,10 +48,10 @@ PlistValue readablePart(const PlistValue& keysets)
                     groups.append(group);
                 }
             }
-            layer.insert(QStringLiteral("TVKGroups"), std::move(groups));
+            layer.insert(key::Groups, std::move(groups));
             layers.append(std::move(layer));
         }
-        keyset.insert(QStringLiteral("TVKLayers"), std::move(layers));
+        keyset.insert(key::Layers, std::move(layers));
         result.append(std::move(keyset));
     }
     return result;
@@ -57,11 +60,11 @@ PlistValue readablePart(const PlistValue& keysets)
 PlistValue servicePart(const PlistValue& configuration)
 {
     PlistValue part = PlistValue::makeDict();
-    for (const char16_t* key : {u"TVKHasOwnerKS", u"TVKOwnKSBID", u"TVKOwnKSSig"}) {
-        if (configuration.contains(key))
-            part.insert(QString::fromUtf16(key), configuration.value(key));
+    for (const QString& name : {key::HasOwnerKS, key::OwnKSBID, key::OwnKSSig}) {
+        if (configuration.contains(name))
+            part.insert(name, configuration.value(name));
     }
-    part.insert(QStringLiteral("TVKKeysets"), readablePart(configuration.value(u"TVKKeysets")));
+    part.insert(key::Keysets, readablePart(configuration.value(key::Keysets)));
     return part;
 }
 
@@ -92,7 +95,7 @@ void ControllerTest::storeConfiguration(const TVKModelData& model, const PlistVa
     TVKUserDefaults store(storePath);
     PlistValue dict = PlistValue::makeDict();
     model.writeTo(dict);
-    store.setObject(QStringLiteral("TVKModelData"), std::move(dict));
+    store.setObject(key::ModelData, std::move(dict));
     if (globals.isDict()) {
         for (const QString& key : globals.keys())
             store.setObject(key, globals.value(key));

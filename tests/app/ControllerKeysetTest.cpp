@@ -5,6 +5,7 @@
 #include "core/PlistCodec.h"
 #include "model/CorvaneKeyset.h"
 #include "model/CorvaneModelData.h"
+#include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 
 #include <QAction>
@@ -148,7 +149,7 @@ TEST_F(KeysetCommandTest, KeysetSwapsUndoAndRedoWithTheServiceInStep)
     c().handleCopyKeyset();
     c().setSelectedKeyset(3);
     TVKKeyset* grader = c().modelData()->keysetAtIndex(3);
-    grader->setEmulationMode(1);
+    grader->setEmulationMode(corvane::EmulationMode::A);
 
     struct Step
     {
@@ -158,8 +159,10 @@ TEST_F(KeysetCommandTest, KeysetSwapsUndoAndRedoWithTheServiceInStep)
     const std::vector<Step> steps = {
         {[&] { c().handlePasteKeyset(); }, QStringLiteral("Paste Keyset")},
         {[&] { c().handleClearKeyset(); }, QStringLiteral("Clear Keyset")},
-        {[&] { c().handleSetAllMenuItems(1); }, QStringLiteral("Set All Controls to Native MIDI")},
-        {[&] { c().handleEmulationMenu(0); }, QStringLiteral("Disable Emulation")},
+        {[&] { c().handleSetAllMenuItems(corvane::ActionMode::NativeMIDI); },
+         QStringLiteral("Set All Controls to Native MIDI")},
+        {[&] { c().handleEmulationMenu(qint64(corvane::EmulationMode::None)); },
+         QStringLiteral("Disable Emulation")},
     };
     for (const Step& step : steps) {
         SCOPED_TRACE(step.name.toStdString());
@@ -293,7 +296,7 @@ TEST_F(KeysetCommandTest, MenuItemsFollowTheSelectedKeysetAndItsLock)
     ASSERT_TRUE(waitForCount(QStringLiteral("TChO"), 2, from));
     EXPECT_FALSE(c().modelData()->controlSurfaceHasOwnerKeyset());
 
-    c().handleEmulationMenu(2);
+    c().handleEmulationMenu(qint64(corvane::EmulationMode::B));
     EXPECT_TRUE(item(TVKMenuCommand::HandleSetAllMenuItems, 2)->isEnabled());
     EXPECT_TRUE(item(TVKMenuCommand::HandleEmulationMenu, 2)->isChecked());
     ASSERT_TRUE(waitForCount(QStringLiteral("Emul"), 1, from));

@@ -1,4 +1,5 @@
 #include "ControllerFixture.h"
+#include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKKeyset.h"
@@ -118,7 +119,7 @@ TEST_F(ControllerTest, ApplicationPortIsChosenSavedAndSent)
     ASSERT_TRUE(waitForCount(QStringLiteral("ApEP"), 1, from));
     // The only save besides quitting.
     const TVKUserDefaults store(storePath);
-    EXPECT_TRUE(CorvaneModelData(store.objectForKey(u"TVKModelData"))
+    EXPECT_TRUE(CorvaneModelData(store.objectForKey(key::ModelData))
                     .keysetAtIndex(1)
                     ->connectViaEthernet());
     EXPECT_TRUE(serviceInStep());

@@ -4,10 +4,12 @@
 #include "core/Log.h"
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKKeyset.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -118,6 +120,56 @@ TEST_F(ControllerTest, UnreadableStoreIsMovedAsideAndNeverWrittenOver)
     EXPECT_EQ(TVKUserDefaults(storePath).state(), TVKUserDefaults::State::Loaded);
 }
 
+TEST_F(ControllerTest, DamagedFilesGoAsideBesideEarlierOnesWithoutReplacingThem)
+{
+    // Two damaged starts within the same second: the names the first used are taken. Every
+    // stamp the start could use is taken here, so each file needs a name of its own.
+    QDir().mkpath(QFileInfo(storePath).path());
+    const QString journalPath = TVKRecoveryJournal::pathBeside(storePath);
+    const QDateTime now = QDateTime::currentDateTime();
+    QStringList earlier;
+    for (int second = -1; second <= 30; ++second) {
+        const QString stamp = now.addSecs(second).toString(QStringLiteral("yyyyMMdd-hhmmss"));
+        for (const QString& path : {storePath, journalPath})
+            earlier << path + QStringLiteral(".unreadable-") + stamp;
+    }
+    const auto put = [](const QString& path, const QByteArray& bytes) {
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+    };
+    for (const QString& path : earlier)
+        ASSERT_TRUE(put(path, "earlier"));
+    const QByteArray damagedStore = "<?xml version=\"1.0\"?><plist><dict><key>TVKModelData";
+    const QByteArray damagedJournal = "not a journal at all";
+    ASSERT_TRUE(put(storePath, damagedStore));
+    ASSERT_TRUE(put(journalPath, damagedJournal));
+
+    CorvaneController& c = startController();
+    ASSERT_EQ(views.alerts.size(), 1u);
+    for (const QString& path : earlier) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+        EXPECT_EQ(file.readAll(), "earlier") << path.toStdString();
+    }
+    const QDir folder(QFileInfo(storePath).path());
+    QMap<QByteArray, QStringList> moved;
+    for (const QString& name : folder.entryList({QStringLiteral("*.unreadable-*")}, QDir::Files)) {
+        if (earlier.contains(folder.filePath(name)))
+            continue;
+        QFile file(folder.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        moved[file.readAll()] << name;
+    }
+    ASSERT_EQ(moved.value(damagedStore).size(), 1) << "the store, once";
+    EXPECT_TRUE(views.alerts[0].informativeText.contains(moved.value(damagedStore).first()));
+    EXPECT_EQ(moved.value(damagedJournal).size(), 1) << "the journal, once";
+    EXPECT_EQ(moved.size(), 2);
+    EXPECT_EQ(c.modelData()->numberOfKeysets(), 1);
+    c.handleTerminateMessage();
+    EXPECT_EQ(TVKUserDefaults(storePath).state(), TVKUserDefaults::State::Loaded);
+    EXPECT_TRUE(TVKRecoveryJournal(journalPath).read().error.isEmpty());
+}
+
 TEST_F(ControllerTest, QuittingWritesTheConfigurationAndTheGlobalSettings)
 {
     CorvaneController& c = startController();
@@ -128,17 +180,17 @@ TEST_F(ControllerTest, QuittingWritesTheConfigurationAndTheGlobalSettings)
     c.handleTerminateMessage(); // once only
     const TVKUserDefaults store(storePath);
     ASSERT_EQ(store.state(), TVKUserDefaults::State::Loaded);
-    EXPECT_EQ(CorvaneModelData(store.objectForKey(u"TVKModelData")).numberOfKeysets(), 2);
-    EXPECT_EQ(store.objectForKey(u"TVKIPAdr").toString(), QStringLiteral("10.0.0.7"));
-    EXPECT_EQ(store.objectForKey(u"TVKEnetPrt").toInteger(), 4321);
-    EXPECT_EQ(store.objectForKey(u"TVKStandaloneTLW").toInteger(), 0);
+    EXPECT_EQ(CorvaneModelData(store.objectForKey(key::ModelData)).numberOfKeysets(), 2);
+    EXPECT_EQ(store.objectForKey(key::IPAdr).toString(), QStringLiteral("10.0.0.7"));
+    EXPECT_EQ(store.objectForKey(key::EnetPrt).toInteger(), 4321);
+    EXPECT_EQ(store.objectForKey(key::StandaloneTLW).toInteger(), 0);
 }
 
 TEST_F(ControllerTest, StandaloneTLWInTheStoreAloneDoesNotOpenItsWindow)
 {
     PlistValue globals = PlistValue::makeDict();
-    globals.insert(QStringLiteral("TVKStandaloneTLW"), PlistValue(qint64(1)));
-    globals.insert(QStringLiteral("TVKStandaloneTL"), PlistValue(qint64(1)));
+    globals.insert(key::StandaloneTLW, PlistValue(qint64(1)));
+    globals.insert(key::StandaloneTL, PlistValue(qint64(1)));
     storeConfiguration(CorvaneModelData(), globals);
     CorvaneController& c = startController();
     c.windowDidBecomeKey(TVKWindow::Main);
@@ -245,7 +297,7 @@ TEST_F(ControllerTest, KilledAfterEditsTheNextStartRecoversEveryOne)
     }
     const PlistValue edited = readConfiguration(before);
     ASSERT_TRUE(edited.isDict());
-    EXPECT_NE(servicePart(edited), servicePart(readConfiguration(storePath).value(u"TVKModelData")))
+    EXPECT_NE(servicePart(edited), servicePart(readConfiguration(storePath).value(key::ModelData)))
         << "the store was not written before the kill";
 
     const QString after = home.path() + QStringLiteral("/after.plist");
@@ -255,12 +307,12 @@ TEST_F(ControllerTest, KilledAfterEditsTheNextStartRecoversEveryOne)
     EXPECT_TRUE(second.lines().filter(QStringLiteral("alert Unsaved Edits Recovered")).size() == 1)
         << second.lines().join(u'\n').toStdString();
     const PlistValue recovered = readConfiguration(after);
-    EXPECT_EQ(readablePart(recovered.value(u"TVKKeysets")),
-              readablePart(edited.value(u"TVKKeysets")));
+    EXPECT_EQ(readablePart(recovered.value(key::Keysets)),
+              readablePart(edited.value(key::Keysets)));
     // Made safe at once: the store holds it and the journal starts again.
     EXPECT_EQ(
-        readablePart(TVKUserDefaults(storePath).objectForKey(u"TVKModelData").value(u"TVKKeysets")),
-        readablePart(edited.value(u"TVKKeysets")));
+        readablePart(TVKUserDefaults(storePath).objectForKey(key::ModelData).value(key::Keysets)),
+        readablePart(edited.value(key::Keysets)));
     EXPECT_TRUE(
         TVKRecoveryJournal(TVKRecoveryJournal::pathBeside(storePath)).read().records.empty());
 }
@@ -279,8 +331,8 @@ TEST_F(ControllerTest, TerminationSignalsWriteTheStoreOnceAndExitCleanly)
         ASSERT_TRUE(driver.process().waitForFinished(10000));
         EXPECT_EQ(driver.process().exitStatus(), QProcess::NormalExit);
         EXPECT_EQ(driver.process().exitCode(), 0);
-        EXPECT_EQ(TVKUserDefaults(storePath).objectForKey(u"TVKModelData").value(u"TVKKeysets"),
-                  readConfiguration(dump).value(u"TVKKeysets"));
+        EXPECT_EQ(TVKUserDefaults(storePath).objectForKey(key::ModelData).value(key::Keysets),
+                  readConfiguration(dump).value(key::Keysets));
         EXPECT_TRUE(
             TVKRecoveryJournal(TVKRecoveryJournal::pathBeside(storePath)).read().records.empty());
     }

@@ -1,11 +1,16 @@
 // The preference store over its file: what it keeps, and that a file it could not read survives.
+#include "core/MoveAside.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 using corvane::TVKUserDefaults;
@@ -33,13 +38,13 @@ TEST(UserDefaults, StoresAndReadsBackEveryKindOfValueInItsOwnFolder)
     const QString path = dir.filePath(QStringLiteral("Tavrik/com.tavrik.CorvaneRS.plist"));
     TVKUserDefaults store(path);
     EXPECT_EQ(store.state(), TVKUserDefaults::State::Missing);
-    EXPECT_TRUE(store.objectForKey(u"TVKIPAdr").isNull());
+    EXPECT_TRUE(store.objectForKey(key::IPAdr).isNull());
 
     PlistValue model = PlistValue::makeDict();
-    model.insert(QStringLiteral("TVKKeysets"), PlistValue::makeArray());
-    store.setObject(QStringLiteral("TVKModelData"), model);
-    store.setObject(QStringLiteral("TVKIPAdr"), PlistValue(QStringLiteral("10.0.0.7")));
-    store.setObject(QStringLiteral("TVKEnetPrt"), PlistValue(quint64(4000)));
+    model.insert(key::Keysets, PlistValue::makeArray());
+    store.setObject(key::ModelData, model);
+    store.setObject(key::IPAdr, PlistValue(QStringLiteral("10.0.0.7")));
+    store.setObject(key::EnetPrt, PlistValue(quint64(4000)));
     store.setObject(QStringLiteral("TVKGone"), PlistValue(true));
     store.removeObjectForKey(u"TVKGone");
     QString error;
@@ -47,15 +52,15 @@ TEST(UserDefaults, StoresAndReadsBackEveryKindOfValueInItsOwnFolder)
 
     const TVKUserDefaults again(path);
     EXPECT_EQ(again.state(), TVKUserDefaults::State::Loaded);
-    EXPECT_EQ(again.objectForKey(u"TVKModelData"), model);
-    EXPECT_EQ(again.objectForKey(u"TVKIPAdr").toString(), QStringLiteral("10.0.0.7"));
-    EXPECT_EQ(again.objectForKey(u"TVKEnetPrt").toUnsigned(0), 4000u);
+    EXPECT_EQ(again.objectForKey(key::ModelData), model);
+    EXPECT_EQ(again.objectForKey(key::IPAdr).toString(), QStringLiteral("10.0.0.7"));
+    EXPECT_EQ(again.objectForKey(key::EnetPrt).toUnsigned(0), 4000u);
     EXPECT_FALSE(again.dictionary().contains(u"TVKGone"));
 
     // Unsynchronized changes are dropped by reading the file again.
-    store.setObject(QStringLiteral("TVKIPAdr"), PlistValue(QStringLiteral("1.2.3.4")));
+    store.setObject(key::IPAdr, PlistValue(QStringLiteral("1.2.3.4")));
     EXPECT_EQ(store.reload(), TVKUserDefaults::State::Loaded);
-    EXPECT_EQ(store.objectForKey(u"TVKIPAdr").toString(), QStringLiteral("10.0.0.7"));
+    EXPECT_EQ(store.objectForKey(key::IPAdr).toString(), QStringLiteral("10.0.0.7"));
 }
 
 TEST(UserDefaults, AFileThatCannotBeReadIsNeverOverwrittenOnlyMovedAside)
@@ -73,7 +78,7 @@ TEST(UserDefaults, AFileThatCannotBeReadIsNeverOverwrittenOnlyMovedAside)
         EXPECT_EQ(store.state(), TVKUserDefaults::State::Unreadable) << bytes.constData();
         EXPECT_TRUE(store.error().startsWith(path)) << store.error().toStdString();
 
-        store.setObject(QStringLiteral("TVKIPAdr"), PlistValue(QStringLiteral("10.0.0.7")));
+        store.setObject(key::IPAdr, PlistValue(QStringLiteral("10.0.0.7")));
         QString error;
         EXPECT_FALSE(store.synchronize(&error));
         EXPECT_FALSE(error.isEmpty());
@@ -91,6 +96,35 @@ TEST(UserDefaults, AFileThatCannotBeReadIsNeverOverwrittenOnlyMovedAside)
     }
     // Three files moved aside within the same second keep names of their own.
     EXPECT_EQ(QDir(dir.path()).entryList({QStringLiteral("store.plist.unreadable-*")}).size(), 3);
+}
+
+TEST(UserDefaults, MovingAsideNeverReplacesAFileAlreadyThere)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("journal"));
+    const QDateTime when(QDate(2026, 3, 4), QTime(5, 6, 7));
+    const QString first = path + QStringLiteral(".unreadable-20260304-050607");
+    // Taken: a file from an earlier damage in the same second, and a link pointing nowhere.
+    put(first, "earlier");
+    ASSERT_TRUE(QFile::link(dir.filePath(QStringLiteral("gone")), first + QStringLiteral("-2")));
+
+    put(path, "damaged");
+    QString error;
+    const QString aside = corvane::moveFileAside(path, &error, when);
+    EXPECT_EQ(aside, first + QStringLiteral("-3")) << error.toStdString();
+    EXPECT_EQ(contents(aside), "damaged");
+    EXPECT_EQ(contents(first), "earlier");
+    EXPECT_FALSE(QFile::exists(path));
+    EXPECT_TRUE(QFileInfo(first + QStringLiteral("-2")).isSymLink());
+
+    put(path, "again");
+    EXPECT_EQ(corvane::moveFileAside(path, nullptr, when), first + QStringLiteral("-4"));
+    EXPECT_EQ(contents(first + QStringLiteral("-4")), "again");
+
+    // What cannot be moved says so and leaves everything where it was.
+    EXPECT_TRUE(corvane::moveFileAside(path, &error, when).isNull());
+    EXPECT_TRUE(error.startsWith(path)) << error.toStdString();
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::System).size(), 4);
 }
 
 TEST(UserDefaults, DefaultPathFollowsTheDesktopsConfigurationFolder)

@@ -40,15 +40,15 @@ protected:
         modelData->setHasOwnerKeyset(true, QStringLiteral("com.apple.mail"), fourCC("MAIL"));
 
         auto* mail = static_cast<CorvaneKeyset*>(modelData->keysetAtIndex(1));
-        mail->setEmulationMode(2);
+        mail->setEmulationMode(corvane::EmulationMode::B);
         mail->setOneTouchRecord(true);
         mail->setConnectViaEthernet(true);
         mail->setEthernetPort(50123);
         mail->setLocked(true);
         mail->setReverseRBButtons(true);
-        mail->setAllControlsToActionMode(0);
-        mail->layerAtIndex(1)->setAllControlsToActionMode(1);
-        mail->layerAtIndex(2)->setAllControlsToActionMode(2);
+        mail->setAllControlsToActionMode(corvane::ActionMode::Developer);
+        mail->layerAtIndex(1)->setAllControlsToActionMode(corvane::ActionMode::NativeMIDI);
+        mail->layerAtIndex(2)->setAllControlsToActionMode(corvane::ActionMode::Emulation);
         // Only the surface's eight TLW2 encoders and switches are stored; the layers' others
         // are made afresh on reading, so keep them at their defaults here.
         for (const auto& layer : mail->layers()) {
@@ -176,7 +176,7 @@ TEST_F(ArchiveTest, EachRepairIsReportedAndTheGapsFilledFromTheTables)
 {
     CorvaneModelData source;
     source.keysetAtIndex(0)->setName(QStringLiteral("Broken"));
-    source.keysetAtIndex(0)->setAllControlsToActionMode(0);
+    source.keysetAtIndex(0)->setAllControlsToActionMode(corvane::ActionMode::Developer);
     PlistValue archive = archiveOf(source);
     PlistValue* keyset = child(child(&archive, u"TVKKeysets"), 0);
     PlistValue* layers = child(keyset, u"TVKLayers");
@@ -268,7 +268,7 @@ TEST_F(ArchiveTest, ControlsBeyondTheSurfaceCountAreMadeAfresh)
 TEST_F(ArchiveTest, ValuesOfTheWrongKindTakeTheDefaults)
 {
     CorvaneModelData source;
-    source.keysetAtIndex(0)->setAllControlsToActionMode(3);
+    source.keysetAtIndex(0)->setAllControlsToActionMode(corvane::ActionMode::RawEthernet);
     const PlistValue good = archiveOf(source);
     const PlistValue text(QStringLiteral("nonsense"));
     const PlistValue list = PlistValue::makeArray();
@@ -388,7 +388,7 @@ TEST_F(ArchiveTest, MissingKeysTakeTheStatedDefaults)
     EXPECT_EQ(keyset->signature(), 0u);
     EXPECT_FALSE(keyset->hasBundleID());
     EXPECT_EQ(keyset->ethernetPort(), 0u);
-    EXPECT_EQ(keyset->emulationMode(), 0u);
+    EXPECT_EQ(keyset->emulationMode(), corvane::EmulationMode::None);
     EXPECT_FALSE(keyset->locked());
     EXPECT_FALSE(keyset->reverseRBButtons());
     EXPECT_TRUE(keyset->icon().isEmpty());

@@ -4,10 +4,13 @@
 #include "actions/TVKEmulationAction.h"
 #include "actions/TVKSpecialAction.h"
 #include "core/Log.h"
+#include "core/StoredKeys.h"
 #include "model/CorvaneKeyset.h"
 #include "model/TVKControl.h"
 #include "model/TVKDisplayControl.h"
 #include "model/TVKLayer.h"
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -98,13 +101,13 @@ TEST_F(ControlTest, ControlsWithoutAnEmulationAreLeftWithoutAction)
 {
     for (auto [group, index] : {std::pair{1, 6}, std::pair{11, 0}, std::pair{3, 0}}) {
         TVKControl* c = control(group, index);
-        c->setActionMode(0);
-        c->setActionMode(2);
+        c->setActionMode(corvane::ActionMode::Developer);
+        c->setActionMode(corvane::ActionMode::Emulation);
         EXPECT_EQ(c->action(), nullptr) << group << ":" << index;
     }
     // A mode outside 0..3 clears the action too.
     TVKControl* button = control(0, 1);
-    button->setActionMode(0);
+    button->setActionMode(corvane::ActionMode::Developer);
     button->setActionMode(7);
     EXPECT_EQ(button->action(), nullptr);
 }
@@ -119,7 +122,7 @@ TEST_F(ControlTest, DisplaysHaveNoActionInDeveloperOrRawEthernetMode)
     }
     // A display with no emulation row gets nothing in emulation mode.
     TVKControl* left = display(0, 3);
-    left->setActionMode(2);
+    left->setActionMode(corvane::ActionMode::Emulation);
     EXPECT_EQ(left->action(), nullptr);
     EXPECT_TRUE(line->isDisplay());
     EXPECT_FALSE(control(0, 0)->isDisplay());
@@ -229,48 +232,43 @@ TEST_F(ControlTest, SubclassSettingsRoundTripAndTakeDefaultsWhenMissing)
     struct Row
     {
         int group, index;
-        std::vector<std::pair<const char16_t*, int>> keys;
+        std::vector<std::pair<QString, int>> keys;
     };
     const Row rows[] = {
-        {0, 0, {{u"TVKLatch", 1}}},
-        {11, 0, {{u"TVKColor", 0}, {u"TVKBrightness", 10}}},
-        {1, 5, {{u"TVKJogSens", 64}}},
-        {24,
-         3,
-         {{u"TVKLatch", 0}, {u"TVKColor", 7}, {u"TVKOffColor", 7}, {u"TVKNVButtonGroup", -1}}},
+        {0, 0, {{key::Latch, 1}}},
+        {11, 0, {{key::Color, 0}, {key::Brightness, 10}}},
+        {1, 5, {{key::JogSens, 64}}},
+        {24, 3, {{key::Latch, 0}, {key::Color, 7}, {key::OffColor, 7}, {key::NVButtonGroup, -1}}},
     };
     for (const Row& row : rows) {
         TVKControl* c = control(row.group, row.index);
         PlistValue archive = PlistValue::makeDict();
         c->writeTo(archive);
-        EXPECT_EQ(archive.value(u"TVKName").toString(), c->name());
-        EXPECT_EQ(archive.value(u"TVKType").toInteger(), c->type());
-        EXPECT_FALSE(archive.contains(u"TVKAction"));
-        for (const auto& [key, defaultValue] : row.keys) {
-            if (QStringView(key) != u"TVKLatch") {
-                EXPECT_EQ(archive.value(key).toInteger(), defaultValue)
-                    << QStringView(key).toString().toStdString();
+        EXPECT_EQ(archive.value(key::Name).toString(), c->name());
+        EXPECT_EQ(archive.value(key::Type).toInteger(), c->type());
+        EXPECT_FALSE(archive.contains(key::Action));
+        for (const auto& [name, defaultValue] : row.keys) {
+            if (name != key::Latch) {
+                EXPECT_EQ(archive.value(name).toInteger(), defaultValue) << name.toStdString();
             }
-            archive.insert(QStringView(key).toString(), PlistValue(qint64(defaultValue + 3)));
+            archive.insert(name, PlistValue(qint64(defaultValue + 3)));
         }
         auto changed =
             m_keyset->layerAtIndex(0)->createControlFromArchive(archive, row.group, row.index);
         PlistValue rewritten = PlistValue::makeDict();
         changed->writeTo(rewritten);
-        for (const auto& [key, defaultValue] : row.keys) {
-            const qint64 expected = QStringView(key) == u"TVKLatch" ? 1 : defaultValue + 3;
-            EXPECT_EQ(rewritten.value(key).toInteger(), expected)
-                << QStringView(key).toString().toStdString();
-            archive.remove(key);
+        for (const auto& [name, defaultValue] : row.keys) {
+            const qint64 expected = name == key::Latch ? 1 : defaultValue + 3;
+            EXPECT_EQ(rewritten.value(name).toInteger(), expected) << name.toStdString();
+            archive.remove(name);
         }
         auto defaults =
             m_keyset->layerAtIndex(0)->createControlFromArchive(archive, row.group, row.index);
         PlistValue defaultArchive = PlistValue::makeDict();
         defaults->writeTo(defaultArchive);
-        for (const auto& [key, defaultValue] : row.keys) {
-            const qint64 expected = QStringView(key) == u"TVKLatch" ? 0 : defaultValue;
-            EXPECT_EQ(defaultArchive.value(key).toInteger(), expected)
-                << QStringView(key).toString().toStdString();
+        for (const auto& [name, defaultValue] : row.keys) {
+            const qint64 expected = name == key::Latch ? 0 : defaultValue;
+            EXPECT_EQ(defaultArchive.value(name).toInteger(), expected) << name.toStdString();
         }
     }
 }
@@ -306,7 +304,7 @@ TEST_F(ControlTest, MultiColourAndButtonDisplayCopies)
     framelet.setButtonGroup(4);
     PlistValue archive = PlistValue::makeDict();
     framelet.writeTo(archive);
-    EXPECT_EQ(archive.value(u"TVKFLButtonGroup").toInteger(), 4);
+    EXPECT_EQ(archive.value(key::FLButtonGroup).toInteger(), 4);
     const TVKFrameletLCDButtonControl reread(archive, nullptr, nullptr, nullptr, 0, 0);
     EXPECT_EQ(reread.buttonGroup(), 4);
     EXPECT_FALSE(reread.isSelected());
@@ -317,7 +315,7 @@ TEST_F(ControlTest, TheBaseControlHasNoActionTypes)
     corvane::LogCapture capture;
     TVKControl base(0, QStringLiteral("x"), nullptr, nullptr, nullptr, 0, 0);
     EXPECT_EQ(base.actionModeToActionType(0), 0);
-    base.setActionMode(0);
+    base.setActionMode(corvane::ActionMode::Developer);
     EXPECT_EQ(base.action(), nullptr);
     EXPECT_TRUE(capture.contains(
         QStringLiteral("TVKControl subclasses must override actionModeToActionType")));

@@ -3,11 +3,16 @@
 #include "actions/TVKSpecialAction.h"
 #include "core/Log.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "model/CorvaneKeyset.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKDisplayControl.h"
 #include "model/TVKLayer.h"
+
+namespace key = corvane::key;
+
+using corvane::EmulationMode;
 
 using corvane::fourCC;
 using corvane::PlistValue;
@@ -61,7 +66,7 @@ TEST_F(KeysetTest, NoBundleIDLeavesTheMissingSignatureAsTargetID)
     const CorvaneKeyset keyset(QStringLiteral("k"), fourCC("????"), std::nullopt, nullptr);
     EXPECT_EQ(keyset.targetID(), fourCC("????"));
     EXPECT_FALSE(keyset.hasBundleID());
-    EXPECT_FALSE(archiveOf(keyset).contains(u"TVKAppBID"));
+    EXPECT_FALSE(archiveOf(keyset).contains(key::AppBID));
 }
 
 TEST_F(KeysetTest, NoSignatureIsWrittenAsTheEmptyTextAndReadBackAsNone)
@@ -69,7 +74,7 @@ TEST_F(KeysetTest, NoSignatureIsWrittenAsTheEmptyTextAndReadBackAsNone)
     // Four NUL characters cannot stand in an XML document; the empty text can.
     const CorvaneKeyset keyset(QStringLiteral("k"), 0, QStringLiteral("org.example.k"), nullptr);
     const PlistValue archive = archiveOf(keyset);
-    EXPECT_EQ(archive.value(u"TVKSig").toString(), QLatin1String(""));
+    EXPECT_EQ(archive.value(key::Sig).toString(), QLatin1String(""));
     const QByteArray xml = corvane::PlistCodec::write(archive);
     EXPECT_FALSE(xml.contains("&#0;")) << xml.left(400).constData();
     const corvane::PlistReadResult read = corvane::PlistCodec::read(xml);
@@ -81,9 +86,9 @@ TEST_F(KeysetTest, ArchivedTargetIDIsTakenAsItIsAndMissingKeysTakeReaderDefaults
 {
     CorvaneKeyset first(QStringLiteral("Mail"), 0, QStringLiteral("com.apple.mail"), nullptr);
     PlistValue archive = archiveOf(first);
-    archive.insert(QStringLiteral("TVKAppTID"), PlistValue(QStringLiteral("zzzz")));
-    archive.remove(u"TVKEnetPrt");
-    archive.remove(u"TVKLock");
+    archive.insert(key::AppTID, PlistValue(QStringLiteral("zzzz")));
+    archive.remove(key::EnetPrt);
+    archive.remove(key::Lock);
     TVKKeyset::resetTargetIDs();
 
     const CorvaneKeyset reread(archive, nullptr);
@@ -94,7 +99,7 @@ TEST_F(KeysetTest, ArchivedTargetIDIsTakenAsItIsAndMissingKeysTakeReaderDefaults
     EXPECT_FALSE(reread.locked());
 
     // Without a stored target ID it is computed again, against the list that now holds "mail".
-    archive.remove(u"TVKAppTID");
+    archive.remove(key::AppTID);
     const CorvaneKeyset again(archive, nullptr);
     EXPECT_EQ(stringFromFourCharCode(again.targetID()), QStringLiteral("nbjm"));
 }
@@ -121,7 +126,7 @@ TEST_F(KeysetTest, CopyWithoutEmulationDropsEmulationLayerByLayer)
     modelData.addKeysetWithName(QStringLiteral("App"), 0, QStringLiteral("com.x.tool"),
                                 QByteArray("icon"));
     auto* source = static_cast<CorvaneKeyset*>(modelData.keysetAtIndex(1));
-    source->setEmulationMode(2);
+    source->setEmulationMode(EmulationMode::B);
     source->setLocked(true);
     source->setOneTouchRecord(true);
     source->setReverseRBButtons(true);
@@ -140,7 +145,7 @@ TEST_F(KeysetTest, CopyWithoutEmulationDropsEmulationLayerByLayer)
     auto copy = source->copyWithoutEmulation();
     ASSERT_NE(copy, nullptr);
     EXPECT_EQ(copy->owner(), &modelData);
-    EXPECT_EQ(copy->emulationMode(), 0u);
+    EXPECT_EQ(copy->emulationMode(), EmulationMode::None);
     EXPECT_TRUE(copy->locked());
     EXPECT_TRUE(copy->oneTouchRecord());
     EXPECT_EQ(copy->bundleID(), QStringLiteral("com.x.tool"));

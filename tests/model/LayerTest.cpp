@@ -3,6 +3,7 @@
 #include "core/Log.h"
 #include "core/NotificationCenter.h"
 #include "core/Notifications.h"
+#include "core/StoredKeys.h"
 #include "model/CorvaneKeyset.h"
 #include "model/CorvaneLayer.h"
 #include "model/CorvaneModelData.h"
@@ -11,6 +12,8 @@
 #include "model/TVKLayer.h"
 
 #include <typeinfo>
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 namespace ControlType = corvane::ControlType;
@@ -264,7 +267,7 @@ protected:
     {
         QStringList list;
         const PlistValue* dict = m_layer->corvaneNVGroupWithID(group);
-        const PlistValue& m = dict->value(u"TVKGrpMem");
+        const PlistValue& m = dict->value(key::GrpMem);
         for (qsizetype i = 0; i < m.size(); ++i)
             list << m.at(i).toString();
         return list;

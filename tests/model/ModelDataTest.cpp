@@ -1,12 +1,16 @@
 #include "ModelFixture.h"
 #include "actions/TVKSpecialAction.h"
 #include "core/Log.h"
+#include "core/StoredKeys.h"
 #include "model/CorvaneKeyset.h"
 #include "model/CorvaneLayer.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKLayer.h"
 
+namespace key = corvane::key;
+
+using corvane::EmulationMode;
 using corvane::fourCC;
 using corvane::PlistValue;
 
@@ -187,21 +191,21 @@ TEST_F(ModelDataTest, OwnerKeysAreWrittenOnlyWithAnOwner)
 {
     CorvaneModelData modelData;
     PlistValue archive = archiveOf(modelData);
-    EXPECT_FALSE(archive.contains(u"TVKOwnKSBID"));
-    EXPECT_FALSE(archive.contains(u"TVKOwnKSSig"));
-    EXPECT_EQ(archive.value(u"TVKHasOwnerKS"), PlistValue(false));
+    EXPECT_FALSE(archive.contains(key::OwnKSBID));
+    EXPECT_FALSE(archive.contains(key::OwnKSSig));
+    EXPECT_EQ(archive.value(key::HasOwnerKS), PlistValue(false));
 
     modelData.setHasOwnerKeyset(true, std::nullopt, fourCC("APPL"));
     archive = archiveOf(modelData);
-    EXPECT_FALSE(archive.contains(u"TVKOwnKSBID"));
-    EXPECT_EQ(archive.value(u"TVKOwnKSSig").toString(), QStringLiteral("APPL"));
+    EXPECT_FALSE(archive.contains(key::OwnKSBID));
+    EXPECT_EQ(archive.value(key::OwnKSSig).toString(), QStringLiteral("APPL"));
 
     modelData.setHasOwnerKeyset(true, QString(), fourCC("APPL"));
-    EXPECT_FALSE(archiveOf(modelData).contains(u"TVKOwnKSBID"));
+    EXPECT_FALSE(archiveOf(modelData).contains(key::OwnKSBID));
 
     modelData.setHasOwnerKeyset(true, QStringLiteral("com.x.app"), 0);
     archive = archiveOf(modelData);
-    EXPECT_EQ(archive.value(u"TVKOwnKSBID").toString(), QStringLiteral("com.x.app"));
+    EXPECT_EQ(archive.value(key::OwnKSBID).toString(), QStringLiteral("com.x.app"));
 
     CorvaneModelData reread(archive);
     EXPECT_TRUE(reread.controlSurfaceHasOwnerKeyset());
@@ -223,25 +227,25 @@ TEST_F(ModelDataTest, ArchivedKeysetListReplacesTheDefaultKeysetUnlessEmpty)
         EXPECT_EQ(three.keysetAtIndex(i)->name(), QStringLiteral("K%1").arg(i));
 
     // Entries that hold no keyset are dropped; with none readable the "Default" keyset stays.
-    PlistValue damaged = archive.value(u"TVKKeysets");
+    PlistValue damaged = archive.value(key::Keysets);
     damaged.set(1, PlistValue(QStringLiteral("K1")));
-    archive.insert(QStringLiteral("TVKKeysets"), damaged);
+    archive.insert(key::Keysets, damaged);
     CorvaneModelData two(archive);
     ASSERT_EQ(two.numberOfKeysets(), 2);
     EXPECT_EQ(two.keysetAtIndex(1)->name(), QStringLiteral("K2"));
     PlistValue unreadable = PlistValue::makeArray();
     unreadable.append(PlistValue(qint64(3)));
-    archive.insert(QStringLiteral("TVKKeysets"), unreadable);
+    archive.insert(key::Keysets, unreadable);
     CorvaneModelData none(archive);
     ASSERT_EQ(none.numberOfKeysets(), 1);
     EXPECT_EQ(none.keysetAtIndex(0)->name(), QStringLiteral("Default"));
 
-    archive.insert(QStringLiteral("TVKKeysets"), PlistValue::makeArray());
+    archive.insert(key::Keysets, PlistValue::makeArray());
     CorvaneModelData empty(archive);
     ASSERT_EQ(empty.numberOfKeysets(), 1);
     EXPECT_EQ(empty.keysetAtIndex(0)->name(), QStringLiteral("Default"));
 
-    archive.remove(u"TVKKeysets");
+    archive.remove(key::Keysets);
     CorvaneModelData missing(archive);
     ASSERT_EQ(missing.numberOfKeysets(), 1);
     EXPECT_EQ(TVKModelData::defaultModelData(), &missing);
@@ -293,7 +297,7 @@ TEST_F(ModelDataTest, PropertyCopyTakesSettingsButNotLockOrControls)
     modelData.addKeysetWithName(QStringLiteral("App"), 0, QStringLiteral("com.x.tool"),
                                 QByteArray("\x89PNG", 4));
     auto* source = static_cast<CorvaneKeyset*>(modelData.keysetAtIndex(1));
-    source->setEmulationMode(3);
+    source->setEmulationMode(EmulationMode::C);
     source->setOneTouchRecord(true);
     source->setConnectViaEthernet(true);
     source->setEthernetPort(50001);
@@ -307,7 +311,7 @@ TEST_F(ModelDataTest, PropertyCopyTakesSettingsButNotLockOrControls)
     EXPECT_EQ(copy->bundleID(), QStringLiteral("com.x.tool"));
     EXPECT_EQ(copy->targetID(), source->targetID());
     EXPECT_EQ(copy->icon(), source->icon());
-    EXPECT_EQ(copy->emulationMode(), 3u);
+    EXPECT_EQ(copy->emulationMode(), EmulationMode::C);
     EXPECT_TRUE(copy->oneTouchRecord());
     EXPECT_TRUE(copy->connectViaEthernet());
     EXPECT_EQ(copy->ethernetPort(), 50001u);

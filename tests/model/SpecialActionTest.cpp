@@ -4,7 +4,10 @@
 #include "actions/TVKSpecialAction.h"
 #include "actions/TVKStandardActionTypes.h"
 #include "core/Log.h"
+#include "core/StoredKeys.h"
 #include "model/TVKControl.h"
+
+namespace key = corvane::key;
 
 using corvane::fourCC;
 using corvane::PlistValue;
@@ -45,12 +48,12 @@ TEST_F(SpecialActionTest, ModesOutsideTheFunctionsAreNeverStored)
 
     for (qint64 stored : {qint64(11), qint64(-2), qint64(1) << 40}) {
         PlistValue archive = actionArchive(action);
-        archive.insert(QStringLiteral("TVKSpMode"), PlistValue(stored));
+        archive.insert(key::SpMode, PlistValue(stored));
         const TVKSpecialJogAction restored(archive, nullptr);
         EXPECT_EQ(restored.mode(), 0) << stored;
     }
     PlistValue textMode = actionArchive(action);
-    textMode.insert(QStringLiteral("TVKSpMode"), PlistValue(QStringLiteral("5")));
+    textMode.insert(key::SpMode, PlistValue(QStringLiteral("5")));
     EXPECT_EQ(TVKSpecialJogAction(textMode, nullptr).mode(), 0);
 }
 
@@ -75,7 +78,7 @@ TEST_F(SpecialActionTest, NullActionsAndTheContainer)
     EXPECT_EQ(noDisplay.actionType(), 9);
     EXPECT_EQ(none.editorTabID(), 0u);
     EXPECT_EQ(none.copyWithZone()->actionType(), 7);
-    EXPECT_EQ(actionArchive(noDisplay).value(u"TVKActnType").toInteger(), 9);
+    EXPECT_EQ(actionArchive(noDisplay).value(key::ActnType).toInteger(), 9);
     EXPECT_TRUE(capture.lines().isEmpty());
 
     TVKActionContainer container;

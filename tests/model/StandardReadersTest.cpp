@@ -4,6 +4,7 @@
 #include "ModelFixture.h"
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
@@ -11,6 +12,8 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+
+namespace key = corvane::key;
 
 using corvane::PlistCodec;
 using corvane::PlistValue;
@@ -61,7 +64,7 @@ TEST_F(StandardReadersTest, EveryDocumentWeWriteIsAcceptedByXmllintPlistutilAndP
     corvane::TVKUserDefaults store(dir.filePath(QStringLiteral("store.plist")));
     PlistValue configuration = PlistValue::makeDict();
     model.writeTo(configuration);
-    store.setObject(QStringLiteral("TVKModelData"), configuration);
+    store.setObject(key::ModelData, configuration);
     ASSERT_TRUE(store.synchronize());
     // A keyset file.
     const QString keysetFile = dir.filePath(QStringLiteral("keyset.CvKs"));
@@ -87,7 +90,7 @@ TEST_F(StandardReadersTest, EveryDocumentWeWriteIsAcceptedByXmllintPlistutilAndP
         const corvane::PlistReadResult read = PlistCodec::readFile(file);
         ASSERT_TRUE(read.ok) << read.error.toString().toStdString();
     }
-    const CorvaneModelData reread(store.objectForKey(u"TVKModelData"));
+    const CorvaneModelData reread(store.objectForKey(key::ModelData));
     EXPECT_EQ(reread.keysetAtIndex(1)->signature(), 0u);
     EXPECT_EQ(reread.ownerKeysetSignature(), 0u);
 }

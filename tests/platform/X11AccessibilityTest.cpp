@@ -15,6 +15,8 @@
 #include <QRect>
 #include <QTemporaryDir>
 #include <QThread>
+#include <array>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
@@ -249,7 +251,9 @@ TEST_F(X11AccessibilityTest, AFramedTerminalGivesAllSixFieldsFromItsDesktopEntry
     const QRect area = desktop.clientArea(xterm);
     const QByteArray extents = desktop.property(xterm, "_NET_FRAME_EXTENTS");
     ASSERT_EQ(extents.size(), 16) << "openbox frames its windows";
-    const auto* frame = reinterpret_cast<const uint32_t*>(extents.constData());
+    // Left, right, top, bottom, copied out of the bytes, which need not be aligned for them.
+    std::array<uint32_t, 4> frame{};
+    std::memcpy(frame.data(), extents.constData(), sizeof frame);
 
     TVKAXObjectInfo info;
     ASSERT_TRUE(TVKAXUtilities::getAXObjects(service, info, middleOf(area)));

@@ -82,15 +82,15 @@ TEST_F(MessagePortTest, ALiveNameIsRefusedAndAStaleOneTakenOver)
     ASSERT_EQ(::listen(busy, 0), 0);
     std::vector<int> queued;
     for (int i = 0; i < 16; ++i) {
-        const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0);
-        queued.push_back(fd);
-        if (::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
+        const int client = ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0);
+        queued.push_back(client);
+        if (::connect(client, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
             break; // the queue is full
     }
     EXPECT_FALSE(LocalMessagePort::create(QStringLiteral("TVK_Test"), nullptr));
     EXPECT_TRUE(QFile::exists(QString::fromLocal8Bit(path)));
-    for (const int fd : queued)
-        ::close(fd);
+    for (const int client : queued)
+        ::close(client);
     ::close(busy);
 }
 

@@ -2,6 +2,7 @@
 #include "actions/TVKAction.h"
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"
@@ -126,9 +127,9 @@ TEST_F(MessengerTest, EveryOutgoingMessageMatchesTheCatalogue)
     if (key->action())
         key->action()->writeTo(keyAction);
     PlistValue nullAction = PlistValue::makeDict();
-    nullAction.insert(QStringLiteral("TVKActnType"), PlistValue(7));
+    nullAction.insert(key::ActnType, PlistValue(7));
     PlistValue nullDisplayAction = PlistValue::makeDict();
-    nullDisplayAction.insert(QStringLiteral("TVKActnType"), PlistValue(9));
+    nullDisplayAction.insert(key::ActnType, PlistValue(9));
     PlistValue keysetDict = PlistValue::makeDict();
     keysetDict.insert(corvane::info::KeysetIndex, PlistValue(1));
     model->keysetAtIndex(0)->writeTo(keysetDict);
@@ -193,7 +194,7 @@ TEST_F(MessengerTest, EveryOutgoingMessageMatchesTheCatalogue)
     const auto keysetKey = corvane::info::KeysetIndex;
     const auto propertyKey = corvane::info::PropVal;
     const auto actionKey = corvane::info::ActionObject;
-    const auto owner = with(none, QStringLiteral("TVKHasOwnerKS"), PlistValue(1));
+    const auto owner = with(none, key::HasOwnerKS, PlistValue(1));
     const auto daw = PlistValue(QStringLiteral("DAWs"));
     const Dictionary dictionaries[] = {
         {"TAdK", [&] { return m.sendAddKeysetMessage(1, model->keysetAtIndex(0)); }, msg::TAdK,
@@ -211,7 +212,7 @@ TEST_F(MessengerTest, EveryOutgoingMessageMatchesTheCatalogue)
         {"InAc without action", [&] { return m.updateProperty(0, 0, 1, keyGroup, keyIndex); },
          messageID("InAc"), with(indices(0, 1, keyGroup, keyIndex), actionKey, nullAction)},
         {"ChLa", [&] { return m.updateProperty(1, 0, 0, keyGroup, keyIndex); }, messageID("ChLa"),
-         with(indices(0, 0, keyGroup, keyIndex), QStringLiteral("TVKLatch"), PlistValue(1))},
+         with(indices(0, 0, keyGroup, keyIndex), key::Latch, PlistValue(1))},
         {"ChCo lit button", [&] { return m.updateProperty(2, 0, 0, litGroup, litIndex); },
          messageID("ChCo"),
          with(indices(0, 0, litGroup, litIndex), corvane::info::Color, PlistValue(0x30))},
@@ -225,8 +226,7 @@ TEST_F(MessengerTest, EveryOutgoingMessageMatchesTheCatalogue)
         {"ChBr on a jog wheel", [&] { return m.updateProperty(3, 0, 0, jogGroup, jogIndex); },
          msg::MissingProperty, indices(0, 0, jogGroup, jogIndex)},
         {"ChUN", [&] { return m.updateProperty(4, 0, 0, keyGroup, keyIndex); }, messageID("ChUN"),
-         with(indices(0, 0, keyGroup, keyIndex), QStringLiteral("TVKUName"),
-              PlistValue(QStringLiteral("Play")))},
+         with(indices(0, 0, keyGroup, keyIndex), key::UName, PlistValue(QStringLiteral("Play")))},
         {"COfC", [&] { return m.updateProperty(5, 0, 0, litGroup, litIndex); }, messageID("COfC"),
          with(indices(0, 0, litGroup, litIndex), corvane::info::OffColor, PlistValue(3))},
         {"COfC trackball", [&] { return m.updateProperty(5, 0, 0, ballGroup, ballIndex); },
@@ -246,23 +246,22 @@ TEST_F(MessengerTest, EveryOutgoingMessageMatchesTheCatalogue)
                                             fourCC("DAWs"));
          },
          msg::TChO,
-         with(with(owner, QStringLiteral("TVKOwnKSBID"),
-                   PlistValue(QStringLiteral("org.example.daw"))),
-              QStringLiteral("TVKOwnKSSig"), daw)},
+         with(with(owner, key::OwnKSBID, PlistValue(QStringLiteral("org.example.daw"))),
+              key::OwnKSSig, daw)},
         {"TChO without bundle",
          [&] { return m.sendOwnerKeysetChange(true, QString(), fourCC("DAWs")); }, msg::TChO,
-         with(owner, QStringLiteral("TVKOwnKSSig"), daw)},
+         with(owner, key::OwnKSSig, daw)},
         {"TChO cleared",
          [&] { return m.sendOwnerKeysetChange(false, QStringLiteral("x"), fourCC("DAWs")); },
-         msg::TChO, with(none, QStringLiteral("TVKHasOwnerKS"), PlistValue(0))},
+         msg::TChO, with(none, key::HasOwnerKS, PlistValue(0))},
         {"TUNV", [&] { return m.sendUpdateCorvaneNVGroupsMessage(groups, 1); }, msg::TUNV,
-         with(with(none, QStringLiteral("TVKNVButtonGroups"), groups), keysetKey, PlistValue(1))},
+         with(with(none, key::NVButtonGroups, groups), keysetKey, PlistValue(1))},
         {"TUNB", [&] { return m.updateCorvaneNVLCDButtons(groups, PlistValue::makeArray(), 1, 2); },
          msg::TUNB,
          with(with(with(with(none, keysetKey, PlistValue(1)), corvane::info::LayerIndex,
                         PlistValue(2)),
-                   QStringLiteral("TVKLCDBtnList"), groups),
-              QStringLiteral("TVKLCDBtnDsplList"), PlistValue::makeArray())},
+                   key::LCDBtnList, groups),
+              key::LCDBtnDsplList, PlistValue::makeArray())},
     };
     for (const Dictionary& c : dictionaries) {
         const MessageFrame frame = sent(c.send, QString::fromUtf8(c.name));

@@ -2,6 +2,7 @@
 #include "core/FourCharCode.h"
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "model/CorvaneKeyset.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
@@ -227,7 +228,7 @@ TEST_F(ServiceSimulatorTest, TheMirrorFollowsEveryEdit)
     PlistValue stored = PlistValue::makeDict();
     PlistValue modelDict = PlistValue::makeDict();
     model->writeTo(modelDict);
-    stored.insert(QStringLiteral("TVKModelData"), modelDict);
+    stored.insert(key::ModelData, modelDict);
     ASSERT_TRUE(PlistCodec::writeFile(
         configHome + QStringLiteral("/Tavrik/com.tavrik.CorvaneRS.plist"), stored));
 
@@ -289,7 +290,7 @@ TEST_F(ServiceSimulatorTest, TheMirrorFollowsEveryEdit)
     model->keysetAtIndex(2)->setConnectViaEthernet(false);
     sent &= messenger->updateProperty(1, -1, 2);
     sent &= messenger->sendChangeEditKeysetMessage(1);
-    editor->setEmulationMode(4);
+    editor->setEmulationMode(corvane::EmulationMode(4)); // beyond C, kept as it comes
     sent &= messenger->sendEmulationModeMessage(4);
     model->setHasOwnerKeyset(true, QStringLiteral("org.example.editor"), fourCC("EdIt"));
     sent &= messenger->sendOwnerKeysetChange(true, QStringLiteral("org.example.editor"),
@@ -316,7 +317,7 @@ TEST_F(ServiceSimulatorTest, TheMirrorFollowsEveryEdit)
     ASSERT_TRUE(mirror.ok);
     PlistValue expected = PlistValue::makeDict();
     model->writeTo(expected);
-    EXPECT_EQ(mirror.value.value(u"TVKKeysets").size(), 3);
+    EXPECT_EQ(mirror.value.value(key::Keysets).size(), 3);
     for (const QString& key : expected.keys())
         EXPECT_TRUE(mirror.value.value(key) == expected.value(key))
             << key.toStdString() << "\n"
@@ -358,7 +359,7 @@ TEST_F(ServiceSimulatorTest, ReadsABareConfigurationAndRefusesAnUnreadableOne)
     // A preference store whose configuration entry is of the wrong kind is refused too, not
     // taken for an empty configuration.
     PlistValue store = PlistValue::makeDict();
-    store.insert(QStringLiteral("TVKModelData"), PlistValue(QStringLiteral("damaged")));
+    store.insert(key::ModelData, PlistValue(QStringLiteral("damaged")));
     const QString damaged = folder.path() + QStringLiteral("/damaged.plist");
     ASSERT_TRUE(PlistCodec::writeFile(damaged, store));
     SimulatorProcess refused(folder, {QStringLiteral("--config"), damaged});
@@ -379,7 +380,7 @@ TEST_F(ServiceSimulatorTest, BodiesItCannotApplyAreRefusedAsReceived)
     for (const qint64 index : {qint64(1) << 32, qint64(1) << 31}) {
         PlistValue keyset = PlistValue::makeDict();
         keyset.insert(corvane::info::KeysetIndex, PlistValue(index));
-        keyset.insert(QStringLiteral("TVKName"), PlistValue(QStringLiteral("Intruder")));
+        keyset.insert(key::Name, PlistValue(QStringLiteral("Intruder")));
         EXPECT_EQ(port->send(msg::TAdK, PlistCodec::write(keyset), 1000),
                   RemoteMessagePort::Status::Success);
     }
@@ -406,8 +407,8 @@ TEST_F(ServiceSimulatorTest, BodiesItCannotApplyAreRefusedAsReceived)
     ASSERT_TRUE(sim.waitForEvent(QStringLiteral("dumped")));
     const PlistReadResult mirror = PlistCodec::readFile(dumped);
     ASSERT_TRUE(mirror.ok);
-    const PlistValue& keysets = mirror.value.value(u"TVKKeysets");
+    const PlistValue& keysets = mirror.value.value(key::Keysets);
     ASSERT_EQ(keysets.size(), 1);
-    EXPECT_EQ(keysets.at(0).value(u"TVKName").toString(), QStringLiteral("Default"));
-    EXPECT_EQ(mirror.value.value(u"TVKIPAdr").toString(), QStringLiteral("192.168.1.250"));
+    EXPECT_EQ(keysets.at(0).value(key::Name).toString(), QStringLiteral("Default"));
+    EXPECT_EQ(mirror.value.value(key::IPAdr).toString(), QStringLiteral("192.168.1.250"));
 }

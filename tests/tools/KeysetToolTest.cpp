@@ -4,6 +4,7 @@
 #include "TestConfig.h"
 #include "actions/TVKSpecialAction.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
@@ -19,6 +20,8 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+
+namespace key = corvane::key;
 
 namespace {
 
@@ -198,7 +201,7 @@ TEST_F(KeysetToolTest, RealisticConfigurationReadsCleanAndRoundTrips)
     ASSERT_EQ(run.exitCode, 0) << run.err.constData();
     EXPECT_TRUE(readAll(path("back.plist")).startsWith("<?xml"));
 
-    EXPECT_EQ(tree.value(u"TVKKeysets").size(), 2);
+    EXPECT_EQ(tree.value(key::Keysets).size(), 2);
     EXPECT_TRUE(modelTree(path("studio.plist")) == tree);
     EXPECT_TRUE(modelTree(path("studio.bplist")) == tree);
     // What the model writes is what the file holds once it has been through the model.
@@ -211,10 +214,10 @@ TEST_F(KeysetToolTest, ConvertKeepsAKeysetAKeysetAndWritesTheRepairs)
                            QStringLiteral("--binary")});
     ASSERT_EQ(run.exitCode, 0) << run.err.constData();
     const PlistValue out = PlistCodec::readFile(path("out.cvks")).value;
-    EXPECT_TRUE(out.contains(u"TVKLayers"));
-    EXPECT_FALSE(out.contains(u"TVKKeysets"));
-    EXPECT_EQ(out.value(u"TVKName").toString(), u"Mix\tDesk");
-    EXPECT_EQ(out.value(u"TVKLayers").size(), 4);
+    EXPECT_TRUE(out.contains(key::Layers));
+    EXPECT_FALSE(out.contains(key::Keysets));
+    EXPECT_EQ(out.value(key::Name).toString(), u"Mix\tDesk");
+    EXPECT_EQ(out.value(key::Layers).size(), 4);
 
     // The missing groups and controls were filled in, so the result reads clean; groups 29 and
     // 30 are written with more controls than the surface counts, and reading them back is not
@@ -227,8 +230,8 @@ TEST_F(KeysetToolTest, ConvertKeepsAKeysetAKeysetAndWritesTheRepairs)
 TEST_F(KeysetToolTest, ConvertKeepsTheOtherEntriesOfAPreferenceStore)
 {
     PlistValue store = PlistValue::makeDict();
-    store.insert(QStringLiteral("TVKModelData"), configuration());
-    store.insert(QStringLiteral("TVKStandaloneTLW"), PlistValue(1));
+    store.insert(key::ModelData, configuration());
+    store.insert(key::StandaloneTLW, PlistValue(1));
     store.insert(QStringLiteral("NSWindow Frame TVKKeySumPos"),
                  PlistValue(QStringLiteral("100 100 800 600 0 0 1920 1080 ")));
     writeTree(path("prefs.plist"), store);
@@ -237,12 +240,11 @@ TEST_F(KeysetToolTest, ConvertKeepsTheOtherEntriesOfAPreferenceStore)
         runTool({QStringLiteral("convert"), path("prefs.plist"), path("out.plist")});
     ASSERT_EQ(run.exitCode, 0) << run.err.constData();
     const PlistValue out = PlistCodec::readFile(path("out.plist")).value;
-    EXPECT_EQ(out.value(u"TVKStandaloneTLW").toInteger(), 1);
+    EXPECT_EQ(out.value(key::StandaloneTLW).toInteger(), 1);
     EXPECT_EQ(out.value(u"NSWindow Frame TVKKeySumPos").toString(),
               u"100 100 800 600 0 0 1920 1080 ");
-    EXPECT_TRUE(out.value(u"TVKModelData") ==
-                modelTree(path("prefs.plist")).value(u"TVKModelData"));
-    EXPECT_EQ(out.value(u"TVKModelData").value(u"TVKKeysets").size(), 3);
+    EXPECT_TRUE(out.value(key::ModelData) == modelTree(path("prefs.plist")).value(key::ModelData));
+    EXPECT_EQ(out.value(key::ModelData).value(key::Keysets).size(), 3);
 }
 
 TEST_F(KeysetToolTest, ConvertNeverTouchesTheOutputWhenTheInputCannotBeRead)
@@ -269,9 +271,9 @@ TEST_F(KeysetToolTest, ConvertReportsAnOutputItCannotWrite)
 TEST_F(KeysetToolTest, CheckReportsEveryKindOfRepair)
 {
     const auto controlIn = [](PlistValue& keyset, int layer, int group, int index) {
-        return keyset.find(u"TVKLayers")
+        return keyset.find(key::Layers)
             ->findAt(layer)
-            ->find(u"TVKGroups")
+            ->find(key::Groups)
             ->findAt(group)
             ->findAt(index);
     };
@@ -291,45 +293,40 @@ TEST_F(KeysetToolTest, CheckReportsEveryKindOfRepair)
     const std::vector<Case> cases = {
         {"unknown action type",
          [&](PlistValue& k) {
-             controlIn(k, 0, 0, 0)
-                 ->find(u"TVKAction")
-                 ->insert(QStringLiteral("TVKActnType"), PlistValue(999));
+             controlIn(k, 0, 0, 0)->find(key::Action)->insert(key::ActnType, PlistValue(999));
          },
          "keyset \"Clean\", layer 1, group 0, control 0: "},
         {"display action that is never restored",
          [&](PlistValue& k) {
              PlistValue action = PlistValue::makeDict();
-             action.insert(QStringLiteral("TVKActnType"), PlistValue(0x100401));
-             k.find(u"TVKLayers")
+             action.insert(key::ActnType, PlistValue(0x100401));
+             k.find(key::Layers)
                  ->findAt(0)
-                 ->find(u"TVKDisplays")
+                 ->find(key::Displays)
                  ->findAt(0)
                  ->findAt(2)
-                 ->insert(QStringLiteral("TVKAction"), action);
+                 ->insert(key::Action, action);
          },
          "keyset \"Clean\", layer 1, group D0, display 2: "},
         {"unknown control type",
-         [&](PlistValue& k) {
-             controlIn(k, 2, 5, 3)->insert(QStringLiteral("TVKType"), PlistValue(42));
-         },
+         [&](PlistValue& k) { controlIn(k, 2, 5, 3)->insert(key::Type, PlistValue(42)); },
          "keyset \"Clean\", layer 3, group 5, control 3: "},
         {"fewer controls than the surface has",
          [&](PlistValue& k) {
-             PlistValue* groups = k.find(u"TVKLayers")->findAt(1)->find(u"TVKGroups");
+             PlistValue* groups = k.find(key::Layers)->findAt(1)->find(key::Groups);
              groups->set(13, truncated(groups->at(13), 12));
          },
          "keyset \"Clean\", layer 2, group 13, control 12: "},
         {"fewer groups than the surface has",
          [&](PlistValue& k) {
-             PlistValue* layer = k.find(u"TVKLayers")->findAt(3);
-             layer->insert(QStringLiteral("TVKGroups"), truncated(layer->value(u"TVKGroups"), 20));
+             PlistValue* layer = k.find(key::Layers)->findAt(3);
+             layer->insert(key::Groups, truncated(layer->value(key::Groups), 20));
          },
          "keyset \"Clean\", layer 4, group 20: "},
         {"fewer display groups than the surface has",
          [&](PlistValue& k) {
-             PlistValue* layer = k.find(u"TVKLayers")->findAt(0);
-             layer->insert(QStringLiteral("TVKDisplays"),
-                           truncated(layer->value(u"TVKDisplays"), 3));
+             PlistValue* layer = k.find(key::Layers)->findAt(0);
+             layer->insert(key::Displays, truncated(layer->value(key::Displays), 3));
          },
          "keyset \"Clean\", layer 1, group D3: "},
     };
@@ -361,7 +358,7 @@ TEST_F(KeysetToolTest, UnreadableFilesExitWithTwoAndSayWhy)
     unrelated.insert(QStringLiteral("CFBundleName"), PlistValue(QStringLiteral("Something")));
     writeTree(path("unrelated.plist"), unrelated);
     PlistValue oddStore = PlistValue::makeDict();
-    oddStore.insert(QStringLiteral("TVKModelData"), PlistValue(QStringLiteral("not a dict")));
+    oddStore.insert(key::ModelData, PlistValue(QStringLiteral("not a dict")));
     writeTree(path("oddstore.plist"), oddStore);
     QDir(dir.path()).mkdir(QStringLiteral("folder"));
     // A FIFO with no writer would block a plain open for ever; a link loop is no missing file.

@@ -294,11 +294,11 @@ TEST_F(InspectorTest, TheEmulationTabGuardAndTheLock)
     // Without emulation the tab cannot be chosen; in mode 3 only buttons and the jog wheel may.
     view.editorTabs()->setCurrentIndex(emulationIndex(view));
     EXPECT_NE(view.currentTabID(), fourCC("EMUL"));
-    controller->handleEmulationMenu(1);
+    controller->handleEmulationMenu(qint64(corvane::EmulationMode::A));
     view.editorTabs()->setCurrentIndex(emulationIndex(view));
     EXPECT_EQ(view.currentTabID(), fourCC("EMUL"));
     view.selectActionEditor(0);
-    controller->handleEmulationMenu(3);
+    controller->handleEmulationMenu(qint64(corvane::EmulationMode::C));
     view.editorTabs()->setCurrentIndex(emulationIndex(view));
     EXPECT_NE(view.currentTabID(), fourCC("EMUL"));
     selectFirstOfType(ControlType::Jog);

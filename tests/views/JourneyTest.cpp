@@ -314,7 +314,7 @@ protected:
     TVKControl* assignAnEncoderEmulation()
     {
         choose(Command::HandleEmulationMenu, 1);
-        EXPECT_EQ(keyset()->emulationMode(), 1u);
+        EXPECT_EQ(keyset()->emulationMode(), corvane::EmulationMode::A);
         TVKControl* encoders = selectFirstOfType(ControlType::Encoder);
         EXPECT_NE(encoders, nullptr);
         if (!encoders)

@@ -2,6 +2,7 @@
 // person does, and what reaches the service and the store from them.
 #include "QtPrinters.h"
 #include "ViewsFixture.h"
+#include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
@@ -218,8 +219,8 @@ TEST_F(ViewsTest, PreferenceSheetSendsAndStoresOnlyAWholeAddress)
 
     controller->handleTerminateMessage();
     const TVKUserDefaults store(storePath);
-    EXPECT_EQ(store.objectForKey(u"TVKIPAdr").toString(), QStringLiteral("10.0.0.8"));
-    EXPECT_EQ(store.objectForKey(u"TVKEnetPrt").toInteger(), 5004);
+    EXPECT_EQ(store.objectForKey(key::IPAdr).toString(), QStringLiteral("10.0.0.8"));
+    EXPECT_EQ(store.objectForKey(key::EnetPrt).toInteger(), 5004);
 }
 
 TEST_F(ViewsTest, ApplicationPortSheetTakesOnlyAPort)

@@ -202,7 +202,7 @@ TEST_F(ViewsTest, Screens)
 
     lit("after the about box");
     // The inspector with every kind of editor, each on the tab a person would use most.
-    controller->handleEmulationMenu(1);
+    controller->handleEmulationMenu(qint64(corvane::EmulationMode::A));
     controller->showInspector();
     InspectorController& inspector = *app->inspector();
     const auto shoot = [&](int type, const char* tab, const QString& name,

@@ -1,5 +1,7 @@
 // The first-run setup page: what it reads from a store, what it refuses and what it writes.
 #include "QtPrinters.h"
+#include "ViewsFixture.h"
+#include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 #include "model/CorvaneModelData.h"
 #include "views/TVKSetupViewControllers.h"
@@ -11,6 +13,8 @@
 #include <QTemporaryDir>
 #include <QTextBrowser>
 #include <gtest/gtest.h>
+
+namespace key = corvane::key;
 
 using corvane::PlistValue;
 
@@ -67,8 +71,8 @@ TEST_F(SetupPageTest, StartsFromNothingAndStoresTheAddressWithoutLeadingZeros)
          QStringLiteral("23"));
     ASSERT_TRUE(setup->finishSetup());
     corvane::TVKUserDefaults written(store.path());
-    EXPECT_EQ(written.objectForKey(u"TVKIPAdr").toString(), QStringLiteral("192.168.1.250"));
-    EXPECT_EQ(written.objectForKey(u"TVKEnetPrt").toInteger(), 23);
+    EXPECT_EQ(written.objectForKey(key::IPAdr).toString(), QStringLiteral("192.168.1.250"));
+    EXPECT_EQ(written.objectForKey(key::EnetPrt).toInteger(), 23);
 
     // 256 in a field, or the port 65535, is refused and nothing changes.
     type(*setup,
@@ -79,18 +83,18 @@ TEST_F(SetupPageTest, StartsFromNothingAndStoresTheAddressWithoutLeadingZeros)
          {QStringLiteral("10"), QStringLiteral("0"), QStringLiteral("0"), QStringLiteral("1")},
          QStringLiteral("65535"));
     EXPECT_FALSE(setup->finishSetup());
-    EXPECT_EQ(corvane::TVKUserDefaults(store.path()).objectForKey(u"TVKIPAdr").toString(),
+    EXPECT_EQ(corvane::TVKUserDefaults(store.path()).objectForKey(key::IPAdr).toString(),
               QStringLiteral("192.168.1.250"));
 }
 
 TEST_F(SetupPageTest, ReadsTheConfigurationAndWritesItBackWithTheModel)
 {
     PlistValue model = PlistValue::makeDict();
-    model.insert(QStringLiteral("TVKIPAdr"), PlistValue(QStringLiteral("10.1")));
-    model.insert(QStringLiteral("TVKEnetPrt"), PlistValue(qint64(4000)));
-    model.insert(QStringLiteral("TVKStandaloneNV"), PlistValue(qint64(1)));
-    model.insert(QStringLiteral("TVKHardwareStyle"), PlistValue(qint64(1)));
-    store.setObject(QStringLiteral("TVKModelData"), model);
+    model.insert(key::IPAdr, PlistValue(QStringLiteral("10.1")));
+    model.insert(key::EnetPrt, PlistValue(qint64(4000)));
+    model.insert(key::StandaloneNV, PlistValue(qint64(1)));
+    model.insert(key::HardwareStyle, PlistValue(qint64(1)));
+    store.setObject(key::ModelData, model);
 
     CorvaneModelData data;
     auto setup = page(&data);
@@ -113,13 +117,77 @@ TEST_F(SetupPageTest, ReadsTheConfigurationAndWritesItBackWithTheModel)
          {QStringLiteral("10"), QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")},
          QStringLiteral("4001"));
     ASSERT_TRUE(setup->finishSetup());
-    const PlistValue& written = store.objectForKey(u"TVKModelData");
-    EXPECT_EQ(written.value(u"TVKIPAdr").toString(), QStringLiteral("10.1.2.3"));
-    EXPECT_EQ(written.value(u"TVKStandaloneTL").toInteger(), 1);
-    EXPECT_EQ(written.value(u"TVKStandaloneNV").toInteger(), 0);
+    const PlistValue& written = store.objectForKey(key::ModelData);
+    EXPECT_EQ(written.value(key::IPAdr).toString(), QStringLiteral("10.1.2.3"));
+    EXPECT_EQ(written.value(key::StandaloneTL).toInteger(), 1);
+    EXPECT_EQ(written.value(key::StandaloneNV).toInteger(), 0);
     EXPECT_TRUE(data.standaloneTL());
     EXPECT_FALSE(data.standaloneNV());
     EXPECT_EQ(data.hardwareStyle(), 1);
 }
 
 } // namespace
+
+// The controller and the setup page read the Ethernet settings by the same rule: the global pair
+// when the store has both keys; otherwise the page shows what the stored configuration holds (or
+// the fresh-installation values without one), while the controller keeps its configuration's.
+using EthernetSettingsTest = corvane::test::ViewsTest;
+
+TEST_F(EthernetSettingsTest, TheControllerAndTheSetupPageAgreeOnTheEthernetSettings)
+{
+    struct Pair
+    {
+        bool address, port;
+    };
+    const Pair presence[] = {{false, false}, {true, false}, {false, true}, {true, true}};
+    for (const Pair& globals : presence) {
+        for (int configuration = -1; configuration < 4; ++configuration) {
+            // configuration -1: no "TVKModelData" at all; else which of its pair it holds.
+            const bool hasConfiguration = configuration >= 0;
+            const Pair held = hasConfiguration ? presence[configuration] : Pair{false, false};
+            SCOPED_TRACE(testing::Message() << "globals " << globals.address << globals.port
+                                            << ", configuration " << configuration);
+            QFile::remove(storePath);
+            {
+                corvane::TVKUserDefaults store(storePath);
+                if (globals.address)
+                    store.setObject(key::IPAdr, PlistValue(QStringLiteral("10.0.0.7")));
+                if (globals.port)
+                    store.setObject(key::EnetPrt, PlistValue(qint64(4321)));
+                if (hasConfiguration) {
+                    PlistValue model = PlistValue::makeDict();
+                    if (held.address)
+                        model.insert(key::IPAdr, PlistValue(QStringLiteral("172.16.0.9")));
+                    if (held.port)
+                        model.insert(key::EnetPrt, PlistValue(qint64(5004)));
+                    store.setObject(key::ModelData, model);
+                }
+                ASSERT_TRUE(store.synchronize());
+            }
+            const bool global = globals.address && globals.port;
+            const QString pageAddress = global              ? QStringLiteral("10.0.0.7")
+                                        : !hasConfiguration ? QStringLiteral("0.0.0.0")
+                                        : held.address      ? QStringLiteral("172.16.0.9")
+                                                            : QString();
+            const uint pagePort = global ? 4321 : !hasConfiguration ? 23 : held.port ? 5004 : 0;
+            const QString modelAddress = global         ? QStringLiteral("10.0.0.7")
+                                         : held.address ? QStringLiteral("172.16.0.9")
+                                                        : QStringLiteral("192.168.1.250");
+            const uint modelPort = global ? 4321 : held.port ? 5004 : 23;
+
+            corvane::TVKUserDefaults store(storePath);
+            std::unique_ptr<TVKSetupViewController> page =
+                TVKSetupViewController::make(QStringLiteral("corvaneEthernetSetupViewController"),
+                                             QStringLiteral("corvaneEthernet_Initial_Setup"),
+                                             QStringLiteral("corvaneEthernet"), store, nullptr);
+            auto* ethernet = static_cast<TVKEthernetSetupViewController*>(page.get());
+            EXPECT_EQ(ethernet->ip(), pageAddress);
+            EXPECT_EQ(ethernet->port(), pagePort);
+
+            CorvaneController& c = startController();
+            EXPECT_EQ(c.ipAddress(), modelAddress);
+            EXPECT_EQ(c.ethernetPort(), modelPort);
+            controller.reset();
+        }
+    }
+}

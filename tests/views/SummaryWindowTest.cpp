@@ -2,6 +2,7 @@
 #include "TestConfig.h"
 #include "ViewsFixture.h"
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "views/CorvaneSurfaceView.h"
@@ -29,7 +30,7 @@ protected:
             QStringLiteral(CORVANE_SOURCE_DIR "/resources/samples/Studio.plist"));
         EXPECT_TRUE(sample.ok);
         TVKUserDefaults store(storePath);
-        store.setObject(QStringLiteral("TVKModelData"), sample.value);
+        store.setObject(key::ModelData, sample.value);
         EXPECT_TRUE(store.synchronize());
         startApplication();
         controller->showSummary();

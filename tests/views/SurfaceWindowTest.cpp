@@ -1,6 +1,7 @@
 // The windows driven as a person drives them, against the real simulated service.
 #include "ViewsFixture.h"
 #include "core/Notifications.h"
+#include "core/StoredKeys.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
@@ -318,6 +319,5 @@ TEST_F(ViewsTest, WindowsComeBackWhereTheyWereAndTheDisplaysStayOpen)
     EXPECT_TRUE(app->dzAction()->isChecked());
     EXPECT_EQ(app->mainWindow()->geometry(), frame);
     // None of it is configuration.
-    EXPECT_FALSE(
-        controller->defaults().objectForKey(u"TVKModelData").contains(u"CorvaneWindowFrames"));
+    EXPECT_FALSE(controller->defaults().objectForKey(key::ModelData).contains(key::WindowFrames));
 }

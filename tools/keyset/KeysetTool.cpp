@@ -1,6 +1,7 @@
 #include "KeysetTool.h"
 
 #include "actions/TVKAction.h"
+#include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
@@ -24,14 +25,14 @@ const QString kProgram = QStringLiteral("corvane-keyset");
 
 bool looksLikeKeyset(const PlistValue& root)
 {
-    return root.contains(u"TVKLayers") || root.contains(u"TVKName") || root.contains(u"TVKSig") ||
-           root.contains(u"TVKAppTID");
+    return root.contains(key::Layers) || root.contains(key::Name) || root.contains(key::Sig) ||
+           root.contains(key::AppTID);
 }
 
 bool looksLikeConfiguration(const PlistValue& root)
 {
-    return root.contains(u"TVKKeysets") || root.contains(u"TVKIPAdr") ||
-           root.contains(u"TVKHasOwnerKS") || root.contains(u"TVKOneTchDflt");
+    return root.contains(key::Keysets) || root.contains(key::IPAdr) ||
+           root.contains(key::HasOwnerKS) || root.contains(key::OneTchDflt);
 }
 
 void describeGroups(QTextStream& out, const QString& keysetField, int layerNumber,
@@ -142,16 +143,16 @@ KeysetReadResult KeysetTool::readDocument(const QString& path)
 
     KeysetDocument& document = result.document;
     document.format = read.format;
-    const PlistValue& stored = root.value(u"TVKModelData");
+    const PlistValue& stored = root.value(key::ModelData);
     if (stored.isDict()) {
         document.kind = KeysetDocumentKind::PreferenceStore;
-    } else if (root.contains(u"TVKKeysets")) {
+    } else if (root.contains(key::Keysets)) {
         document.kind = KeysetDocumentKind::Configuration;
     } else if (looksLikeKeyset(root)) {
         document.kind = KeysetDocumentKind::Keyset;
     } else if (looksLikeConfiguration(root)) {
         document.kind = KeysetDocumentKind::Configuration;
-    } else if (root.contains(u"TVKModelData")) {
+    } else if (root.contains(key::ModelData)) {
         result.error = QStringLiteral("the stored \"TVKModelData\" entry is not a dictionary");
         return result;
     } else {
@@ -213,7 +214,7 @@ PlistValue KeysetTool::archiveDocument(const KeysetDocument& document)
         PlistValue dict = PlistValue::makeDict();
         document.model->writeTo(dict);
         PlistValue store = document.preferenceStore;
-        store.insert(QStringLiteral("TVKModelData"), std::move(dict));
+        store.insert(key::ModelData, std::move(dict));
         return store;
     }
     }

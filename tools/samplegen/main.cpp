@@ -281,7 +281,7 @@ int main(int argc, char** argv)
     model.addKeysetWithName(QStringLiteral("Ardour"), corvane::kUnknownSignature,
                             QStringLiteral("org.ardour.Ardour8"), generator.makeIcon(64));
     ardour(*model.keysetAtIndex(1));
-    model.keysetAtIndex(1)->setEmulationMode(1);
+    model.keysetAtIndex(1)->setEmulationMode(corvane::EmulationMode::A);
     model.addKeysetWithName(QStringLiteral("Kdenlive"), corvane::kUnknownSignature,
                             QStringLiteral("org.kde.kdenlive"));
     kdenlive(*model.keysetAtIndex(2));

@@ -1,10 +1,13 @@
 #include "ConfigMirror.h"
 
 #include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKModelData.h"
 #include "service/ConfigurationEdits.h"
+
+namespace key = corvane::key;
 
 using corvane::MessageID;
 using corvane::PlistValue;
@@ -26,8 +29,8 @@ bool ConfigMirror::load(const QString& path, QString* reason)
     case corvane::TVKUserDefaults::State::Loaded:
         break;
     }
-    const PlistValue& stored = store.objectForKey(u"TVKModelData");
-    if (store.dictionary().contains(u"TVKModelData") && !stored.isDict()) {
+    const PlistValue& stored = store.objectForKey(key::ModelData);
+    if (store.dictionary().contains(key::ModelData) && !stored.isDict()) {
         // A store whose configuration entry is damaged is not a configuration of its own.
         *reason = QStringLiteral("%1: \"TVKModelData\" is not a dictionary").arg(path);
         return false;

@@ -2,6 +2,7 @@
 
 #include "actions/editors/EditorLogic.h"
 #include "core/NotificationCenter.h"
+#include "model/EmulationMode.h"
 
 #include <QtGlobal>
 
@@ -34,14 +35,14 @@ public:
     int source() const { return m_source; }
     bool timecodeShown() const { return m_timecodeShown; }
     // The selected keyset's emulation mode, 0 without emulation.
-    int emulationMode() const { return m_emulationMode; }
+    EmulationMode emulationMode() const { return m_emulationMode; }
 
 private:
     TVKActionContainer& m_container;
     qint32 m_actionType;
     int m_source = kNoSource;
     bool m_timecodeShown = false;
-    int m_emulationMode = 0;
+    EmulationMode m_emulationMode = EmulationMode::None;
     NotificationCenter::Observation m_emulationChangeObservation;
 };
 

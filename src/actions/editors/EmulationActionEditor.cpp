@@ -124,13 +124,13 @@ QList<EmulationActionEditor::MenuItem> EmulationActionEditor::controlMenuForGrou
     return items;
 }
 
-int EmulationActionEditor::selectedKeysetEmulationMode()
+EmulationMode EmulationActionEditor::selectedKeysetEmulationMode()
 {
     const TVKModelData* model = TVKModelData::defaultModelData();
     if (!model || model->numberOfKeysets() == 0)
-        return 0;
+        return EmulationMode::None;
     const TVKKeyset* keyset = model->selectedKeyset();
-    return keyset ? int(keyset->emulationMode()) : 0;
+    return keyset ? keyset->emulationMode() : EmulationMode::None;
 }
 
 int EmulationActionEditor::numberLimit() const
@@ -175,7 +175,9 @@ void EmulationActionEditor::makeNewAction()
     std::unique_ptr<TVKEmulationAction> action = makeEmulationActionOfType(
         actionType(), c.selectedGroup, index, info.named, info.numberOfControls == 1);
     if (auto* jog = dynamic_cast<TVKJogEmulationAction*>(action.get()))
-        jog->setJogSpeed(selectedKeysetEmulationMode() == 3 ? unsigned(qMax(c.speedSlider, 0)) : 1);
+        jog->setJogSpeed(selectedKeysetEmulationMode() == EmulationMode::C
+                             ? unsigned(qMax(c.speedSlider, 0))
+                             : 1);
     m_container.setAction(std::move(action));
 }
 
@@ -231,13 +233,13 @@ void EmulationActionEditor::updateForNewAction()
 {
     const StateChange change(*this);
     Controls& c = m_controls;
-    const int mode = selectedKeysetEmulationMode();
-    if (mode == 3)
+    const EmulationMode mode = selectedKeysetEmulationMode();
+    if (mode == EmulationMode::C)
         c.groupMenu = GroupMenu::ModeC;
-    else if (mode == 1 || mode == 2)
+    else if (mode == EmulationMode::A || mode == EmulationMode::B)
         c.groupMenu = GroupMenu::ModeAB;
     if (m_kind == Jog)
-        c.modeCContainerVisible = mode == 3;
+        c.modeCContainerVisible = mode == EmulationMode::C;
 
     if (m_container.actionType() != actionType()) {
         c.emulateChecked = false;
@@ -263,7 +265,8 @@ void EmulationActionEditor::updateForNewAction()
             c.numberContainerVisible = false;
         }
     }
-    if (const auto* jog = dynamic_cast<const TVKJogEmulationAction*>(action); jog && mode == 3)
+    if (const auto* jog = dynamic_cast<const TVKJogEmulationAction*>(action);
+        jog && mode == EmulationMode::C)
         c.speedSlider = int(jog->jogSpeed());
 }
 

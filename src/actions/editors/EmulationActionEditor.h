@@ -2,6 +2,7 @@
 
 #include "actions/editors/EditorLogic.h"
 #include "core/NotificationCenter.h"
+#include "model/EmulationMode.h"
 
 #include <QList>
 #include <QString>
@@ -83,7 +84,7 @@ public:
     int numberLimit() const;
 
     // The emulation mode of the keyset being edited; 0 without one.
-    static int selectedKeysetEmulationMode();
+    static EmulationMode selectedKeysetEmulationMode();
 
 private:
     void setUpForGroup(int group);

@@ -48,8 +48,8 @@ void TVKDisplayEmulationEditorView::updateForNewAction()
 
 void TVKDisplayEmulationEditorView::updateData()
 {
-    m_mode->setText(m_logic.emulationMode() == 0
-                        ? TVKEditorCells::emulationModeNote(0)
+    m_mode->setText(m_logic.emulationMode() == corvane::EmulationMode::None
+                        ? TVKEditorCells::emulationModeNote(corvane::EmulationMode::None)
                         : tr("What the emulated console sends for this display:"));
     if (m_timecode) {
         const QSignalBlocker block(m_timecode);

@@ -113,8 +113,8 @@ void TVKEmulationActionEditorView::updateData()
             m_control->addItem(title, tag);
         m_shownControlMenu = c.controlMenuGroup;
     }
-    const int mode = EmulationActionEditor::selectedKeysetEmulationMode();
-    m_modeLabel->setText(TVKEditorCells::emulationModeNote(mode));
+    m_modeLabel->setText(
+        TVKEditorCells::emulationModeNote(EmulationActionEditor::selectedKeysetEmulationMode()));
 
     m_emulate->setChecked(c.emulateChecked);
     selectItemWithData(m_group, c.selectedGroup);

@@ -51,9 +51,9 @@ bool TVKKeystrokeEntryView::event(QEvent* event)
         }
         return QFrame::event(event);
     }
-    const corvane::KeyEventData data{key->nativeScanCode(), key->key(), key->modifiers(),
-                                     key->text()};
-    const auto stroke = corvane::KeyEventTranslator::keystrokeForEvent(data);
+    const corvane::KeyEventData pressed{key->nativeScanCode(), key->key(), key->modifiers(),
+                                        key->text()};
+    const auto stroke = corvane::KeyEventTranslator::keystrokeForEvent(pressed);
     if (!stroke)
         return true; // a modifier alone: wait for the key it modifies
     setArmed(false);

@@ -1,0 +1,28 @@
+#include "core/MoveAside.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace corvane {
+
+QString moveFileAside(const QString& path, QString* errorMessage, const QDateTime& when)
+{
+    const QString stamp = when.toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    const auto taken = [](const QString& name) {
+        // A dangling link is a name taken too.
+        return QFileInfo::exists(name) || QFileInfo(name).isSymLink();
+    };
+    QString aside = path + QStringLiteral(".unreadable-") + stamp;
+    for (int n = 2; taken(aside); ++n)
+        aside = path + QStringLiteral(".unreadable-%1-%2").arg(stamp).arg(n);
+    QFile file(path);
+    if (!file.rename(aside)) {
+        if (errorMessage)
+            *errorMessage =
+                QStringLiteral("%1 cannot be moved aside: %2").arg(path, file.errorString());
+        return QString();
+    }
+    return aside;
+}
+
+} // namespace corvane
