@@ -613,14 +613,14 @@ void TVKController::handleTVKControl(qint64 control, qint64 group)
                                         m_modelDataGroupIndex, m_modelDataControlIndex);
 }
 
-void TVKController::handleMultiStateTVKButton(qint64 group, qint64 value)
+void TVKController::handleMultiStateTVKButton(qint64 group, qint64 state, qint64 control)
 {
-    if (value == 0) {
+    if (state == 0 || control < 0) {
         m_displaySelected = false;
         setSelectedGroup(group);
         return;
     }
-    handleTVKControl(value, group);
+    handleTVKControl(control, group);
 }
 
 void TVKController::updateHardwareControlsPreviousGroup(qint64 previousGroup,
