@@ -270,16 +270,25 @@ void TVKMultiStateButton::parsePath(const PlistValue& operations, qsizetype inde
         m_hitTestPaths.push_back(nullptr);
     if (operations.size() == 0)
         return;
-    auto path = std::make_unique<QPainterPath>();
+    auto path = std::make_unique<QPainterPath>(outlineFromOperations(operations));
+    if (qsizetype(m_hitTestPaths.size()) == index)
+        m_hitTestPaths.push_back(std::move(path));
+    else
+        m_hitTestPaths[size_t(index)] = std::move(path);
+}
+
+QPainterPath TVKMultiStateButton::outlineFromOperations(const PlistValue& operations)
+{
+    QPainterPath path;
     for (qsizetype i = 0; i < operations.size(); ++i) {
         const PlistValue& op = operations.at(i);
         const QString name = op.value(u"Operation").toString();
         if (name == QStringLiteral("Oval")) {
-            path->addEllipse(QRectF(getOpRect(op)));
+            path.addEllipse(QRectF(getOpRect(op)));
         } else if (name == QStringLiteral("MoveTo")) {
-            path->moveTo(getOpPoint(op));
+            path.moveTo(getOpPoint(op));
         } else if (name == QStringLiteral("LineTo")) {
-            path->lineTo(getOpPoint(op));
+            path.lineTo(getOpPoint(op));
         } else if (name == QStringLiteral("Arc") || name == QStringLiteral("ClockwiseArc")) {
             // Angles in degrees, counter-clockwise from three o'clock as drawn; the arc runs
             // from the start angle to the end angle the named way round.
@@ -295,15 +304,12 @@ void TVKMultiStateButton::parsePath(const PlistValue& operations, qsizetype inde
                 while (sweep >= 0)
                     sweep -= 360;
             }
-            path->arcTo(box, from, sweep);
+            path.arcTo(box, from, sweep);
         }
         // Any other operation is skipped.
     }
-    path->closeSubpath();
-    if (qsizetype(m_hitTestPaths.size()) == index)
-        m_hitTestPaths.push_back(std::move(path));
-    else
-        m_hitTestPaths[size_t(index)] = std::move(path);
+    path.closeSubpath();
+    return path;
 }
 
 const QPainterPath* TVKMultiStateButton::hitTestPath(qint64 k) const

@@ -81,6 +81,8 @@ public:
     // Builds images, outlines and tag from the description.
     virtual void awakeFromNib();
     void parsePath(const corvane::PlistValue& operations, qsizetype index);
+    // The closed outline that a list of path operations builds.
+    static QPainterPath outlineFromOperations(const corvane::PlistValue& operations);
 
     static QPoint getOpOrigin(const corvane::PlistValue& op);
     static QSize getOpSize(const corvane::PlistValue& op);

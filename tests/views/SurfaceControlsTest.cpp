@@ -46,11 +46,12 @@ struct Placement
     ModelControl model;
     CorvaneSurfaceView* surface = nullptr;
     TVKMultiStateButton* picture = nullptr;
-    int control = 0;           // on-screen
-    int bank = -1;             // the bank its picture must show; -1 when the picture has no banks
-    QPoint point;              // on the control, in the picture
-    QRect frame;               // the control, in the picture
-    std::vector<QRect> others; // the picture's other controls (of the first bank)
+    int control = 0; // on-screen
+    int bank = -1;   // the bank its picture must show; -1 when the picture has no banks
+    QPoint point;    // on the control, in the picture
+    QRect frame;     // the control, in the picture
+    // The picture's other controls (of the first bank), and a point on each.
+    std::vector<std::pair<QRect, QPoint>> others;
 
     QPoint inSurface() const { return picture->geometry().topLeft() + point; }
 };
@@ -147,7 +148,8 @@ protected:
                                 p.frame = frame;
                                 found = true;
                             } else {
-                                p.others.push_back(frame);
+                                p.others.push_back(
+                                    {frame, pointFrom(controls.at(c).value(u"Point"))});
                             }
                         }
                         EXPECT_TRUE(found) << p << " has no place in its picture";
@@ -178,8 +180,8 @@ protected:
     }
 
     // The picture is lit at the control, and only there: drawn lit and unlit, it differs on the
-    // control and nowhere on its other controls (but those drawn around or under it, as the
-    // ball in its ring and the arms of the cursor switch).
+    // control and nowhere on its other controls (where those share its place, as a ball in its
+    // ring and the arms of the cursor switch do, nowhere around their points).
     static void expectLitAt(const Placement& p)
     {
         ASSERT_EQ(p.picture->cell().state(), 1) << p << " is not lit";
@@ -205,11 +207,11 @@ protected:
             return sum;
         };
         EXPECT_GT(difference(p.frame), 500) << p << " is not lit where it lies";
-        for (const QRect& other : p.others) {
-            if (!p.frame.intersects(other)) {
-                EXPECT_EQ(difference(other.adjusted(2, 2, -2, -2)), 0)
-                    << p << " lights another control at " << other.x() << "," << other.y();
-            }
+        for (const auto& [other, point] : p.others) {
+            const QRect area = p.frame.intersects(other) ? QRect(point - QPoint(2, 2), QSize(5, 5))
+                                                         : other.adjusted(2, 2, -2, -2);
+            EXPECT_EQ(difference(area), 0)
+                << p << " lights another control at " << point.x() << "," << point.y();
         }
     }
 };

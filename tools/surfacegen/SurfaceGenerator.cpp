@@ -184,22 +184,35 @@ struct Writer
     }
 };
 
-PlistValue imageEntry(const QString& sheet, const QRect& frame, const Control* lit)
+// A lit control whose rectangle takes in another control of its button (a cursor switch's arm,
+// a ring round its ball) is lit only within its own outline.
+PlistValue imageEntry(const QString& sheet, const QRect& frame, const Control* lit,
+                      const QVector<Control>& neighbours)
 {
     PlistValue entry = PlistValue::makeDict();
     entry.insert(QStringLiteral("Sheet"), PlistValue(sheet));
     entry.insert(QStringLiteral("Frame"), rectValue(frame));
-    if (lit)
-        entry.insert(QStringLiteral("Lit"), rectValue(litRect(*lit)));
+    if (!lit)
+        return entry;
+    entry.insert(QStringLiteral("Lit"), rectValue(litRect(*lit)));
+    for (const Control& other : neighbours) {
+        if (other.rect != lit->rect || other.shape != lit->shape) {
+            if (QRectF(litRect(*lit)).intersects(other.rect)) {
+                entry.insert(QStringLiteral("LitClip"), outline(*lit, QPoint(0, 0)));
+                break;
+            }
+        }
+    }
     return entry;
 }
 
 // Both finishes of one picture name: the silver one as named, the midnight one with "_Mid".
 void addImage(PlistValue& images, const QString& name, const QString& silverSheet,
-              const QString& midnightSheet, const QRect& frame, const Control* lit)
+              const QString& midnightSheet, const QRect& frame, const Control* lit,
+              const QVector<Control>& neighbours)
 {
-    images.insert(name, imageEntry(silverSheet, frame, lit));
-    images.insert(name + QStringLiteral("_Mid"), imageEntry(midnightSheet, frame, lit));
+    images.insert(name, imageEntry(silverSheet, frame, lit, neighbours));
+    images.insert(name + QStringLiteral("_Mid"), imageEntry(midnightSheet, frame, lit, neighbours));
 }
 
 // The controls of a picture by state: state k shows the k-th control that its on-screen group
@@ -295,6 +308,12 @@ bool generateRings(Writer& w, const Button& ring, const States& states, PlistVal
     for (const RingSet& set : kRingSets) {
         const QString sheet = QStringLiteral("TrackballRing") + QString::fromUtf16(set.suffix);
         PlistValue names = PlistValue::makeArray();
+        // The ring's sheet is its frame alone.
+        QVector<Control> shiftedControls = ring.controls;
+        for (Control& each : shiftedControls) {
+            each.rect.translate(-frame.topLeft());
+            each.inner.translate(-frame.topLeft());
+        }
         for (qsizetype k = 0; k < states.size(); ++k) {
             const QString name = sheet + QStringLiteral("_%1").arg(k);
             const Control* lit = states[k];
@@ -305,7 +324,7 @@ bool generateRings(Writer& w, const Button& ring, const States& states, PlistVal
                 shifted.inner.translate(-frame.topLeft());
             }
             addImage(images, name, sheet, sheet + QStringLiteral("_Midnight"), sheetFrame,
-                     lit ? &shifted : nullptr);
+                     lit ? &shifted : nullptr, shiftedControls);
             names.append(PlistValue(name));
         }
         lists.append(names);
@@ -364,7 +383,8 @@ bool generateUnit(Writer& w, const Layout& layout, PlistValue& info, PlistValue&
         PlistValue names = PlistValue::makeArray();
         for (qsizetype k = 0; k < states.size(); ++k) {
             const QString name = button.key + QStringLiteral("_%1").arg(k);
-            addImage(images, name, layout.name, layout.midnightName, frame, states[k]);
+            addImage(images, name, layout.name, layout.midnightName, frame, states[k],
+                     button.controls);
             names.append(PlistValue(name));
         }
         PlistValue description = PlistValue::makeDict();
