@@ -521,11 +521,9 @@ bool TVKController::onscreenToModel(qint64 group, qint64 control, int& dataGroup
     int c = 0;
     if (!m_constantServer->onscreenGroup(int(group), int(control), g, c) || !controlExists(g, c))
         return false;
-    // A group drawn in two clusters has each control in one of them only.
-    qint64 backGroup = 0;
-    qint64 backControl = 0;
-    toOnscreen(g, c, backGroup, backControl);
-    if (backGroup != group || backControl != control)
+    // A group drawn in two clusters has each control in one of them only; a group drawn a
+    // second time (the TLW's function keys) holds every control it reaches.
+    if (!m_constantServer->onscreenControlsInGroup(int(group)).contains(int(control)))
         return false;
     dataGroup = g;
     dataControl = c;
@@ -705,10 +703,12 @@ void TVKController::handleTVKControl(qint64 control, qint64 group)
     updateHardwareControlsPreviousGroup(before.group, before.control, dataGroup, dataControl);
 }
 
-void TVKController::handleMultiStateTVKButton(qint64 group, qint64 value)
+void TVKController::handleMultiStateTVKButton(qint64 group, qint64 state, qint64 control)
 {
-    if (value != 0)
-        handleTVKControl(value, group);
+    // A click between the controls selects nothing.
+    if (state == 0 || control < 0)
+        return;
+    handleTVKControl(control, group);
 }
 
 void TVKController::updateHardwareControlsPreviousGroup(qint64 previousGroup,

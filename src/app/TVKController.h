@@ -142,10 +142,11 @@ public:
     bool keysetSummaryIsVisible() const;
     void showAboutBox();
 
-    // A click on a surface control (on-screen numbering) and on a multi-state button (value 0:
-    // the click hit no control, which selects nothing).
+    // A click on a surface control (on-screen numbering), and on a picture of a group: its
+    // state (0 when the click chose no control, which selects nothing) and the on-screen control
+    // that state shows.
     void handleTVKControl(qint64 control, qint64 group);
-    void handleMultiStateTVKButton(qint64 group, qint64 value);
+    void handleMultiStateTVKButton(qint64 group, qint64 state, qint64 control);
     void updateHardwareControlsPreviousGroup(qint64 previousGroup, qint64 previousControl,
                                              qint64 newGroup, qint64 newControl);
     void keysetChangedInSummaryWindow(qint64 keyset);

@@ -12,6 +12,7 @@ public:
     static constexpr int kNumberOfOnscreenGroups = 49;
     static constexpr int kNumberOfOnscreenDisplayGroups = 11;
 
+    int numberOfControlGroups() const override { return kNumberOfControlGroups; }
     int numberOfControlsInGroup(int group) const override;
     int numberOfDisplaysInGroup(int group) const override;
     QString dataModelGroupNameForGroup(int group) const override;

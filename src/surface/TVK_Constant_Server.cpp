@@ -2,6 +2,7 @@
 
 #include "core/Log.h"
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -132,6 +133,36 @@ int TVK_Constant_Server::numberOfControlsInGroup(int) const
     corvane::log(
         QStringLiteral("TVK_Constant_Server subclasses MUST override numberOfControlsInGroup!"));
     return 0;
+}
+
+QList<int> TVK_Constant_Server::onscreenControlsInGroup(int drawn) const
+{
+    QList<int> controls;
+    for (int group = 0; group < numberOfControlGroups(); ++group) {
+        for (int index = 0; index < numberOfControlsInGroup(group); ++index) {
+            int drawnIn = -1;
+            int control = 0;
+            modelDataGroupID(group, index, drawnIn, control);
+            if (drawnIn == drawn)
+                controls.append(control);
+        }
+    }
+    if (!controls.isEmpty()) {
+        std::sort(controls.begin(), controls.end());
+        return controls;
+    }
+    // A second drawing: the controls its numbering reaches, up to the first that does not exist.
+    int first = -1;
+    for (int control = 0;; ++control) {
+        int group = 0;
+        int index = 0;
+        if (!onscreenGroup(drawn, control, group, index) || index < 0 ||
+            index >= numberOfControlsInGroup(group) || (first >= 0 && group != first))
+            break;
+        first = group;
+        controls.append(control);
+    }
+    return controls;
 }
 
 int TVK_Constant_Server::numberOfDisplaysInGroup(int) const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 
 // Which controls feed a display that shows control names or values.
@@ -42,6 +43,8 @@ public:
 
     int numLayers() const { return 4; }
 
+    // How many model-data groups of controls a layer holds.
+    virtual int numberOfControlGroups() const { return 0; }
     virtual int numberOfControlsInGroup(int group) const;
     virtual int numberOfDisplaysInGroup(int group) const;
     virtual QString dataModelGroupNameForGroup(int group) const;
@@ -54,6 +57,12 @@ public:
     // Model-data group and index to on-screen group and control.
     virtual void modelDataGroupID(int group, int controlIndex, int& onscreenGroup,
                                   int& control) const;
+    // The controls an on-screen group draws, in its own numbering and in order; its picture
+    // shows them as states 1, 2, 3 … (state 0 shows none). Each control of the model belongs to
+    // the on-screen group that the model-data-to-screen conversion names. A group that
+    // conversion never names draws a model group a second time (the TLW's function keys): it
+    // holds every control its own numbering reaches from 0 on.
+    QList<int> onscreenControlsInGroup(int onscreenGroup) const;
     virtual bool onscreenDisplayGroup(int group, int control, int& dataDisplayGroupIndex,
                                       int& controlIndex) const;
     virtual void modelDataDisplayGroupID(int group, int controlIndex, int& onscreenDisplayGroup,

@@ -23,19 +23,6 @@ namespace key = corvane::key;
 
 namespace {
 
-// The NV's on-screen groups.
-constexpr int kNVLCDButtons = 40;
-constexpr int kNVBankButtons = 41;
-constexpr int kNVFirstFunctionKeys = 42;
-constexpr int kNVSecondFunctionKeys = 43;
-constexpr int kNVParameters = 44;
-constexpr int kNVActions = 45;
-constexpr int kNVFirstButtonDisplays = 7;
-constexpr int kNVLastButtonDisplays = 10;
-constexpr int kNVFunctionKeys = 8;
-constexpr int kNVParametersPerFunction = 5;
-constexpr int kNVActionsPerParameter = 4;
-
 QString unitForNib(const QString& nibName)
 {
     return nibName == QStringLiteral("ExpanderNib") ? QStringLiteral("Expander") : nibName;
@@ -161,83 +148,46 @@ CorvaneNVController::CorvaneNVController(CorvaneController& master, TVKMenuBar* 
 
 int CorvaneNVController::selectedButton() const
 {
-    if (m_master.displaySelected() || m_master.selectedGroup() != kNVLCDButtons)
+    if (m_master.displaySelected() || m_master.selectedGroup() != corvane::nv::kOnscreenLCDButtons)
         return -1;
     return int(m_master.modelDataControlIndex());
 }
 
 void CorvaneNVController::followSelection()
 {
-    if (m_master.displaySelected())
-        return;
-    const qint64 control = m_master.selectedControl();
-    switch (m_master.selectedGroup()) {
-    case kNVLCDButtons:
-        setBank(int(control / corvane::nv::kButtonsPerBank));
-        break;
-    case kNVBankButtons:
-        setBank(int(control));
-        break;
-    case kNVFirstFunctionKeys:
-    case kNVSecondFunctionKeys:
-        setFunctionKey(int(control));
-        break;
-    case kNVParameters:
-        setFunctionKey(int(control / kNVParametersPerFunction));
-        setParameter(int(control % kNVParametersPerFunction));
-        break;
-    case kNVActions: {
-        const int parameter = int(control / kNVActionsPerParameter);
-        setFunctionKey(parameter / kNVParametersPerFunction);
-        setParameter(parameter % kNVParametersPerFunction);
-        break;
-    }
-    default:
-        break;
-    }
+    if (!m_master.displaySelected() &&
+        m_banks.follow(m_master.selectedGroup(), m_master.selectedControl()))
+        applyBanks();
 }
 
 void CorvaneNVController::setBank(int bank)
 {
-    if (bank < 0 || bank >= corvane::nv::kBanks || bank == m_bank)
+    if (bank < 0 || bank >= corvane::nv::kBanks || bank == m_banks.bank)
         return;
-    m_bank = bank;
+    m_banks.bank = bank;
     applyBanks();
 }
 
 void CorvaneNVController::setFunctionKey(int function)
 {
-    if (function < 0 || function >= kNVFunctionKeys || function == m_function)
+    if (function < 0 || function >= corvane::nv::kFunctionKeys || function == m_banks.function)
         return;
-    m_function = function;
+    m_banks.function = function;
     applyBanks();
 }
 
 void CorvaneNVController::setParameter(int parameter)
 {
-    if (parameter < 0 || parameter >= kNVParametersPerFunction || parameter == m_parameter)
+    if (parameter < 0 || parameter >= corvane::nv::kParametersPerFunction ||
+        parameter == m_banks.parameter)
         return;
-    m_parameter = parameter;
+    m_banks.parameter = parameter;
     applyBanks();
 }
 
 void CorvaneNVController::applyBanks()
 {
-    for (TVKMultiStateButton* button : m_surface->buttons()) {
-        auto* banked = dynamic_cast<CorvaneBankedPicture*>(button);
-        if (!banked)
-            continue;
-        if (banked->tag() == kNVLCDButtons)
-            banked->setBank(m_bank);
-        else if (banked->tag() == kNVParameters)
-            banked->setBank(m_function);
-        else if (banked->tag() == kNVActions)
-            banked->setBank(m_function * kNVParametersPerFunction + m_parameter);
-    }
-    for (TVKDisplayView* display : m_surface->displays()) {
-        if (display->tag() >= kNVFirstButtonDisplays && display->tag() <= kNVLastButtonDisplays)
-            display->setBank(m_bank);
-    }
+    m_banks.apply(*m_surface);
     updateStatus();
 }
 
@@ -245,9 +195,9 @@ QString CorvaneNVController::describeState() const
 {
     return tr("%1  ·  Bank %2  ·  F%3  ·  Parameter %4")
         .arg(CorvaneExpanderWindowController::describeState())
-        .arg(m_bank + 1)
-        .arg(m_function + 1)
-        .arg(m_parameter + 1);
+        .arg(m_banks.bank + 1)
+        .arg(m_banks.function + 1)
+        .arg(m_banks.parameter + 1);
 }
 
 void CorvaneNVController::rebuildGroupMenus()
@@ -297,7 +247,7 @@ void CorvaneNVController::selectGroup(int group)
     // The group's first button, in its bank.
     const int button = members.at(0).toString().toInt();
     setBank(button / corvane::nv::kButtonsPerBank);
-    m_master.handleTVKControl(button, kNVLCDButtons);
+    m_master.handleTVKControl(button, corvane::nv::kOnscreenLCDButtons);
 }
 
 bool CorvaneNVController::validateCorvaneNVMenuItem(QAction* item)
@@ -313,9 +263,9 @@ bool CorvaneNVController::validateCorvaneNVMenuItem(QAction* item)
         return editable && selectedButton() >= 0 &&
                model->corvaneNVGroupForButtonWithID(selectedButton()) >= 0;
     case PreviousBank:
-        return m_bank > 0;
+        return m_banks.bank > 0;
     case NextBank:
-        return m_bank < corvane::nv::kBanks - 1;
+        return m_banks.bank < corvane::nv::kBanks - 1;
     default:
         return false;
     }
@@ -352,10 +302,10 @@ void CorvaneNVController::handleCorvaneNVMenuItem(QAction* item)
         break;
     }
     case PreviousBank:
-        setBank(m_bank - 1);
+        setBank(m_banks.bank - 1);
         break;
     case NextBank:
-        setBank(m_bank + 1);
+        setBank(m_banks.bank + 1);
         break;
     default:
         break;

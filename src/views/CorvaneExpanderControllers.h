@@ -2,11 +2,11 @@
 
 #include "app/TVKViewInterfaces.h"
 #include "core/NotificationCenter.h"
+#include "views/CorvanePictures.h"
 
 #include <QMainWindow>
 #include <vector>
 
-class CorvaneBankedPicture;
 class CorvaneController;
 class CorvaneSurfaceView;
 class QLabel;
@@ -95,9 +95,9 @@ public:
 
     // The menu that the main menu shows while this window is main.
     QMenu* corvaneNVMenu() const { return m_menu; }
-    int bank() const { return m_bank; }
-    int functionKey() const { return m_function; }
-    int parameter() const { return m_parameter; }
+    int bank() const { return m_banks.bank; }
+    int functionKey() const { return m_banks.function; }
+    int parameter() const { return m_banks.parameter; }
     void setBank(int bank);
     void setFunctionKey(int function);
     void setParameter(int parameter);
@@ -123,7 +123,5 @@ private:
     QMenu* m_addMenu = nullptr;
     QMenu* m_deleteMenu = nullptr;
     QMenu* m_selectMenu = nullptr;
-    int m_bank = 0;
-    int m_function = 0;
-    int m_parameter = 0;
+    CorvaneNVBanks m_banks;
 };

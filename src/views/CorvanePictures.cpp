@@ -8,6 +8,8 @@
 #include "model/TVKModelData.h"
 #include "surface/TVK_Constant_Server.h"
 #include "views/CorvaneNVLayout.h"
+#include "views/CorvaneSurfaceView.h"
+#include "views/TVKDisplayView.h"
 #include "views/cpkr_ColorPicker.h"
 
 #include <QPainter>
@@ -39,19 +41,6 @@ void CorvaneBankedPicture::setBank(int bank)
     update();
 }
 
-qint64 CorvaneBankedPicture::valueForImageIndex(quint64 k) const
-{
-    return m_bankSize > 0 ? qint64(m_bank) * m_bankSize + qint64(k) : qint64(k);
-}
-
-qint64 CorvaneBankedPicture::imageIndexForControl(qint64 control) const
-{
-    if (m_bankSize <= 0)
-        return control;
-    const qint64 k = control - qint64(m_bank) * m_bankSize;
-    return k >= 0 && k < m_bankSize ? k : -1;
-}
-
 CorvaneLCDButtonPicture::CorvaneLCDButtonPicture(const QString& key, int bankSize,
                                                  std::vector<ControlFrame> frames, QWidget* parent)
     : CorvaneBankedPicture(key, bankSize, parent), m_frames(std::move(frames))
@@ -60,7 +49,7 @@ CorvaneLCDButtonPicture::CorvaneLCDButtonPicture(const QString& key, int bankSiz
 void CorvaneLCDButtonPicture::awakeFromNib()
 {
     CorvaneBankedPicture::awakeFromNib();
-    // Every button shows its colours, the first of a bank too, which has no outline to click.
+    // Every button shows its colours.
     QRegion shown = mask();
     for (const ControlFrame& each : m_frames)
         shown |= each.frame;
@@ -86,9 +75,10 @@ void CorvaneLCDButtonPicture::paintOverlay(QPainter& painter)
     for (const ControlFrame& each : m_frames) {
         int group = 0;
         int index = 0;
-        const qint64 value =
-            bankSize() > 0 ? qint64(bank()) * bankSize() + each.control : qint64(each.control);
-        if (!constants->onscreenGroup(int(m_tag), int(value), group, index))
+        // The frames are the first bank's; the same place shows the same button of every bank.
+        const qsizetype at = m_controls.indexOf(each.control) + firstShownControl();
+        if (m_controls.indexOf(each.control) < 0 || at >= m_controls.size() ||
+            !constants->onscreenGroup(int(m_tag), m_controls.at(at), group, index))
             continue;
         const auto* button =
             dynamic_cast<const TVKMultiColorButtonControl*>(model->controlForKeyset(
@@ -111,5 +101,63 @@ void CorvaneLCDButtonPicture::paintOverlay(QPainter& painter)
             painter.setBrush(kGroupColors[qBound(0, colour, 7)]);
             painter.drawEllipse(QPointF(glass.right() - 5, glass.bottom() - 5), 3.5, 3.5);
         }
+    }
+}
+
+bool CorvaneNVBanks::follow(qint64 group, qint64 control)
+{
+    using namespace corvane::nv;
+    const CorvaneNVBanks before = *this;
+    const auto showParameter = [this](qint64 p) {
+        if (p >= 0 && p < kFunctionKeys * kParametersPerFunction) {
+            function = int(p / kParametersPerFunction);
+            parameter = int(p % kParametersPerFunction);
+        }
+    };
+    switch (group) {
+    case kOnscreenLCDButtons:
+        if (control >= 0 && control < kBanks * kButtonsPerBank)
+            bank = int(control / kButtonsPerBank);
+        break;
+    case kOnscreenBankButtons:
+        if (control >= 0 && control < kBanks)
+            bank = int(control);
+        break;
+    case kOnscreenFirstFunctionKeys:
+    case kOnscreenSecondFunctionKeys:
+        if (control >= 0 && control < kFunctionKeys)
+            function = int(control);
+        break;
+    case kOnscreenParameters:
+        showParameter(control);
+        break;
+    case kOnscreenActions:
+        if (control >= 0)
+            showParameter(control / kActionsPerParameter);
+        break;
+    default:
+        break;
+    }
+    return bank != before.bank || function != before.function || parameter != before.parameter;
+}
+
+void CorvaneNVBanks::apply(const CorvaneSurfaceView& surface) const
+{
+    using namespace corvane::nv;
+    for (TVKMultiStateButton* button : surface.buttons()) {
+        auto* banked = dynamic_cast<CorvaneBankedPicture*>(button);
+        if (!banked)
+            continue;
+        if (banked->tag() == kOnscreenLCDButtons)
+            banked->setBank(bank);
+        else if (banked->tag() == kOnscreenParameters)
+            banked->setBank(function);
+        else if (banked->tag() == kOnscreenActions)
+            banked->setBank(function * kParametersPerFunction + parameter);
+    }
+    for (TVKDisplayView* display : surface.displays()) {
+        if (display->tag() >= kOnscreenFirstButtonDisplays &&
+            display->tag() <= kOnscreenLastButtonDisplays)
+            display->setBank(bank);
     }
 }

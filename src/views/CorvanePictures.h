@@ -5,9 +5,11 @@
 #include <QRect>
 #include <vector>
 
+class CorvaneSurfaceView;
+
 // A picture that shows one bank of a larger group: the NV's LCD buttons (24 of 240), its
 // parameter buttons (the 5 of the chosen function key) and its action buttons (the 4 of the
-// chosen parameter). Its value is the control's number in the whole group.
+// chosen parameter). Its states count from the first control of the bank shown.
 class CorvaneBankedPicture : public TVKMultiStateButton
 {
     Q_OBJECT
@@ -19,8 +21,8 @@ public:
     // Shows another bank; the picture lights the selected control if it lies in that bank.
     void setBank(int bank);
 
-    qint64 valueForImageIndex(quint64 k) const override;
-    qint64 imageIndexForControl(qint64 control) const override;
+protected:
+    qsizetype firstShownControl() const override { return qsizetype(m_bank) * m_bankSize; }
 
 private:
     int m_bankSize;
@@ -49,4 +51,19 @@ protected:
 
 private:
     std::vector<ControlFrame> m_frames;
+};
+
+// What the NV shows: the bank of its LCD buttons, and the function key and parameter whose
+// parameter and action keys are shown. Touching (or clicking) a bank, function or parameter key,
+// or a button of another bank, shows its bank, as the hardware does.
+struct CorvaneNVBanks
+{
+    int bank = 0;
+    int function = 0;
+    int parameter = 0;
+
+    // Follows the selection of an on-screen control; true when another bank is to be shown.
+    bool follow(qint64 group, qint64 control);
+    // Shows the banks on the NV's banked pictures and button displays.
+    void apply(const CorvaneSurfaceView& surface) const;
 };

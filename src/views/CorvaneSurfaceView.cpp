@@ -46,15 +46,11 @@ TVKMultiStateButton* makeButton(const PlistValue& entry, QWidget* parent)
 QString accessibleNameFor(const TVKMultiStateButton& button)
 {
     const TVK_Constant_Server* constants = TVK_Constant_Server::defaultConstantServer();
-    for (qint64 k = 1; constants && k < button.numImages(); ++k) {
-        const QPainterPath* path = button.hitTestPath(k);
-        int group = 0;
-        int index = 0;
-        if (path && !path->boundingRect().isEmpty() &&
-            constants->onscreenGroup(int(button.tag()), int(button.valueForImageIndex(quint64(k))),
-                                     group, index))
-            return constants->dataModelGroupNameForGroup(group).trimmed();
-    }
+    int group = 0;
+    int index = 0;
+    if (constants && !button.groupControls().isEmpty() &&
+        constants->onscreenGroup(int(button.tag()), button.groupControls().first(), group, index))
+        return constants->dataModelGroupNameForGroup(group).trimmed();
     return button.descriptionKey();
 }
 

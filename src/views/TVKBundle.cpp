@@ -2,6 +2,7 @@
 
 #include "core/Log.h"
 #include "core/PlistCodec.h"
+#include "views/TVKMultiStateButton.h"
 
 #include <QFile>
 #include <QPainter>
@@ -104,6 +105,15 @@ QPixmap TVKBundle::imageNamed(const QString& name, qreal devicePixelRatio)
         const QRect lit = rectFrom(entry.value(u"Lit"));
         const QImage litSheet = sheetImage(sheetName + QStringLiteral("_Lit"), scale);
         QPainter painter(&composed);
+        if (entry.contains(u"LitClip")) {
+            // Lit within the control's own outline only (given on the sheet).
+            painter.setRenderHint(QPainter::Antialiasing);
+            painter.scale(scale, scale);
+            painter.translate(-frame.topLeft());
+            painter.setClipPath(
+                TVKMultiStateButton::outlineFromOperations(entry.value(u"LitClip")));
+            painter.resetTransform();
+        }
         painter.drawImage((lit.topLeft() - frame.topLeft()) * scale, litSheet,
                           QRect(lit.topLeft() * scale, lit.size() * scale));
     }

@@ -28,6 +28,25 @@ int TVKMultiStateButton::modelHardwareStyle()
 
 namespace {
 
+// Whether the picture of an on-screen group shows the selected control: the selection is in that
+// group, or the group draws the selected control's model group a second time (the function keys
+// of the TLW and TLW2 beside the main unit's).
+bool showsSelection(const TVKController& controller, qint64 tag)
+{
+    if (controller.displaySelected())
+        return false;
+    if (controller.selectedGroup() == tag)
+        return true;
+    const TVK_Constant_Server* constants = controller.constantServer();
+    const qint64 control = controller.selectedControl();
+    if (!constants || !constants->onscreenControlsInGroup(int(tag)).contains(int(control)))
+        return false;
+    int group = 0;
+    int index = 0;
+    return constants->onscreenGroup(int(tag), int(control), group, index) &&
+           group == controller.modelDataGroupIndex() && index == controller.modelDataControlIndex();
+}
+
 TVKImageList midnightNames(const TVKImageList& names)
 {
     TVKImageList midnight;
@@ -110,7 +129,7 @@ void TVKMultiStateButtonCell::stopTracking(QPointF point, bool mouseIsUp)
 void TVKMultiStateButtonCell::handleSelectedGroupChange()
 {
     const TVKController* controller = TVKController::c();
-    if (controller && controller->selectedGroup() != m_tag)
+    if (controller && !showsSelection(*controller, m_tag))
         setState(0);
 }
 
@@ -119,7 +138,7 @@ void TVKMultiStateButtonCell::remoteSelectionChange()
     const TVKController* controller = TVKController::c();
     if (!controller)
         return;
-    if (controller->selectedGroup() != m_tag) {
+    if (!showsSelection(*controller, m_tag)) {
         setState(0);
         return;
     }
@@ -162,6 +181,37 @@ void TVKMultiStateButton::setTag(qint64 tag)
 {
     m_tag = tag;
     m_cell->setTag(tag);
+    const TVK_Constant_Server* constants = TVK_Constant_Server::defaultConstantServer();
+    m_controls = constants ? constants->onscreenControlsInGroup(int(tag)) : QList<int>();
+}
+
+qint64 TVKMultiStateButton::controlForImageIndex(quint64 k) const
+{
+    const qsizetype at = firstShownControl() + qsizetype(k) - 1;
+    if (k == 0 || qint64(k) >= m_numImages || at >= m_controls.size())
+        return -1;
+    return m_controls.at(at);
+}
+
+qint64 TVKMultiStateButton::imageIndexForControl(qint64 control) const
+{
+    const qsizetype k = m_controls.indexOf(int(control)) - firstShownControl() + 1;
+    if (m_controls.indexOf(int(control)) < 0 || k < 1 || k >= m_numImages)
+        return -1;
+    return k;
+}
+
+qint64 TVKMultiStateButton::controlForModelControl(int group, int index) const
+{
+    const TVK_Constant_Server* constants = TVK_Constant_Server::defaultConstantServer();
+    for (const int control : m_controls) {
+        int dataGroup = -1;
+        int dataIndex = -1;
+        if (constants && constants->onscreenGroup(int(m_tag), control, dataGroup, dataIndex) &&
+            dataGroup == group && dataIndex == index)
+            return control;
+    }
+    return -1;
 }
 
 void TVKMultiStateButton::setDescriptionImages(const TVKImageList& names)
@@ -240,16 +290,25 @@ void TVKMultiStateButton::parsePath(const PlistValue& operations, qsizetype inde
         m_hitTestPaths.push_back(nullptr);
     if (operations.size() == 0)
         return;
-    auto path = std::make_unique<QPainterPath>();
+    auto path = std::make_unique<QPainterPath>(outlineFromOperations(operations));
+    if (qsizetype(m_hitTestPaths.size()) == index)
+        m_hitTestPaths.push_back(std::move(path));
+    else
+        m_hitTestPaths[size_t(index)] = std::move(path);
+}
+
+QPainterPath TVKMultiStateButton::outlineFromOperations(const PlistValue& operations)
+{
+    QPainterPath path;
     for (qsizetype i = 0; i < operations.size(); ++i) {
         const PlistValue& op = operations.at(i);
         const QString name = op.value(u"Operation").toString();
         if (name == QStringLiteral("Oval")) {
-            path->addEllipse(QRectF(getOpRect(op)));
+            path.addEllipse(QRectF(getOpRect(op)));
         } else if (name == QStringLiteral("MoveTo")) {
-            path->moveTo(getOpPoint(op));
+            path.moveTo(getOpPoint(op));
         } else if (name == QStringLiteral("LineTo")) {
-            path->lineTo(getOpPoint(op));
+            path.lineTo(getOpPoint(op));
         } else if (name == QStringLiteral("Arc") || name == QStringLiteral("ClockwiseArc")) {
             // Angles in degrees, counter-clockwise from three o'clock as drawn; the arc runs
             // from the start angle to the end angle the named way round.
@@ -265,15 +324,12 @@ void TVKMultiStateButton::parsePath(const PlistValue& operations, qsizetype inde
                 while (sweep >= 0)
                     sweep -= 360;
             }
-            path->arcTo(box, from, sweep);
+            path.arcTo(box, from, sweep);
         }
         // Any other operation is skipped.
     }
-    path->closeSubpath();
-    if (qsizetype(m_hitTestPaths.size()) == index)
-        m_hitTestPaths.push_back(std::move(path));
-    else
-        m_hitTestPaths[size_t(index)] = std::move(path);
+    path.closeSubpath();
+    return path;
 }
 
 const QPainterPath* TVKMultiStateButton::hitTestPath(qint64 k) const
@@ -340,12 +396,24 @@ void TVKMultiStateButton::hardwareStyleChanged()
 
 void TVKMultiStateButton::sendAction()
 {
-    const qint64 value = m_cell->imageIndex() == 0 ? 0 : valueForImageIndex(m_cell->imageIndex());
-    if (m_action) {
-        m_action(m_tag, value);
-    } else if (TVKController* controller = TVKController::c()) {
-        controller->handleMultiStateTVKButton(m_tag, value);
+    const quint64 k = m_cell->imageIndex();
+    if (TVKController* controller = TVKController::c())
+        controller->handleMultiStateTVKButton(m_tag, qint64(k), controlForImageIndex(k));
+}
+
+void TVKMultiStateButton::chooseControl(qint64 control)
+{
+    const qint64 k = imageIndexForControl(control);
+    if (k > 0) {
+        m_cell->setImageIndex(quint64(k));
+        setAlternateImage(m_images.value(k));
+        m_cell->setState(1);
+        sendAction();
+        return;
     }
+    // In another bank: the window shows that bank once the control is selected.
+    if (TVKController* controller = TVKController::c())
+        controller->handleTVKControl(control, m_tag);
 }
 
 void TVKMultiStateButton::paintEvent(QPaintEvent*)
@@ -379,6 +447,61 @@ qint64 TVKMultiStateButton::focusIndex() const
             return k;
     }
     return 0;
+}
+
+qint64 TVKMultiStateButton::focusControl() const
+{
+    // While the picture shows the selection, the keyboard is on the selected control, even when
+    // the selection moved here from elsewhere.
+    const TVKController* controller = TVKController::c();
+    if (controller && m_cell->state() != 0 && showsSelection(*controller, m_tag) &&
+        m_controls.contains(int(controller->selectedControl())))
+        return controller->selectedControl();
+    return controlForImageIndex(quint64(focusIndex()));
+}
+
+void TVKMultiStateButton::stepThroughPicture(int step)
+{
+    const qint64 count = m_numImages - 1;
+    if (count < 1)
+        return;
+    const qint64 from = imageIndexForControl(focusControl());
+    // From nothing chosen, the first step lands on the first (or last) control.
+    qint64 k = from > 0 ? from : (step > 0 ? 0 : 1);
+    k = (k - 1 + step + count) % count + 1;
+    chooseControl(controlForImageIndex(quint64(k)));
+}
+
+void TVKMultiStateButton::stepThroughModelGroup(int step)
+{
+    const TVK_Constant_Server* constants = TVK_Constant_Server::defaultConstantServer();
+    const qint64 from = focusControl();
+    int group = -1;
+    int index = -1;
+    if (!constants || from < 0 || !constants->onscreenGroup(int(m_tag), int(from), group, index))
+        return;
+    const int count = constants->numberOfControlsInGroup(group);
+    QList<TVKMultiStateButton*> pictures{this};
+    if (parentWidget()) {
+        for (TVKMultiStateButton* other :
+             parentWidget()->findChildren<TVKMultiStateButton*>(Qt::FindDirectChildrenOnly)) {
+            if (other != this)
+                pictures.append(other);
+        }
+    }
+    // The next control of the group that this unit draws.
+    for (int tries = 1; tries < count; ++tries) {
+        const int next = ((index + step * tries) % count + count) % count;
+        for (TVKMultiStateButton* picture : pictures) {
+            const qint64 control = picture->controlForModelControl(group, next);
+            if (control < 0)
+                continue;
+            if (picture != this)
+                picture->setFocus(Qt::OtherFocusReason);
+            picture->chooseControl(control);
+            return;
+        }
+    }
 }
 
 void TVKMultiStateButton::mousePressEvent(QMouseEvent* event)
@@ -419,29 +542,17 @@ void TVKMultiStateButton::keyPressEvent(QKeyEvent* event)
     case Qt::Key_Space:
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        if (m_cell->imageIndex() != 0)
-            sendAction();
+        if (focusIndex() != 0)
+            chooseControl(controlForImageIndex(quint64(focusIndex())));
         return;
     default:
         QAbstractButton::keyPressEvent(event);
         return;
     }
-    // Step to the next control that has an outline, round the group.
-    const qint64 count = m_numImages;
-    qint64 k = qint64(m_cell->imageIndex());
-    for (qint64 tries = 0; tries < count; ++tries) {
-        k = (k + step + count) % count;
-        const QPainterPath* path = hitTestPath(k);
-        if (k != 0 && path && !path->boundingRect().isEmpty())
-            break;
-    }
-    const QPainterPath* path = hitTestPath(k);
-    if (k == 0 || !path || path->boundingRect().isEmpty())
-        return;
-    m_cell->setImageIndex(quint64(k));
-    m_cell->stopTracking(QPointF(), false);
-    setAlternateImage(m_images.value(k));
-    sendAction();
+    if (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down)
+        stepThroughPicture(step);
+    else
+        stepThroughModelGroup(step);
 }
 
 void TVKMultiStateButton::focusInEvent(QFocusEvent* event)

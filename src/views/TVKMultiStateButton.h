@@ -8,7 +8,6 @@
 #include <QPainterPath>
 #include <QPointF>
 #include <QStringList>
-#include <functional>
 #include <memory>
 #include <vector>
 
@@ -60,18 +59,18 @@ private:
 
 // One clickable group of the surface's controls: one picture per state and one hit outline per
 // control, read from the information dictionary under the button's key. Its tag is the on-screen
-// group, its value the control last clicked.
+// group. State k (from 1) shows the k-th control that the group draws, in the surface constants'
+// on-screen numbering; state 0 shows none. The NV's banked pictures show one bank of their group
+// at a time, and their states count from the bank's first control.
 //
-// Beyond the click, the button can be worked from the keyboard: the arrow keys step through the
-// group's controls and select each in turn.
+// Beyond the click, the button can be worked from the keyboard: Left and Right step through the
+// model group of the chosen control in order, into the picture that draws the next one; Up and
+// Down step through this picture's own controls. Either selects each control in turn.
 class TVKMultiStateButton : public QAbstractButton
 {
     Q_OBJECT
 
 public:
-    // What a click asks of the main controller: select control (value) of group (tag).
-    using Action = std::function<void(qint64 tag, qint64 value)>;
-
     // The key is the description's key: empty for the class's own (infoKey()).
     explicit TVKMultiStateButton(const QString& key = QString(), QWidget* parent = nullptr);
     ~TVKMultiStateButton() override;
@@ -82,6 +81,8 @@ public:
     // Builds images, outlines and tag from the description.
     virtual void awakeFromNib();
     void parsePath(const corvane::PlistValue& operations, qsizetype index);
+    // The closed outline that a list of path operations builds.
+    static QPainterPath outlineFromOperations(const corvane::PlistValue& operations);
 
     static QPoint getOpOrigin(const corvane::PlistValue& op);
     static QSize getOpSize(const corvane::PlistValue& op);
@@ -92,7 +93,6 @@ public:
     static double getOpStartAngle(const corvane::PlistValue& op);
     static double getOpEndAngle(const corvane::PlistValue& op);
 
-    void setAction(Action action) { m_action = std::move(action); }
     TVKMultiStateButtonCell& cell() { return *m_cell; }
     const TVKMultiStateButtonCell& cell() const { return *m_cell; }
     qint64 tag() const { return m_tag; }
@@ -116,21 +116,33 @@ public:
     // The model's finish: 1 silver, anything else midnight (0 without a model).
     static int modelHardwareStyle();
 
-    // The value this button sends for control k of its picture; the NV's banked groups add
-    // their bank.
-    virtual qint64 valueForImageIndex(quint64 k) const { return qint64(k); }
-    // The picture's state that shows a control the controller selected; -1 when it is not on
-    // this picture.
-    virtual qint64 imageIndexForControl(qint64 control) const { return control; }
+    // The on-screen controls of the group, in state order (every bank's, for a banked picture).
+    const QList<int>& groupControls() const { return m_controls; }
+    // The on-screen control that state k shows; -1 for state 0 or a state beyond the picture.
+    qint64 controlForImageIndex(quint64 k) const;
+    // The state that shows an on-screen control of the group; -1 when the picture does not show
+    // it (another group, or another bank).
+    qint64 imageIndexForControl(qint64 control) const;
+    // The on-screen control of this group that is the model's control (model-data group and
+    // index), in any bank; -1 when the group does not draw it.
+    qint64 controlForModelControl(int group, int index) const;
+    // Selects an on-screen control of the group as a click on it does, in whatever bank it lies.
+    void chooseControl(qint64 control);
 
 protected:
     void setDescriptionImages(const TVKImageList& names);
     void applyImageSet(const TVKImageList& images);
     void parsePathList(const corvane::PlistValue& pathList);
     void updateMask();
-    // The control the keyboard is on.
+    // The state the keyboard is on.
     qint64 focusIndex() const;
+    // The on-screen control the keyboard is on.
+    qint64 focusControl() const;
+    void stepThroughPicture(int step);
+    void stepThroughModelGroup(int step);
     void sendAction();
+    // How many controls of the group come before the first shown (the bank's start).
+    virtual qsizetype firstShownControl() const { return 0; }
 
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
@@ -152,7 +164,7 @@ protected:
     QString m_image;
     QString m_alternateImage;
     std::unique_ptr<TVKMultiStateButtonCell> m_cell;
-    Action m_action;
+    QList<int> m_controls;
     std::vector<corvane::NotificationCenter::Observation> m_observations;
     int m_hardwareStyle = 0;
 };

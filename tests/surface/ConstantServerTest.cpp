@@ -98,6 +98,54 @@ TEST_F(ConstantServerTest, EveryModelDataControlRoundTripsThroughTheScreen)
     }
 }
 
+// A picture shows the controls of its on-screen group as states 1, 2, …: every control of the model
+// is one state of the group that draws it, and each group lists its controls in its numbering.
+TEST_F(ConstantServerTest, EveryControlIsOneStateOfTheGroupThatDrawsIt)
+{
+    int controls = 0;
+    for (int g = 0; g < server.numberOfControlGroups(); ++g) {
+        for (int i = 0; i < server.numberOfControlsInGroup(g); ++i) {
+            int onscreen = kUntouched;
+            int control = kUntouched;
+            server.modelDataGroupID(g, i, onscreen, control);
+            EXPECT_EQ(server.onscreenControlsInGroup(onscreen).count(control), 1)
+                << g << "/" << i << " in on-screen group " << onscreen;
+            ++controls;
+        }
+    }
+    EXPECT_EQ(server.numberOfControlGroups(), 31);
+    int listed = 0;
+    for (int g = 0; g < Corvane_Constant_Server::kNumberOfOnscreenGroups; ++g) {
+        const QList<int> list = server.onscreenControlsInGroup(g);
+        for (qsizetype k = 1; k < list.size(); ++k)
+            EXPECT_LT(list[k - 1], list[k]) << "on-screen group " << g;
+        if ((g < 31 || g > 38) && g != 48)
+            listed += int(list.size());
+    }
+    EXPECT_EQ(listed, controls);
+
+    // Read off the tables by hand: groups numbered from 0, from 1 and by parity, rows split over
+    // several pictures, mixed groups, and the TLW's second drawing of the F keys.
+    const std::pair<int, QList<int>> cases[] = {{0, {0, 1, 2, 3, 4}},
+                                                {2, {0, 6}},
+                                                {3, {1, 5}},
+                                                {4, {2, 3, 4}},
+                                                {8, {0, 1, 2, 3, 4, 5, 6, 7, 8}},
+                                                {11, {0, 1, 2, 3, 4}},
+                                                {13, {0, 1}},
+                                                {16, {1, 2}},
+                                                {17, {1, 2}},
+                                                {21, {12, 13, 14, 15}},
+                                                {22, {1, 2, 3, 4, 5}},
+                                                {43, {4, 5, 6, 7}},
+                                                {48, {0, 1, 2, 3, 4, 5, 6, 7}},
+                                                {49, {}},
+                                                {-1, {}}};
+    for (const auto& [group, expected] : cases)
+        EXPECT_EQ(server.onscreenControlsInGroup(group), expected) << "on-screen group " << group;
+    EXPECT_EQ(server.onscreenControlsInGroup(40).size(), 240);
+}
+
 TEST_F(ConstantServerTest, OnscreenSpecialCases)
 {
     struct Case

@@ -149,8 +149,10 @@ TEST_F(ViewsTest, Screens)
     const auto lit = [&](const char* where) {
         EXPECT_EQ(play.cell().state(), 1) << where;
         const QImage picture = play.grab().toImage();
+        // Beside the key's glyph, on its lit face.
+        const QRectF key = play.hitTestPath(play.imageIndexForControl(3))->boundingRect();
         const QPoint centre =
-            play.hitTestPath(4)->boundingRect().center().toPoint() * picture.devicePixelRatio();
+            QPointF(key.left() + 5, key.center().y()).toPoint() * picture.devicePixelRatio();
         EXPECT_GT(qRed(picture.pixel(centre)), 200) << where << ": the Play key is not lit";
     };
     capture(*app->mainWindow(), QStringLiteral("main-midnight"));

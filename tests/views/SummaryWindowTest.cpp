@@ -55,9 +55,9 @@ TEST_F(SummaryTest, TheBrowserFollowsTheSelectionAndMovesIt)
     KeysetSummaryController& summary = openSummaryOnSample();
     EXPECT_EQ(summary.model().rowCount(), 5);
 
-    // A click on the picture: Play (group 1, control 3) of the keyset shown.
+    // A click on the picture: Play (group 1, control 3; the picture's fourth) of the keyset shown.
     TVKMultiStateButton& transport = button(mainSurface(), 1);
-    clickSurface(mainSurface(), transport.geometry().topLeft() + insideControl(transport, 3));
+    clickSurface(mainSurface(), transport.geometry().topLeft() + insideControl(transport, 4));
     EXPECT_EQ(browserPath(summary), (std::vector<int>{0, 0, 1, 3}));
 
     // Choosing another control in the browser selects it and tells the surface.

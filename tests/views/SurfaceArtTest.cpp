@@ -29,7 +29,8 @@ QApplication& application()
     return *app;
 }
 
-// Every state but 0 of every picture has an outline, and every picture name has both finishes.
+// Every picture name has both finishes at both scales; whether each control has its outline is
+// tried by a click on every control of the model (SurfaceControlsTest).
 void checkDescription(const QString& key, const PlistValue& description)
 {
     TVKBundle& bundle = TVKBundle::mainBundle();
@@ -40,8 +41,6 @@ void checkDescription(const QString& key, const PlistValue& description)
     const qsizetype states = sets ? images.at(0).size() : images.size();
     ASSERT_GE(states, 2) << key.toStdString();
     EXPECT_EQ(paths.size(), states) << key.toStdString();
-    for (qsizetype k = 1; k < states; ++k)
-        EXPECT_GT(paths.at(k).size(), 0) << key.toStdString() << " state " << k;
     for (qsizetype s = 0; s < (sets ? images.size() : 1); ++s) {
         const PlistValue& names = sets ? images.at(s) : images;
         EXPECT_EQ(names.size(), states) << key.toStdString();
@@ -61,7 +60,7 @@ void checkDescription(const QString& key, const PlistValue& description)
 
 } // namespace
 
-TEST(SurfaceArt, EveryShippedDescriptionHasAPictureAndAnOutlineForEveryState)
+TEST(SurfaceArt, EveryShippedDescriptionHasItsPicturesInBothFinishes)
 {
     application();
     QFile file(QStringLiteral(":/surface/Info.plist"));

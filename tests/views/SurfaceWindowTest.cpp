@@ -45,11 +45,12 @@ TEST_F(ViewsTest, AClickOnAControlSelectsItAndMovesTheSurfaceHighlight)
     CorvaneSurfaceView& surface = mainSurface();
     TVKMultiStateButton& m = button(surface, kM);
 
+    // State 4 of the M picture is M4, on-screen control 3.
     qsizetype from = mark();
-    clickSurface(surface, m.geometry().topLeft() + insideControl(m, 3));
+    clickSurface(surface, m.geometry().topLeft() + insideControl(m, 4));
     EXPECT_EQ(controller->selectedGroup(), kM);
     EXPECT_EQ(controller->selectedControl(), 3);
-    EXPECT_TRUE(pictureLit(m, 3));
+    EXPECT_TRUE(pictureLit(m, 4));
     ASSERT_TRUE(waitForCount(QStringLiteral("TCtl"), 2, from));
     const std::vector<QJsonObject> echoes = received(QStringLiteral("TCtl"), from);
     // Off for the control selected before, then on for M4 (model-data group 0, index 3).
@@ -60,9 +61,9 @@ TEST_F(ViewsTest, AClickOnAControlSelectsItAndMovesTheSurfaceHighlight)
 
     // The same control again sends nothing; a click between the controls keeps the selection.
     from = mark();
-    clickSurface(surface, m.geometry().topLeft() + insideControl(m, 3));
+    clickSurface(surface, m.geometry().topLeft() + insideControl(m, 4));
     QTest::mouseClick(&m, Qt::LeftButton, Qt::NoModifier, QPoint(1, 1));
-    EXPECT_EQ(m.integerValue(), 3);
+    EXPECT_EQ(m.integerValue(), 4);
     EXPECT_EQ(controller->selectedControl(), 3);
     QTest::qWait(200);
     EXPECT_TRUE(received(QStringLiteral("TCtl"), from).empty());
@@ -71,13 +72,14 @@ TEST_F(ViewsTest, AClickOnAControlSelectsItAndMovesTheSurfaceHighlight)
     TVKMultiStateButton& transport = button(surface, kTransport);
     clickSurface(surface, transport.geometry().topLeft() + insideControl(transport, 4));
     EXPECT_EQ(controller->selectedGroup(), kTransport);
+    EXPECT_EQ(controller->selectedControl(), 3);
     EXPECT_EQ(m.cell().state(), 0);
     EXPECT_TRUE(pictureLit(transport, 4));
 
     // From the keyboard: the arrows step through the group's controls.
     transport.setFocus();
     QTest::keyClick(&transport, Qt::Key_Left);
-    EXPECT_EQ(controller->selectedControl(), 3);
+    EXPECT_EQ(controller->selectedControl(), 2);
     EXPECT_TRUE(pictureLit(transport, 3));
 }
 
@@ -88,7 +90,7 @@ TEST_F(ViewsTest, ClicksReachTheGroupWhoseControlLiesThereThroughOverlappingPict
     // W7 belongs to the group drawn at both ends of the row, whose frame covers W2…W6 too.
     TVKMultiStateButton& outer = button(surface, kW1);
     TVKMultiStateButton& inner = button(surface, kW2);
-    const QPoint w7 = outer.geometry().topLeft() + insideControl(outer, 6);
+    const QPoint w7 = outer.geometry().topLeft() + insideControl(outer, 2);
     const QPoint w2 = inner.geometry().topLeft() + insideControl(inner, 1);
     EXPECT_EQ(surface.childAt(w7), &outer);
     EXPECT_EQ(surface.childAt(w2), &inner);
@@ -121,7 +123,7 @@ TEST_F(ViewsTest, ATouchOnTheSurfaceLightsThePictureOfThatControl)
     TVKMultiStateButton& m = button(surface, kM);
     from = mark();
     service->command(QStringLiteral("send TCtl 0 3 0 1"));
-    ASSERT_TRUE(spinUntil([&] { return pictureLit(m, 3); }));
+    ASSERT_TRUE(spinUntil([&] { return pictureLit(m, 4); }));
     // Its echo is in before the next touch is looked at.
     ASSERT_TRUE(service->waitFor(
         [](const QJsonObject& o) {
@@ -138,7 +140,7 @@ TEST_F(ViewsTest, ATouchOnTheSurfaceLightsThePictureOfThatControl)
         3000, from));
     QTest::qWait(100);
     EXPECT_EQ(controller->modelDataControlIndex(), 3);
-    EXPECT_TRUE(pictureLit(m, 3));
+    EXPECT_TRUE(pictureLit(m, 4));
     EXPECT_TRUE(received(QStringLiteral("TCtl"), from).empty());
 
     // A display click turns every picture off and selects the display.
@@ -253,10 +255,10 @@ TEST_F(ViewsTest, TheNVShowsTheBankOfTheButtonTouchedAndGroupsItsButtons)
     // Button 7 of bank 2 is control 30 of the 240.
     service->command(QStringLiteral("send TCtl 24 30 0 1"));
     ASSERT_TRUE(spinUntil([&] { return nv.bank() == 1; }));
-    EXPECT_TRUE(pictureLit(lcd, 6));
+    EXPECT_TRUE(pictureLit(lcd, 7));
 
     // Clicking button 3 in that bank selects control 26.
-    clickSurface(*nv.surface(), lcd.geometry().topLeft() + insideControl(lcd, 2));
+    clickSurface(*nv.surface(), lcd.geometry().topLeft() + insideControl(lcd, 3));
     EXPECT_EQ(controller->modelDataControlIndex(), 26);
 
     views.textAnswers.push_back(QStringLiteral("Strings"));
@@ -279,12 +281,12 @@ TEST_F(ViewsTest, TheVirtualSurfaceTouchesControlsAndLightsTheSelection)
     startApplication();
     TVKMultiStateButton& m = button(mainSurface(), kM);
     // The simulator draws the same layout: the point of M3 in the application is M3 there.
-    const QPoint m3 = m.geometry().topLeft() + insideControl(m, 2);
+    const QPoint m3 = m.geometry().topLeft() + insideControl(m, 3);
     const qsizetype from = mark();
     service->command(QStringLiteral("click CorvaneRS %1 %2").arg(m3.x()).arg(m3.y()));
     ASSERT_TRUE(spinUntil([&] { return controller->selectedControl() == 2; }));
     EXPECT_EQ(controller->selectedGroup(), kM);
-    EXPECT_TRUE(pictureLit(m, 2));
+    EXPECT_TRUE(pictureLit(m, 3));
     const auto lit = service->waitFor(
         [](const QJsonObject& line) { return line.contains(QStringLiteral("lit")); }, 5000, from);
     ASSERT_TRUE(lit.has_value());

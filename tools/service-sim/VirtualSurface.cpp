@@ -77,12 +77,14 @@ bool VirtualSurface::eventFilter(QObject* watched, QEvent* event)
         const QPainterPath* path = button->hitTestPath(k);
         if (!path || !path->contains(mouse->position()))
             continue;
+        const qint64 onscreen = button->controlForImageIndex(quint64(k));
         int group = 0;
         int control = 0;
-        if (m_constants.onscreenGroup(
-                int(button->tag()), int(button->valueForImageIndex(quint64(k))), group, control)) {
+        if (onscreen >= 0 &&
+            m_constants.onscreenGroup(int(button->tag()), int(onscreen), group, control)) {
             m_pressedGroup = group;
             m_pressedControl = control;
+            followNVBanks(int(button->tag()), int(onscreen));
             m_simulator.touch(std::uint32_t(group), std::uint32_t(control), 1);
         }
         break;
@@ -95,6 +97,7 @@ void VirtualSurface::light(std::uint32_t group, std::uint32_t control)
     int onscreen = -1;
     int onscreenControl = 0;
     m_constants.modelDataGroupID(int(group), int(control), onscreen, onscreenControl);
+    followNVBanks(onscreen, onscreenControl);
     for (CorvaneSurfaceView* surface : m_surfaces) {
         for (TVKMultiStateButton* button : surface->buttons()) {
             const qint64 k =
@@ -104,10 +107,21 @@ void VirtualSurface::light(std::uint32_t group, std::uint32_t control)
                 button->cell().setState(1);
                 m_simulator.emitLine({{QStringLiteral("lit"), surface->unit()},
                                       {QStringLiteral("group"), button->tag()},
-                                      {QStringLiteral("control"), k}});
+                                      {QStringLiteral("control"), onscreenControl},
+                                      {QStringLiteral("state"), k}});
             } else {
                 button->cell().setState(0);
             }
         }
+    }
+}
+
+void VirtualSurface::followNVBanks(int onscreenGroup, int onscreenControl)
+{
+    if (!m_nvBanks.follow(onscreenGroup, onscreenControl))
+        return;
+    for (CorvaneSurfaceView* surface : m_surfaces) {
+        if (surface->unit() == QLatin1String("CorvaneNV"))
+            m_nvBanks.apply(*surface);
     }
 }

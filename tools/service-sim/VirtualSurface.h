@@ -1,6 +1,7 @@
 #pragma once
 
 #include "surface/Corvane_Constant_Server.h"
+#include "views/CorvanePictures.h"
 
 #include <QTabWidget>
 #include <cstdint>
@@ -22,7 +23,8 @@ public:
     // "click <unit> <x> <y>": a press and release at a point of a unit's picture, as the mouse
     // gives them.
     bool runCommand(const QStringList& words);
-    // Lights the control (model-data group and index) and darkens the rest.
+    // Lights the control (model-data group and index) and darkens the rest; the NV shows the
+    // bank of the control lit.
     void light(std::uint32_t group, std::uint32_t control);
     const std::vector<CorvaneSurfaceView*>& surfaces() const { return m_surfaces; }
 
@@ -30,9 +32,13 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // The NV shows the bank of a key touched or lit there.
+    void followNVBanks(int onscreenGroup, int onscreenControl);
+
     ServiceSimulator& m_simulator;
     Corvane_Constant_Server m_constants;
     std::vector<CorvaneSurfaceView*> m_surfaces;
+    CorvaneNVBanks m_nvBanks;
     // What a press touched, so that the release lets go of the same control.
     int m_pressedGroup = -1;
     int m_pressedControl = -1;

@@ -3,6 +3,7 @@
 #include "SurfaceArt.h"
 #include "SurfaceLayout.h"
 #include "core/PlistCodec.h"
+#include "surface/Corvane_Constant_Server.h"
 
 #include <QDir>
 #include <QPainter>
@@ -119,14 +120,6 @@ PlistValue wedgeOutline(const QPointF& c, qreal outer, qreal inner, qreal from, 
     return path;
 }
 
-// A state without a control still needs an outline; one that encloses nothing is never hit.
-PlistValue emptyOutline()
-{
-    PlistValue path = PlistValue::makeArray();
-    path.append(op(QStringLiteral("MoveTo"), {{u"X", 0}, {u"Y", 0}}));
-    return path;
-}
-
 // The hit outline of a control, in its button's coordinates.
 PlistValue outline(const Control& control, const QPoint& origin)
 {
@@ -191,36 +184,123 @@ struct Writer
     }
 };
 
-PlistValue imageEntry(const QString& sheet, const QRect& frame, const Control* lit)
+// A lit control whose rectangle takes in another control of its button (a cursor switch's arm,
+// a ring round its ball) is lit only within its own outline.
+PlistValue imageEntry(const QString& sheet, const QRect& frame, const Control* lit,
+                      const QVector<Control>& neighbours)
 {
     PlistValue entry = PlistValue::makeDict();
     entry.insert(QStringLiteral("Sheet"), PlistValue(sheet));
     entry.insert(QStringLiteral("Frame"), rectValue(frame));
-    if (lit)
-        entry.insert(QStringLiteral("Lit"), rectValue(litRect(*lit)));
+    if (!lit)
+        return entry;
+    entry.insert(QStringLiteral("Lit"), rectValue(litRect(*lit)));
+    for (const Control& other : neighbours) {
+        if (other.rect != lit->rect || other.shape != lit->shape) {
+            if (QRectF(litRect(*lit)).intersects(other.rect)) {
+                entry.insert(QStringLiteral("LitClip"), outline(*lit, QPoint(0, 0)));
+                break;
+            }
+        }
+    }
     return entry;
 }
 
 // Both finishes of one picture name: the silver one as named, the midnight one with "_Mid".
 void addImage(PlistValue& images, const QString& name, const QString& silverSheet,
-              const QString& midnightSheet, const QRect& frame, const Control* lit)
+              const QString& midnightSheet, const QRect& frame, const Control* lit,
+              const QVector<Control>& neighbours)
 {
-    images.insert(name, imageEntry(silverSheet, frame, lit));
-    images.insert(name + QStringLiteral("_Mid"), imageEntry(midnightSheet, frame, lit));
+    images.insert(name, imageEntry(silverSheet, frame, lit, neighbours));
+    images.insert(name + QStringLiteral("_Mid"), imageEntry(midnightSheet, frame, lit, neighbours));
 }
 
-PlistValue pathList(const Button& button, const QPoint& origin)
+// The controls of a picture by state: state k shows the k-th control that its on-screen group
+// draws (the first bank's, for the NV's banked pictures); state 0 shows none. Every control of
+// the group needs its place in the layout, and the layout places nothing else.
+using States = QVector<const Control*>;
+
+const Corvane_Constant_Server& constants()
+{
+    static const Corvane_Constant_Server server;
+    return server;
+}
+
+bool statesOf(const Button& button, int tag, States& states, QString& error)
+{
+    QList<int> drawn = constants().onscreenControlsInGroup(tag);
+    if (button.bank > 0)
+        drawn = drawn.mid(0, button.bank);
+    states = States{nullptr};
+    for (const int c : drawn) {
+        const Control* control = button.control(c);
+        if (!control) {
+            error = QStringLiteral("%1: control %2 of group %3 has no place in the layout")
+                        .arg(button.key)
+                        .arg(c)
+                        .arg(tag);
+            return false;
+        }
+        states.append(control);
+    }
+    for (const Control& control : button.controls) {
+        if (!drawn.contains(control.c)) {
+            error = QStringLiteral("%1: group %2 has no control %3")
+                        .arg(button.key)
+                        .arg(tag)
+                        .arg(control.c);
+            return false;
+        }
+    }
+    return true;
+}
+
+PlistValue pathList(const States& states, const QPoint& origin)
 {
     PlistValue paths = PlistValue::makeArray();
     paths.append(PlistValue::makeArray()); // state 0 has no hit area
-    for (int k = 1; k < button.numImages(); ++k) {
-        const Control* control = button.control(k);
-        paths.append(control ? outline(*control, origin) : emptyOutline());
-    }
+    for (qsizetype k = 1; k < states.size(); ++k)
+        paths.append(outline(*states[k], origin));
     return paths;
 }
 
-bool generateRings(Writer& w, const Button& ring, PlistValue& info, PlistValue& images)
+// A point on the control where a finger (or the pointer) reaches it: the middle of a ring's band
+// and of a cursor switch's arm, the centre of anything else.
+QPoint touchPoint(const Control& control, const QPoint& origin)
+{
+    const QRectF r = control.rect.translated(-origin);
+    const QString& s = control.shape;
+    if (s == QStringLiteral("ring") || s == QStringLiteral("tbring"))
+        return QPointF(r.center().x(), r.top() + (r.height() - control.inner.height()) / 4)
+            .toPoint();
+    if (s.startsWith(QStringLiteral("dpad-")) && s != QStringLiteral("dpad-center")) {
+        const qreal outer = r.width() / 2 - 1;
+        const qreal mid = s == QStringLiteral("dpad-right")  ? 0
+                          : s == QStringLiteral("dpad-down") ? 270
+                          : s == QStringLiteral("dpad-left") ? 180
+                                                             : 90;
+        return onCircle(r.center(), outer * (1 + 0.36) / 2, mid);
+    }
+    return r.center().toPoint();
+}
+
+// Where each control lies in its picture, by its on-screen number.
+PlistValue controlFrames(const Button& button, const QPoint& origin)
+{
+    PlistValue controls = PlistValue::makeArray();
+    for (const Control& control : button.controls) {
+        PlistValue c = PlistValue::makeDict();
+        c.insert(QStringLiteral("Control"), PlistValue(control.c));
+        c.insert(QStringLiteral("Frame"), rectValue(control.rect.translated(-origin).toRect()));
+        const QPoint at = touchPoint(control, origin);
+        c.insert(QStringLiteral("Point"), intArray({at.x(), at.y()}));
+        controls.append(c);
+    }
+    return controls;
+}
+
+bool generateRings(Writer& w, const Button& ring, const States& states, PlistValue& info,
+                   PlistValue& images)
 {
     const QRect frame = ring.frame();
     const QRect sheetFrame(QPoint(0, 0), frame.size());
@@ -228,9 +308,15 @@ bool generateRings(Writer& w, const Button& ring, PlistValue& info, PlistValue& 
     for (const RingSet& set : kRingSets) {
         const QString sheet = QStringLiteral("TrackballRing") + QString::fromUtf16(set.suffix);
         PlistValue names = PlistValue::makeArray();
-        for (int k = 0; k < ring.numImages(); ++k) {
+        // The ring's sheet is its frame alone.
+        QVector<Control> shiftedControls = ring.controls;
+        for (Control& each : shiftedControls) {
+            each.rect.translate(-frame.topLeft());
+            each.inner.translate(-frame.topLeft());
+        }
+        for (qsizetype k = 0; k < states.size(); ++k) {
             const QString name = sheet + QStringLiteral("_%1").arg(k);
-            const Control* lit = k > 0 ? ring.control(k) : nullptr;
+            const Control* lit = states[k];
             Control shifted;
             if (lit) {
                 shifted = *lit;
@@ -238,7 +324,7 @@ bool generateRings(Writer& w, const Button& ring, PlistValue& info, PlistValue& 
                 shifted.inner.translate(-frame.topLeft());
             }
             addImage(images, name, sheet, sheet + QStringLiteral("_Midnight"), sheetFrame,
-                     lit ? &shifted : nullptr);
+                     lit ? &shifted : nullptr, shiftedControls);
             names.append(PlistValue(name));
         }
         lists.append(names);
@@ -259,7 +345,7 @@ bool generateRings(Writer& w, const Button& ring, PlistValue& info, PlistValue& 
     }
     PlistValue description = PlistValue::makeDict();
     description.insert(QStringLiteral("ImageList"), lists);
-    description.insert(QStringLiteral("PathList"), pathList(ring, frame.topLeft()));
+    description.insert(QStringLiteral("PathList"), pathList(states, frame.topLeft()));
     info.insert(ring.key, description);
     return true;
 }
@@ -270,31 +356,40 @@ bool generateUnit(Writer& w, const Layout& layout, PlistValue& info, PlistValue&
     PlistValue buttons = PlistValue::makeArray();
     for (const Button& button : layout.buttons) {
         if (button.cls == QStringLiteral("ring")) {
+            States states;
             for (int n = 0; n < button.instances.size(); ++n) {
+                // Every ring draws the same controls of its own trackball.
+                if (!statesOf(button, constants().onscreenTrackballGroupIDForTrackball(n), states,
+                              w.error))
+                    return false;
                 const QRect frame = button.frame().translated(button.instances[n].toPoint());
                 PlistValue entry = PlistValue::makeDict();
                 entry.insert(QStringLiteral("InfoKey"), PlistValue(button.key));
                 entry.insert(QStringLiteral("Class"), PlistValue(button.cls));
                 entry.insert(QStringLiteral("Frame"), rectValue(frame));
                 entry.insert(QStringLiteral("TrackballNumber"), PlistValue(n));
+                entry.insert(QStringLiteral("Controls"),
+                             controlFrames(button, button.frame().topLeft()));
                 buttons.append(entry);
             }
-            if (!info.contains(button.key) && !generateRings(w, button, info, images))
+            if (!info.contains(button.key) && !generateRings(w, button, states, info, images))
                 return false;
             continue;
         }
         const QRect frame = button.frame();
+        States states;
+        if (!statesOf(button, button.tag, states, w.error))
+            return false;
         PlistValue names = PlistValue::makeArray();
-        for (int k = 0; k < button.numImages(); ++k) {
+        for (qsizetype k = 0; k < states.size(); ++k) {
             const QString name = button.key + QStringLiteral("_%1").arg(k);
-            // State 0 shows nothing lit, even where a control numbered 0 is drawn.
-            addImage(images, name, layout.name, layout.midnightName, frame,
-                     k > 0 ? button.control(k) : nullptr);
+            addImage(images, name, layout.name, layout.midnightName, frame, states[k],
+                     button.controls);
             names.append(PlistValue(name));
         }
         PlistValue description = PlistValue::makeDict();
         description.insert(QStringLiteral("ImageList"), names);
-        description.insert(QStringLiteral("PathList"), pathList(button, frame.topLeft()));
+        description.insert(QStringLiteral("PathList"), pathList(states, frame.topLeft()));
         description.insert(QStringLiteral("ControlTag"), PlistValue(button.tag));
         info.insert(button.key, description);
 
@@ -305,17 +400,8 @@ bool generateUnit(Writer& w, const Layout& layout, PlistValue& info, PlistValue&
         entry.insert(QStringLiteral("Tag"), PlistValue(button.tag));
         if (button.bank > 0)
             entry.insert(QStringLiteral("Bank"), PlistValue(button.bank));
-        // Where each control lies in the button, the unclickable ones too: the windows draw
-        // the LCD buttons' colours there.
-        PlistValue controls = PlistValue::makeArray();
-        for (const Control& control : button.controls) {
-            PlistValue c = PlistValue::makeDict();
-            c.insert(QStringLiteral("Control"), PlistValue(control.c));
-            c.insert(QStringLiteral("Frame"),
-                     rectValue(control.rect.translated(-frame.topLeft()).toRect()));
-            controls.append(c);
-        }
-        entry.insert(QStringLiteral("Controls"), controls);
+        // Where each control lies in the button: the windows draw the LCD buttons' colours there.
+        entry.insert(QStringLiteral("Controls"), controlFrames(button, frame.topLeft()));
         buttons.append(entry);
     }
 

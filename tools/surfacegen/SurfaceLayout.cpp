@@ -63,14 +63,6 @@ bool readControls(const QJsonArray& list, QVector<Control>& controls, QString& e
 
 } // namespace
 
-int Button::numImages() const
-{
-    int highest = 0;
-    for (const Control& control : controls)
-        highest = std::max(highest, control.c);
-    return highest + 1;
-}
-
 QRect Button::frame() const
 {
     QRectF united;

@@ -15,7 +15,7 @@ namespace surfacegen {
 
 struct Control
 {
-    int c = 0;     // on-screen control number: the picture's state that shows it lit
+    int c = 0; // on-screen control number (the picture's state comes from its rank in the group)
     QString shape; // key, round, square, encoder, ball, ring, jog, fader, touch, lcdkey, dpad-*
     QRectF rect;   // in unit coordinates (relative to the instance for shared buttons)
     QRectF inner;  // the hole of a ring
@@ -31,7 +31,6 @@ struct Button
     QVector<Control> controls;
     QVector<QPointF> instances; // shared buttons (the trackball rings): one frame per instance
 
-    int numImages() const;
     // The union of the controls' drawing, with room for their shadows; whole pixels.
     QRect frame() const;
     const Control* control(int c) const;
