@@ -50,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             break;
     }
     // The whole input as one body too, whatever its framing.
-    frame.code = msg::InAc;
+    frame.code = msg::propertyMessage(corvane::ControlProperty::Action);
     frame.body = QByteArray(bytes, qsizetype(length));
     decodeBody(frame);
     return 0;
