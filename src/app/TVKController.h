@@ -20,6 +20,9 @@
 #include <vector>
 
 class QAction;
+namespace corvane {
+struct PlistReadResult;
+}
 class TVKAction;
 class TVKControl;
 class TVKKeyset;
@@ -320,6 +323,8 @@ protected:
     // drawn there.
     bool onscreenToModel(qint64 group, qint64 control, int& dataGroup, int& dataControl) const;
     bool controlExists(qint64 group, qint64 control) const;
+    // Why a keyset file or the clipboard's keyset cannot be taken; empty when it can.
+    static QString keysetArchiveProblem(const corvane::PlistReadResult& read);
     // Every change of the selection goes through here; a new on-screen group is announced.
     void storeSelection(const TVKSelection& next);
     // Selects a control (model numbering) of the selected keyset and layer.

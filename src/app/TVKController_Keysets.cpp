@@ -118,18 +118,21 @@ void TVKController::handleImportKeyset()
     importKeysetFile(path);
 }
 
+QString TVKController::keysetArchiveProblem(const corvane::PlistReadResult& read)
+{
+    if (!read.ok)
+        return read.error.toString();
+    if (!read.value.isDict())
+        return tr("it holds a list or a single value, not a keyset");
+    return TVKModelData::archiveLimitExceeded(read.value);
+}
+
 void TVKController::importKeysetFile(const QString& path)
 {
     if (!m_modelData)
         return;
     const corvane::PlistReadResult read = corvane::PlistCodec::readFile(path);
-    QString reason;
-    if (!read.ok)
-        reason = read.error.toString();
-    else if (!read.value.isDict())
-        reason = tr("it holds a list or a single value, not a keyset");
-    else
-        reason = TVKModelData::archiveLimitExceeded(read.value);
+    QString reason = keysetArchiveProblem(read);
     std::unique_ptr<TVKKeyset> keyset;
     if (reason.isEmpty()) {
         keyset = makeKeysetFromArchive(read.value);
@@ -204,13 +207,7 @@ void TVKController::handlePasteKeyset()
         return;
     const QMimeData* data = QGuiApplication::clipboard()->mimeData();
     corvane::PlistReadResult read = corvane::PlistCodec::read(data->data(kPasteboardType));
-    QString reason;
-    if (!read.ok)
-        reason = read.error.toString();
-    else if (!read.value.isDict())
-        reason = tr("it holds a list or a single value, not a keyset");
-    else
-        reason = TVKModelData::archiveLimitExceeded(read.value);
+    const QString reason = keysetArchiveProblem(read);
     if (!reason.isEmpty()) {
         corvane::log(QStringLiteral("paste of keyset refused: %1").arg(reason));
         m_views.dialogs->runAlert(
