@@ -151,7 +151,7 @@ void CorvaneController::windowDidBecomeKey(TVKWindow window)
     if (!model)
         return;
     if (CorvaneMessenger* messenger = corvaneMessenger())
-        messenger->sendStandaloneTLState(model->standaloneTL());
+        tellServiceUnjournaled([&] { messenger->sendStandaloneTLState(model->standaloneTL()); });
     if (model->standaloneTLW()) {
         showTLW();
     } else if (model->standaloneTLW2()) {

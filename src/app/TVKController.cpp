@@ -295,7 +295,7 @@ void TVKController::awakeFromNib()
 
 void TVKController::journal(corvane::MessageID id, const QByteArray& body)
 {
-    if (m_journal && m_journal->isOpen() && isConfigurationMessage(id))
+    if (!m_journalPaused && m_journal && m_journal->isOpen() && isConfigurationMessage(id))
         m_journal->append(id, int(m_selectedKeyset), body);
 }
 
@@ -341,12 +341,19 @@ void TVKController::handleMainWindowChange(TVKWindow)
 
 void TVKController::showStartupNotices()
 {
-    for (const TVKAlert& alert : std::exchange(m_startupNotices, {}))
+    // An alert can be ended by the program ending; what is left is not shown then.
+    for (const TVKAlert& alert : std::exchange(m_startupNotices, {})) {
+        if (m_terminated)
+            break;
         m_views.dialogs->runAlert(alert);
+    }
 }
 
 void TVKController::installIfNeeded()
 {
+    // Ended while an alert of the start-up was up: the installation waits for the next start.
+    if (m_terminated)
+        return;
     if (!m_views.windows->isVisible(TVKWindow::Main))
         m_views.windows->show(TVKWindow::Main);
     m_installDone = true;
