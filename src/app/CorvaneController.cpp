@@ -1,5 +1,6 @@
 #include "app/CorvaneController.h"
 
+#include "app/TVKRecoveryJournal.h"
 #include "core/Notifications.h"
 #include "core/PlistValue.h"
 #include "model/CorvaneKeyset.h"
@@ -476,7 +477,11 @@ void CorvaneController::collectPreferences()
     model->setStandaloneNV(f.standaloneNV);
     if (messenger)
         messenger->sendStandaloneNVState(f.standaloneNV);
-    model->setHardwareStyle(f.hardwareStyle);
+    if (model->hardwareStyle() != f.hardwareStyle) {
+        model->setHardwareStyle(f.hardwareStyle);
+        journalChange(TVKRecoveryJournal::HardwareStyle, m_selectedKeyset,
+                      quint32(f.hardwareStyle));
+    }
     setHardwareGraphics(f.hardwareStyle);
 
     TVKWindows& windows = *m_views.windows;

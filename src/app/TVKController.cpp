@@ -4,10 +4,12 @@
 #include "app/TVKRecoveryJournal.h"
 #include "core/Log.h"
 #include "core/Notifications.h"
+#include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 #include "service/ConfigurationEdits.h"
+#include "service/TVK_MessageSpecs.h"
 #include "service/TVK_PrivateMessenger.h"
 #include "surface/TVK_Constant_Server.h"
 
@@ -212,11 +214,24 @@ void TVKController::replayJournal()
     if (!m_journal)
         return;
     const TVKRecoveryJournal::Contents contents = m_journal->read();
-    if (!contents.error.isEmpty()) {
-        corvane::log(QStringLiteral("recovery journal unreadable: %1").arg(contents.error));
-        QFile::rename(m_journal->path(),
-                      m_journal->path() + QStringLiteral(".unreadable-") +
-                          QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss")));
+    // A journal that is not whole goes aside before anything is written over it: what it holds
+    // beyond the records read here stays for the user.
+    QString keptAs;
+    if (!contents.error.isEmpty() || !contents.damaged.isEmpty() || contents.tornTail) {
+        if (!contents.error.isEmpty())
+            corvane::log(QStringLiteral("recovery journal unreadable: %1").arg(contents.error));
+        for (const QString& damage : contents.damaged)
+            corvane::log(
+                QStringLiteral("recovery journal: %1 was damaged and skipped").arg(damage));
+        if (contents.tornTail)
+            corvane::log(QStringLiteral("recovery journal: an incomplete last record was dropped"));
+        QString error;
+        keptAs = corvane::TVKUserDefaults::moveFileAside(
+            m_journal->path(),
+            contents.error.isEmpty() ? QStringLiteral("damaged") : QStringLiteral("unreadable"),
+            &error);
+        if (keptAs.isNull())
+            corvane::log(QStringLiteral("recovery journal: %1").arg(error));
     }
     const QString storedEpoch = m_defaults->objectForKey(u"TVKJournalEpoch").toString();
     const bool alreadyStored =
@@ -226,8 +241,7 @@ void TVKController::replayJournal()
     if (m_modelData && !alreadyStored) {
         for (const TVKRecoveryJournal::Record& record : contents.records) {
             QString reason;
-            if (applyConfigurationMessage(*m_modelData, record.id, record.body, record.editedKeyset,
-                                          &reason)) {
+            if (applyJournalRecord(record.id, record.editedKeyset, record.body, &reason)) {
                 ++applied;
             } else {
                 ++refused;
@@ -236,19 +250,24 @@ void TVKController::replayJournal()
             }
         }
     }
-    if (contents.tornTail)
-        corvane::log(QStringLiteral("recovery journal: an incomplete last record was dropped"));
 
     QString error;
-    if (!m_journal->open(&error))
+    // Not over a damaged journal that could not be moved aside: its edits are worth more than
+    // the protection of this run's.
+    if (keptAs.isNull() && (!contents.damaged.isEmpty() || !contents.error.isEmpty()))
+        corvane::log(QStringLiteral("recovery journal left as it is; this run's edits are not "
+                                    "journaled"));
+    else if (!m_journal->open(&error))
         corvane::log(QStringLiteral("recovery journal cannot be opened: %1").arg(error));
-    if (applied == 0 && refused == 0) {
+    const bool damaged = !contents.damaged.isEmpty();
+    if (applied == 0 && refused == 0 && !damaged) {
         if (alreadyStored)
             m_journal->clear();
         return;
     }
     // The recovered edits are made safe at once; the journal starts again.
-    writeDataToDefaults();
+    if (applied > 0 || refused > 0)
+        writeDataToDefaults();
     TVKAlert alert;
     alert.message = tr("Unsaved Edits Recovered");
     alert.informativeText =
@@ -258,8 +277,48 @@ void TVKController::replayJournal()
     if (refused > 0)
         alert.informativeText +=
             QLatin1Char(' ') + tr("%n edit(s) could not be applied.", nullptr, refused);
+    if (damaged) {
+        alert.informativeText +=
+            QStringLiteral("\n\n") +
+            tr("Part of the record of those edits was damaged and skipped: %1.")
+                .arg(contents.damaged.join(QStringLiteral("; ")));
+        alert.informativeText +=
+            QLatin1Char(' ') +
+            (keptAs.isNull() ? tr("The record could not be moved aside and was left as it is.")
+                             : tr("The damaged record was kept as \"%1\".").arg(keptAs));
+    }
     alert.buttons = {tr("OK")};
     m_startupNotices.push_back(alert);
+}
+
+bool TVKController::applyJournalRecord(corvane::MessageID id, int editedKeyset,
+                                       const QByteArray& body, QString* reason)
+{
+    const auto state = [&] { return TVK_IncomingMessageSpec(body).deserializeNextField(); };
+    TVKKeyset* keyset = keysetAt(editedKeyset);
+    switch (id) {
+    case TVKRecoveryJournal::LockState:
+    case TVKRecoveryJournal::OneTouchRecord:
+        if (!keyset) {
+            if (reason)
+                *reason = QStringLiteral("no keyset %1").arg(editedKeyset);
+            return false;
+        }
+        if (id == TVKRecoveryJournal::LockState)
+            keyset->setLocked(state() != 0);
+        else
+            keyset->setOneTouchRecord(state() != 0);
+        return true;
+    case TVKRecoveryJournal::OneTouchRecordDefault:
+        m_modelData->setOneTouchRecordDefault(state() != 0);
+        return true;
+    case TVKRecoveryJournal::HardwareStyle:
+        if (auto* corvaneModel = dynamic_cast<CorvaneModelData*>(m_modelData.get()))
+            corvaneModel->setHardwareStyle(int(state()));
+        return true;
+    default:
+        return applyConfigurationMessage(*m_modelData, id, body, editedKeyset, reason);
+    }
 }
 
 void TVKController::awakeFromNib()
@@ -297,6 +356,12 @@ void TVKController::journal(corvane::MessageID id, const QByteArray& body)
 {
     if (!m_journalPaused && m_journal && m_journal->isOpen() && isConfigurationMessage(id))
         m_journal->append(id, int(m_selectedKeyset), body);
+}
+
+void TVKController::journalChange(corvane::MessageID id, qint64 keyset, quint32 state)
+{
+    if (m_journal && m_journal->isOpen())
+        m_journal->append(id, int(keyset), TVK_OneIntSpec(state).data());
 }
 
 void TVKController::windowAndControllerAwake(bool secondInspector)

@@ -355,6 +355,11 @@ protected:
     QAction* addMenuItem(TVKMenuCommand command, const QString& title, qint64 tag = 0);
     void makeMenuItems();
     void journal(corvane::MessageID id, const QByteArray& body);
+    // Journals a change the service is not told about (TVKRecoveryJournal's own IDs).
+    void journalChange(corvane::MessageID id, qint64 keyset, quint32 state);
+    // Applies one journaled change over the model at start-up.
+    bool applyJournalRecord(corvane::MessageID id, int editedKeyset, const QByteArray& body,
+                            QString* reason);
     void validateTitledKeysetItem(QAction* item, const QString& verb, bool enabled);
 
     // Edit notifications (posted by the inspector).

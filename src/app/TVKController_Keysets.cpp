@@ -1,6 +1,7 @@
 // The commands of the Keysets and Edit menus that act on whole keysets.
 #include "app/TVKController.h"
 #include "app/TVKIconUtils.h"
+#include "app/TVKRecoveryJournal.h"
 #include "core/FourCharCode.h"
 #include "core/Log.h"
 #include "core/Notifications.h"
@@ -319,8 +320,10 @@ void TVKController::handleLockUnlockMenu()
 
 void TVKController::setKeysetLockState(bool locked)
 {
-    if (TVKKeyset* keyset = keysetAt(m_selectedKeyset))
+    if (TVKKeyset* keyset = keysetAt(m_selectedKeyset); keyset && keyset->locked() != locked) {
         keyset->setLocked(locked);
+        journalChange(TVKRecoveryJournal::LockState, m_selectedKeyset, locked ? 1 : 0);
+    }
     m_views.windows->setLockButtonState(locked);
     notifyWithMessage(note::LockStateChange{locked});
     validateMenuItems();
@@ -328,8 +331,10 @@ void TVKController::setKeysetLockState(bool locked)
 
 void TVKController::handleLockUnlockButton(bool buttonState)
 {
-    if (TVKKeyset* keyset = keysetAt(m_selectedKeyset))
+    if (TVKKeyset* keyset = keysetAt(m_selectedKeyset); keyset && keyset->locked() != buttonState) {
         keyset->setLocked(buttonState);
+        journalChange(TVKRecoveryJournal::LockState, m_selectedKeyset, buttonState ? 1 : 0);
+    }
     notifyWithMessage(note::LockStateChange{buttonState});
     validateMenuItems();
 }
@@ -357,14 +362,20 @@ void TVKController::handleOwnerMenu()
 
 void TVKController::handleSetOneTouchRecord()
 {
-    if (TVKKeyset* keyset = keysetAt(m_selectedKeyset))
+    if (TVKKeyset* keyset = keysetAt(m_selectedKeyset)) {
         keyset->setOneTouchRecord(!keyset->oneTouchRecord());
+        journalChange(TVKRecoveryJournal::OneTouchRecord, m_selectedKeyset,
+                      keyset->oneTouchRecord() ? 1 : 0);
+    }
 }
 
 void TVKController::handleDefaultOneTouchRecord()
 {
-    if (m_modelData)
+    if (m_modelData) {
         m_modelData->setOneTouchRecordDefault(!m_modelData->oneTouchRecordDefault());
+        journalChange(TVKRecoveryJournal::OneTouchRecordDefault, m_selectedKeyset,
+                      m_modelData->oneTouchRecordDefault() ? 1 : 0);
+    }
 }
 
 void TVKController::handleEmulationMenu(qint64 mode)

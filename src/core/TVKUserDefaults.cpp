@@ -92,18 +92,28 @@ QString TVKUserDefaults::moveAside(QString* errorMessage)
 {
     if (m_state != State::Unreadable)
         return QString();
-    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
-    QString aside = m_path + QStringLiteral(".unreadable-") + stamp;
-    for (int n = 2; QFileInfo::exists(aside) || QFileInfo(aside).isSymLink(); ++n)
-        aside = m_path + QStringLiteral(".unreadable-%1-%2").arg(stamp).arg(n);
-    if (!QFile::rename(m_path, aside)) {
-        if (errorMessage)
-            *errorMessage = QStringLiteral("%1 cannot be moved aside").arg(m_path);
+    const QString aside = moveFileAside(m_path, QStringLiteral("unreadable"), errorMessage);
+    if (aside.isNull())
         return QString();
-    }
     m_values = PlistValue::makeDict();
     m_state = State::Missing;
     m_error.clear();
+    return aside;
+}
+
+QString TVKUserDefaults::moveFileAside(const QString& path, const QString& why,
+                                       QString* errorMessage)
+{
+    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    const QString base = QStringLiteral("%1.%2-%3").arg(path, why, stamp);
+    QString aside = base;
+    for (int n = 2; QFileInfo::exists(aside) || QFileInfo(aside).isSymLink(); ++n)
+        aside = QStringLiteral("%1-%2").arg(base).arg(n);
+    if (!QFile::rename(path, aside)) {
+        if (errorMessage)
+            *errorMessage = QStringLiteral("%1 cannot be moved aside").arg(path);
+        return QString();
+    }
     return aside;
 }
 

@@ -54,6 +54,10 @@ public:
     // can be written again, and starts empty. Returns the new name of the file, or a null text
     // when the store was readable or the move failed (errorMessage says why).
     QString moveAside(QString* errorMessage = nullptr);
+    // Moves any file aside to "<path>.<why>-<yyyyMMdd-hhmmss>" (a number added when that is
+    // taken), never over another; the new name, or a null text (errorMessage says why).
+    static QString moveFileAside(const QString& path, const QString& why,
+                                 QString* errorMessage = nullptr);
 
 private:
     QString m_path;
