@@ -63,7 +63,7 @@ TEST(RecoveryJournal, ADamagedRecordIsSkippedAndTheOthersKept)
         ASSERT_TRUE(journal.open());
         for (size_t i = 0; i < bodies.size(); ++i) {
             starts.push_back(QFileInfo(path).size());
-            ASSERT_TRUE(journal.append(msg::ChLa, int(i), bodies[i]));
+            ASSERT_TRUE(journal.append(msg::Emul, int(i), bodies[i]));
         }
     }
     QFile original(path);
