@@ -1,6 +1,7 @@
 // Corvane: the configuration application for the Corvane control surfaces.
 #include "app/CorvaneController.h"
 #include "app/TVKInstanceLink.h"
+#include "core/Log.h"
 #include "platform/TerminationSignals.h"
 #include "views/CorvaneViews.h"
 #include "views/TVKInstallerWindows.h"
@@ -11,6 +12,7 @@
 #include <QFileInfo>
 #include <QIcon>
 #include <QTimer>
+#include <cstdio>
 #include <memory>
 
 namespace {
@@ -43,15 +45,39 @@ int main(int argc, char** argv)
         QStringLiteral("uninstall"),
         QStringLiteral("Uninstall the background components without windows, and exit."));
 
-    // Installing needs no display: packaging scripts and administrators run it anywhere.
+    // Help, the version and installing need no display: packaging scripts and administrators
+    // run them anywhere, so these are answered before any window system is opened.
     bool windowless = false;
-    for (int i = 1; i < argc; ++i)
-        windowless = windowless || qstrcmp(argv[i], "--install") == 0 ||
-                     qstrcmp(argv[i], "--uninstall") == 0;
-    // The controller draws its generic icons even then, which needs the GUI application on a
-    // screen of its own making.
-    if (windowless)
+    bool textOnly = false;
+    for (int i = 1; i < argc; ++i) {
+        const QByteArray argument(argv[i]);
+        windowless = windowless || argument == "--install" || argument == "--uninstall";
+        textOnly = textOnly || argument == "-h" || argument == "--help" || argument == "-?" ||
+                   argument == "--help-all" || argument == "-v" || argument == "--version";
+    }
+    if (textOnly) {
+        QCoreApplication application(argc, argv);
+        QCoreApplication::setApplicationName(QStringLiteral("Corvane"));
+        QCoreApplication::setApplicationVersion(QStringLiteral(CORVANE_VERSION));
+        QCommandLineParser parser;
+        describe(parser, install, uninstall);
+        parser.process(application); // prints and exits
+        return 0;
+    }
+    // The installer prints plain progress lines; what is logged meanwhile, Qt's own warnings
+    // included, is kept back and shown only when it failed. The controller draws its generic
+    // icons even then, which needs the GUI application on a screen of its own making.
+    std::unique_ptr<corvane::LogCapture> logged;
+    if (windowless) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+        logged = std::make_unique<corvane::LogCapture>();
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) {
+            corvane::log(message);
+        });
+    } else {
+        // A termination signal from now on is kept until the program can honour it.
+        corvane::TerminationSignals::catchEarly();
+    }
     std::unique_ptr<QCoreApplication> application =
         windowless ? std::make_unique<QGuiApplication>(argc, argv)
                    : std::make_unique<QApplication>(argc, argv);
@@ -63,8 +89,15 @@ int main(int argc, char** argv)
 
     if (windowless) {
         CorvaneController controller;
-        return TVKConsoleInstaller::run(parser.isSet(uninstall), controller.controllerName(),
-                                        controller.needsSetup(), TVKInstallEnvironment::system());
+        const int code =
+            TVKConsoleInstaller::run(parser.isSet(uninstall), controller.controllerName(),
+                                     controller.needsSetup(), TVKInstallEnvironment::system());
+        // The log is for diagnosing a failure, not for the person or script watching.
+        if (code != 0) {
+            for (const QString& line : logged->lines())
+                std::fprintf(stderr, "%s\n", qPrintable(line));
+        }
+        return code;
     }
 
     QGuiApplication::setDesktopFileName(QStringLiteral("corvane"));
@@ -95,5 +128,9 @@ int main(int argc, char** argv)
     views.start();
     if (!files.isEmpty())
         QTimer::singleShot(0, &controller, [open, files] { open(files); });
+    // Ended during the start-up (a signal or Quit while one of its alerts was up): the
+    // configuration is written, and the main loop is not entered.
+    if (views.isEnding())
+        return 0;
     return application->exec();
 }

@@ -1,5 +1,6 @@
 #include "app/CorvaneController.h"
 
+#include "app/TVKRecoveryJournal.h"
 #include "core/EthernetSettings.h"
 #include "core/Notifications.h"
 #include "core/PlistValue.h"
@@ -150,7 +151,7 @@ void CorvaneController::windowDidBecomeKey(TVKWindow window)
     if (!model)
         return;
     if (CorvaneMessenger* messenger = corvaneMessenger())
-        messenger->sendStandaloneTLState(model->standaloneTL());
+        tellServiceUnjournaled([&] { messenger->sendStandaloneTLState(model->standaloneTL()); });
     if (model->standaloneTLW()) {
         showTLW();
     } else if (model->standaloneTLW2()) {
@@ -474,7 +475,11 @@ void CorvaneController::collectPreferences()
     model->setStandaloneNV(f.standaloneNV);
     if (messenger)
         messenger->sendStandaloneNVState(f.standaloneNV);
-    model->setHardwareStyle(f.hardwareStyle);
+    if (model->hardwareStyle() != f.hardwareStyle) {
+        model->setHardwareStyle(f.hardwareStyle);
+        journalChange(TVKRecoveryJournal::HardwareStyle, selectedKeyset(),
+                      quint32(f.hardwareStyle));
+    }
     setHardwareGraphics(f.hardwareStyle);
 
     TVKWindows& windows = *m_views.windows;

@@ -6,11 +6,13 @@
 #include "core/MoveAside.h"
 #include "core/Notifications.h"
 #include "core/StoredKeys.h"
+#include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"
 #include "model/TVKModelData.h"
 #include "service/ConfigurationEdits.h"
+#include "service/TVK_MessageSpecs.h"
 #include "service/TVK_PrivateMessenger.h"
 #include "surface/TVK_Constant_Server.h"
 
@@ -220,11 +222,23 @@ void TVKController::replayJournal()
     if (!m_journal)
         return;
     const TVKRecoveryJournal::Contents contents = m_journal->read();
-    if (!contents.error.isEmpty()) {
-        corvane::log(QStringLiteral("recovery journal unreadable: %1").arg(contents.error));
-        QString moveError;
-        if (corvane::moveFileAside(m_journal->path(), &moveError).isNull())
-            corvane::log(moveError);
+    // A journal that is not whole goes aside before anything is written over it: what it holds
+    // beyond the records read here stays for the user.
+    QString keptAs;
+    if (!contents.error.isEmpty() || !contents.damaged.isEmpty() || contents.tornTail) {
+        if (!contents.error.isEmpty())
+            corvane::log(QStringLiteral("recovery journal unreadable: %1").arg(contents.error));
+        for (const QString& damage : contents.damaged)
+            corvane::log(
+                QStringLiteral("recovery journal: %1 was damaged and skipped").arg(damage));
+        if (contents.tornTail)
+            corvane::log(QStringLiteral("recovery journal: an incomplete last record was dropped"));
+        QString error;
+        keptAs = corvane::moveFileAside(m_journal->path(), &error, QDateTime::currentDateTime(),
+                                        contents.error.isEmpty() ? QStringLiteral("damaged")
+                                                                 : QStringLiteral("unreadable"));
+        if (keptAs.isNull())
+            corvane::log(QStringLiteral("recovery journal: %1").arg(error));
     }
     const QString storedEpoch = m_defaults->objectForKey(key::JournalEpoch).toString();
     const bool alreadyStored =
@@ -234,8 +248,7 @@ void TVKController::replayJournal()
     if (m_modelData && !alreadyStored) {
         for (const TVKRecoveryJournal::Record& record : contents.records) {
             QString reason;
-            if (applyConfigurationMessage(*m_modelData, record.id, record.body, record.editedKeyset,
-                                          &reason)) {
+            if (applyJournalRecord(record.id, record.editedKeyset, record.body, &reason)) {
                 ++applied;
             } else {
                 ++refused;
@@ -244,19 +257,24 @@ void TVKController::replayJournal()
             }
         }
     }
-    if (contents.tornTail)
-        corvane::log(QStringLiteral("recovery journal: an incomplete last record was dropped"));
 
     QString error;
-    if (!m_journal->open(&error))
+    // Not over a damaged journal that could not be moved aside: its edits are worth more than
+    // the protection of this run's.
+    if (keptAs.isNull() && (!contents.damaged.isEmpty() || !contents.error.isEmpty()))
+        corvane::log(QStringLiteral("recovery journal left as it is; this run's edits are not "
+                                    "journaled"));
+    else if (!m_journal->open(&error))
         corvane::log(QStringLiteral("recovery journal cannot be opened: %1").arg(error));
-    if (applied == 0 && refused == 0) {
+    const bool damaged = !contents.damaged.isEmpty();
+    if (applied == 0 && refused == 0 && !damaged) {
         if (alreadyStored)
             m_journal->clear();
         return;
     }
     // The recovered edits are made safe at once; the journal starts again.
-    writeDataToDefaults();
+    if (applied > 0 || refused > 0)
+        writeDataToDefaults();
     TVKAlert alert;
     alert.message = tr("Unsaved Edits Recovered");
     alert.informativeText =
@@ -266,8 +284,48 @@ void TVKController::replayJournal()
     if (refused > 0)
         alert.informativeText +=
             QLatin1Char(' ') + tr("%n edit(s) could not be applied.", nullptr, refused);
+    if (damaged) {
+        alert.informativeText +=
+            QStringLiteral("\n\n") +
+            tr("Part of the record of those edits was damaged and skipped: %1.")
+                .arg(contents.damaged.join(QStringLiteral("; ")));
+        alert.informativeText +=
+            QLatin1Char(' ') +
+            (keptAs.isNull() ? tr("The record could not be moved aside and was left as it is.")
+                             : tr("The damaged record was kept as \"%1\".").arg(keptAs));
+    }
     alert.buttons = {tr("OK")};
     m_startupNotices.push_back(alert);
+}
+
+bool TVKController::applyJournalRecord(corvane::MessageID id, int editedKeyset,
+                                       const QByteArray& body, QString* reason)
+{
+    const auto state = [&] { return TVK_IncomingMessageSpec(body).deserializeNextField(); };
+    TVKKeyset* keyset = keysetAt(editedKeyset);
+    switch (id) {
+    case TVKRecoveryJournal::LockState:
+    case TVKRecoveryJournal::OneTouchRecord:
+        if (!keyset) {
+            if (reason)
+                *reason = QStringLiteral("no keyset %1").arg(editedKeyset);
+            return false;
+        }
+        if (id == TVKRecoveryJournal::LockState)
+            keyset->setLocked(state() != 0);
+        else
+            keyset->setOneTouchRecord(state() != 0);
+        return true;
+    case TVKRecoveryJournal::OneTouchRecordDefault:
+        m_modelData->setOneTouchRecordDefault(state() != 0);
+        return true;
+    case TVKRecoveryJournal::HardwareStyle:
+        if (auto* corvaneModel = dynamic_cast<CorvaneModelData*>(m_modelData.get()))
+            corvaneModel->setHardwareStyle(int(state()));
+        return true;
+    default:
+        return applyConfigurationMessage(*m_modelData, id, body, editedKeyset, reason);
+    }
 }
 
 void TVKController::awakeFromNib()
@@ -309,8 +367,14 @@ void TVKController::awakeFromNib()
 
 void TVKController::journal(corvane::MessageID id, const QByteArray& body)
 {
-    if (m_journal && m_journal->isOpen() && isConfigurationMessage(id))
+    if (!m_journalPaused && m_journal && m_journal->isOpen() && isConfigurationMessage(id))
         m_journal->append(id, int(selectedKeyset()), body);
+}
+
+void TVKController::journalChange(corvane::MessageID id, qint64 keyset, quint32 state)
+{
+    if (m_journal && m_journal->isOpen())
+        m_journal->append(id, int(keyset), TVK_OneIntSpec(state).data());
 }
 
 void TVKController::windowAndControllerAwake(bool secondInspector)
@@ -355,12 +419,19 @@ void TVKController::handleMainWindowChange(TVKWindow)
 
 void TVKController::showStartupNotices()
 {
-    for (const TVKAlert& alert : std::exchange(m_startupNotices, {}))
+    // An alert can be ended by the program ending; what is left is not shown then.
+    for (const TVKAlert& alert : std::exchange(m_startupNotices, {})) {
+        if (m_terminated)
+            break;
         m_views.dialogs->runAlert(alert);
+    }
 }
 
 void TVKController::installIfNeeded()
 {
+    // Ended while an alert of the start-up was up: the installation waits for the next start.
+    if (m_terminated)
+        return;
     if (!m_views.windows->isVisible(TVKWindow::Main))
         m_views.windows->show(TVKWindow::Main);
     m_installDone = true;

@@ -17,6 +17,7 @@
 #include <QObject>
 #include <QString>
 #include <memory>
+#include <utility>
 #include <vector>
 
 class QAction;
@@ -312,6 +313,15 @@ protected:
     void windowAndControllerAwake(bool secondInspector);
     // Shows what start-up has to tell the user (a store moved aside, edits recovered).
     void showStartupNotices();
+    // Tells the service what the model already holds (the start-up's state, a reconnection):
+    // not an edit of the user's, so the recovery journal does not keep it.
+    template <typename Send>
+    void tellServiceUnjournaled(Send send)
+    {
+        const bool was = std::exchange(m_journalPaused, true);
+        send();
+        m_journalPaused = was;
+    }
     void showKeysetNameAndIcon();
     TVKKeyset* keysetAt(qint64 index) const;
     TVKControl* controlAt(qint64 keyset, qint64 layer, qint64 group, qint64 control) const;
@@ -376,6 +386,11 @@ protected:
     QAction* addMenuItem(TVKMenuCommand command, const QString& title, qint64 tag = 0);
     void makeMenuItems();
     void journal(corvane::MessageID id, const QByteArray& body);
+    // Journals a change the service is not told about (TVKRecoveryJournal's own IDs).
+    void journalChange(corvane::MessageID id, qint64 keyset, quint32 state);
+    // Applies one journaled change over the model at start-up.
+    bool applyJournalRecord(corvane::MessageID id, int editedKeyset, const QByteArray& body,
+                            QString* reason);
     void validateTitledKeysetItem(QAction* item, const QString& verb, bool enabled);
 
     // Edit notifications (posted by the inspector).
@@ -438,6 +453,7 @@ protected:
     bool m_connected = false;
     bool m_installDone = false;
     bool m_terminated = false;
+    bool m_journalPaused = false;
 
     // What start-up has to tell the user once the application runs.
     std::vector<TVKAlert> m_startupNotices;

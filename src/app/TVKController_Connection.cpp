@@ -125,7 +125,8 @@ void TVKController::updateConnectionMenu(bool connected)
 void TVKController::attemptReconnect()
 {
     if (m_messenger)
-        m_messenger->sendResetSocketMessage(ipAddress(), ethernetPort());
+        tellServiceUnjournaled(
+            [&] { m_messenger->sendResetSocketMessage(ipAddress(), ethernetPort()); });
 }
 
 void TVKController::handleTVKLayerSelector(qint64 layer)

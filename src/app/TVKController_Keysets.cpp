@@ -1,6 +1,7 @@
 // The commands of the Keysets and Edit menus that act on whole keysets.
 #include "app/TVKController.h"
 #include "app/TVKIconUtils.h"
+#include "app/TVKRecoveryJournal.h"
 #include "core/FourCharCode.h"
 #include "core/Log.h"
 #include "core/Notifications.h"
@@ -333,8 +334,10 @@ void TVKController::handleLockUnlockMenu()
 
 void TVKController::setKeysetLockState(bool locked)
 {
-    if (TVKKeyset* keyset = keysetAt(selectedKeyset()))
+    if (TVKKeyset* keyset = keysetAt(selectedKeyset()); keyset && keyset->locked() != locked) {
         keyset->setLocked(locked);
+        journalChange(TVKRecoveryJournal::LockState, selectedKeyset(), locked ? 1 : 0);
+    }
     m_views.windows->setLockButtonState(locked);
     notifyWithMessage(note::LockStateChange{locked});
     validateMenuItems();
@@ -342,8 +345,10 @@ void TVKController::setKeysetLockState(bool locked)
 
 void TVKController::handleLockUnlockButton(bool buttonState)
 {
-    if (TVKKeyset* keyset = keysetAt(selectedKeyset()))
+    if (TVKKeyset* keyset = keysetAt(selectedKeyset()); keyset && keyset->locked() != buttonState) {
         keyset->setLocked(buttonState);
+        journalChange(TVKRecoveryJournal::LockState, selectedKeyset(), buttonState ? 1 : 0);
+    }
     notifyWithMessage(note::LockStateChange{buttonState});
     validateMenuItems();
 }
@@ -371,14 +376,20 @@ void TVKController::handleOwnerMenu()
 
 void TVKController::handleSetOneTouchRecord()
 {
-    if (TVKKeyset* keyset = keysetAt(selectedKeyset()))
+    if (TVKKeyset* keyset = keysetAt(selectedKeyset())) {
         keyset->setOneTouchRecord(!keyset->oneTouchRecord());
+        journalChange(TVKRecoveryJournal::OneTouchRecord, selectedKeyset(),
+                      keyset->oneTouchRecord() ? 1 : 0);
+    }
 }
 
 void TVKController::handleDefaultOneTouchRecord()
 {
-    if (m_modelData)
+    if (m_modelData) {
         m_modelData->setOneTouchRecordDefault(!m_modelData->oneTouchRecordDefault());
+        journalChange(TVKRecoveryJournal::OneTouchRecordDefault, selectedKeyset(),
+                      m_modelData->oneTouchRecordDefault() ? 1 : 0);
+    }
 }
 
 void TVKController::handleEmulationMenu(qint64 mode)

@@ -73,19 +73,56 @@ bool writeAll(int fd, const char* data, qsizetype size)
     return true;
 }
 
-// The whole records of a journal's bytes, and where the last one ends.
-qsizetype parse(const QByteArray& bytes, std::vector<TVKRecoveryJournal::Record>* records)
+// The whole record at `at`, if one starts there: its length and checksum hold.
+bool recordAt(const QByteArray& bytes, qsizetype at, quint32* length)
+{
+    if (bytes.size() - at < kRecordHeaderSize)
+        return false;
+    *length = get32(bytes.constData() + at);
+    if (*length < kPayloadHeaderSize || *length > kMaxPayload ||
+        qsizetype(*length) > bytes.size() - at - kRecordHeaderSize)
+        return false;
+    const quint32 crc = get32(bytes.constData() + at + 4);
+    return TVKRecoveryJournal::crc32(bytes.constData() + at + kRecordHeaderSize, *length) == crc;
+}
+
+// The whole records of a journal's bytes. A stretch that holds none is skipped up to the next
+// place a whole record starts and described in `damaged`; at the end of the bytes it is a torn
+// tail instead. Returns where the last whole record ends.
+qsizetype parse(const QByteArray& bytes, std::vector<TVKRecoveryJournal::Record>* records,
+                QStringList* damaged, bool* tornTail)
 {
     qsizetype at = kHeaderSize;
-    while (bytes.size() - at >= kRecordHeaderSize) {
-        const quint32 length = get32(bytes.constData() + at);
-        const quint32 crc = get32(bytes.constData() + at + 4);
-        if (length < kPayloadHeaderSize || length > kMaxPayload ||
-            qsizetype(length) > bytes.size() - at - kRecordHeaderSize)
-            break;
+    qsizetype end = at;
+    qsizetype count = 0;
+    while (at < bytes.size()) {
+        quint32 length = 0;
+        if (!recordAt(bytes, at, &length)) {
+            // Where the next whole record starts, if anywhere.
+            qsizetype next = at + 1;
+            while (next < bytes.size() && !recordAt(bytes, next, &length))
+                ++next;
+            // Nothing whole follows. A last record that claims just the bytes left but fails its
+            // checksum was damaged; anything else was cut short by the end of the run.
+            const quint32 claimed =
+                bytes.size() - at >= kRecordHeaderSize ? get32(bytes.constData() + at) : 0;
+            if (next >= bytes.size() &&
+                qsizetype(claimed) + kRecordHeaderSize != bytes.size() - at) {
+                *tornTail = true;
+                break;
+            }
+            if (damaged)
+                damaged->append(QStringLiteral("record %1 (at byte %2, %3 bytes)")
+                                    .arg(count + 1)
+                                    .arg(at)
+                                    .arg(next - at));
+            if (next >= bytes.size()) {
+                end = next;
+                break;
+            }
+            at = next;
+        }
         const char* payload = bytes.constData() + at + kRecordHeaderSize;
-        if (TVKRecoveryJournal::crc32(payload, length) != crc)
-            break;
         if (records) {
             TVKRecoveryJournal::Record record;
             record.id = corvane::MessageID(get32(payload));
@@ -93,9 +130,42 @@ qsizetype parse(const QByteArray& bytes, std::vector<TVKRecoveryJournal::Record>
             record.body = QByteArray(payload + kPayloadHeaderSize, length - kPayloadHeaderSize);
             records->push_back(std::move(record));
         }
+        ++count;
         at += kRecordHeaderSize + length;
+        end = at;
     }
-    return at;
+    return end;
+}
+
+// Opens the file at path only when it is a regular file (a FIFO would block the start-up, a
+// device would never end); -1 with the reason otherwise. flags as for open(2), without O_CREAT.
+int openRegular(const QString& path, int flags, QString* error)
+{
+    const int fd = ::open(QFile::encodeName(path).constData(), flags | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) {
+        if (error)
+            *error = QStringLiteral("%1: %2").arg(path, QString::fromLocal8Bit(strerror(errno)));
+        return -1;
+    }
+    struct stat info = {};
+    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+        ::close(fd);
+        if (error)
+            *error = QStringLiteral("%1: not a regular file").arg(path);
+        return -1;
+    }
+    // Appends and reads wait for the disk as usual.
+    ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+    return fd;
+}
+
+QByteArray readAll(int fd)
+{
+    QFile file;
+    QByteArray bytes;
+    if (file.open(fd, QIODevice::ReadOnly, QFileDevice::DontCloseHandle))
+        bytes = file.readAll();
+    return bytes;
 }
 
 } // namespace
@@ -127,14 +197,15 @@ quint32 TVKRecoveryJournal::crc32(const char* data, qsizetype size, quint32 crc)
 TVKRecoveryJournal::Contents TVKRecoveryJournal::read() const
 {
     Contents contents;
-    QFile file(m_path);
-    if (!file.exists())
+    const QFileInfo info(m_path);
+    if (!info.exists() && !info.isSymLink())
         return contents;
-    if (!file.open(QIODevice::ReadOnly)) {
-        contents.error = QStringLiteral("%1: %2").arg(m_path, file.errorString());
+    const int fd = openRegular(m_path, O_RDONLY, &contents.error);
+    if (fd < 0)
         return contents;
-    }
-    const QByteArray bytes = file.readAll();
+    ::lseek(fd, 0, SEEK_SET);
+    const QByteArray bytes = readAll(fd);
+    ::close(fd);
     if (bytes.isEmpty())
         return contents;
     if (bytes.size() < kHeaderSize || std::memcmp(bytes.constData(), kMagic, sizeof(kMagic)) != 0) {
@@ -142,8 +213,7 @@ TVKRecoveryJournal::Contents TVKRecoveryJournal::read() const
         return contents;
     }
     contents.epoch = get64(bytes.constData() + sizeof(kMagic));
-    const qsizetype end = parse(bytes, &contents.records);
-    contents.tornTail = end < bytes.size();
+    parse(bytes, &contents.records, &contents.damaged, &contents.tornTail);
     return contents;
 }
 
@@ -151,29 +221,30 @@ bool TVKRecoveryJournal::open(QString* error)
 {
     close();
     QDir().mkpath(QFileInfo(m_path).absolutePath());
-    const int fd =
-        ::open(QFile::encodeName(m_path).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    if (fd < 0) {
-        if (error)
-            *error = QStringLiteral("%1: %2").arg(m_path, QString::fromLocal8Bit(strerror(errno)));
-        return false;
+    const QFileInfo info(m_path);
+    if (!info.exists() && !info.isSymLink()) {
+        const int made = ::open(QFile::encodeName(m_path).constData(),
+                                O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        if (made >= 0)
+            ::close(made);
     }
-    QFile file;
-    QByteArray bytes;
-    if (file.open(fd, QIODevice::ReadOnly, QFileDevice::DontCloseHandle))
-        bytes = file.readAll();
-    file.close();
+    const int fd = openRegular(m_path, O_RDWR, error);
+    if (fd < 0)
+        return false;
+    const QByteArray bytes = readAll(fd);
     qsizetype keep = 0;
     m_records = 0;
     if (bytes.size() >= kHeaderSize &&
         std::memcmp(bytes.constData(), kMagic, sizeof(kMagic)) == 0) {
         std::vector<Record> records;
-        keep = parse(bytes, &records);
+        bool torn = false;
+        keep = parse(bytes, &records, nullptr, &torn);
         m_records = qint64(records.size());
         m_epoch = get64(bytes.constData() + sizeof(kMagic));
     }
     m_fd = fd;
-    // A torn record is cut off, so the next record follows the last whole one.
+    // A torn record is cut off, so the next record follows the last whole one. (A journal with
+    // damage in it was moved aside before it is opened again.)
     bool ok = ::ftruncate(fd, keep) == 0 && ::lseek(fd, keep, SEEK_SET) == keep;
     if (ok && keep == 0)
         ok = writeHeader();

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <vector>
 
 class QTimer;
@@ -18,10 +19,20 @@ class QTimer;
 // of its payload, then the payload: message ID, the keyset being edited, the message body. A
 // record is written with one write(2), so once append() returns it survives the process; the
 // file is flushed to the disk at most a second later. A record cut short by a crash fails its
-// length or checksum and ends the journal there.
+// length or checksum. Records stand on their own: a damaged one is skipped, up to the next place
+// where a whole record starts, and the records after it are read as before; only bytes at the end
+// that hold no whole record are a torn tail. Only a regular file is read or opened.
 class TVKRecoveryJournal
 {
 public:
+    // Changes of the user's that the service is not told about are kept under IDs of their own,
+    // beside the messages; the body is one field word (the new state), the edited keyset that of
+    // the record.
+    static constexpr corvane::MessageID LockState = corvane::messageID("CvLk");
+    static constexpr corvane::MessageID OneTouchRecord = corvane::messageID("CvOT");
+    static constexpr corvane::MessageID OneTouchRecordDefault = corvane::messageID("CvOD");
+    static constexpr corvane::MessageID HardwareStyle = corvane::messageID("CvHS");
+
     struct Record
     {
         corvane::MessageID id = 0;
@@ -35,7 +46,10 @@ public:
         std::vector<Record> records;
         quint64 epoch = 0;
         bool tornTail = false; // bytes after the last whole record were dropped
-        QString error;         // the file exists but could not be read
+        // Stretches that held no whole record, each skipped; the records after them are kept.
+        // "record N (at byte B, L bytes)", N counting from 1 in the file.
+        QStringList damaged;
+        QString error; // the file exists but could not be read, or is not a regular file
     };
 
     explicit TVKRecoveryJournal(QString path);

@@ -5,16 +5,18 @@
 
 namespace corvane {
 
-QString moveFileAside(const QString& path, QString* errorMessage, const QDateTime& when)
+QString moveFileAside(const QString& path, QString* errorMessage, const QDateTime& when,
+                      const QString& why)
 {
     const QString stamp = when.toString(QStringLiteral("yyyyMMdd-hhmmss"));
     const auto taken = [](const QString& name) {
         // A dangling link is a name taken too.
         return QFileInfo::exists(name) || QFileInfo(name).isSymLink();
     };
-    QString aside = path + QStringLiteral(".unreadable-") + stamp;
+    const QString base = QStringLiteral("%1.%2-%3").arg(path, why, stamp);
+    QString aside = base;
     for (int n = 2; taken(aside); ++n)
-        aside = path + QStringLiteral(".unreadable-%1-%2").arg(stamp).arg(n);
+        aside = QStringLiteral("%1-%2").arg(base).arg(n);
     QFile file(path);
     if (!file.rename(aside)) {
         if (errorMessage)

@@ -263,7 +263,15 @@ bool launchBundle(const QString& bundlePath, QString* error)
         return false;
     }
     const QString executable = bundlePath + u'/' + info->executable;
-    if (!QProcess::startDetached(executable, {}, bundlePath)) {
+    // Detached from whoever started Corvane: a helper that kept the caller's terminal or pipe
+    // would write into it, and a script reading Corvane's output would wait for the helper.
+    QProcess helper;
+    helper.setProgram(executable);
+    helper.setWorkingDirectory(bundlePath);
+    helper.setStandardInputFile(QProcess::nullDevice());
+    helper.setStandardOutputFile(QProcess::nullDevice());
+    helper.setStandardErrorFile(QProcess::nullDevice());
+    if (!helper.startDetached()) {
         if (error)
             *error = QStringLiteral("\"%1\" could not be started.").arg(executable);
         return false;

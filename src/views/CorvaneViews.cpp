@@ -171,18 +171,21 @@ void CorvaneViews::showHelp(const QString& section)
 
 void CorvaneViews::quit()
 {
-    saveWindowState();
+    if (!m_ending)
+        saveWindowState();
+    m_ending = true;
     m_controller.handleTerminateMessage();
+    // Every loop that runs now ends, an alert's as well as the main one, and a loop started
+    // later (the rest of the start-up) returns at once; main() does not enter its loop when
+    // the program ended before it. So every Quit and every signal is honoured, however often.
+    if (m_endsProgram)
+        QCoreApplication::exit(0);
 }
 
 void CorvaneViews::endProgramWith(corvane::TerminationSignals& signals)
 {
+    m_endsProgram = true;
     connect(&signals, &corvane::TerminationSignals::terminationRequested, this, [this] { quit(); });
-    // exit(), not quit(): quit() would first ask the main window to close, and closing it is
-    // what asks the controller to end.
-    connect(
-        &m_controller, &TVKController::terminated, this, [] { QCoreApplication::exit(0); },
-        Qt::QueuedConnection);
 }
 
 QString CorvaneViews::windowName(const QWidget* window)

@@ -46,11 +46,14 @@ public:
 
     // Hands the controller its views, wakes it and shows the main window.
     void start();
-    // Remembers the windows, then ends the program through the controller.
+    // Remembers the windows and has the controller write everything; then, once
+    // endProgramWith() was called, ends the program. Called again, it ends it again.
     void quit();
-    // The program ends when the controller has ended: on Quit, on closing the main window and
-    // on the termination signals.
+    // The program ends on Quit, on closing the main window and on every termination signal,
+    // whatever loop runs then.
     void endProgramWith(corvane::TerminationSignals& signals);
+    // Whether the program is ending: code that runs after a loop ends goes no further.
+    bool isEnding() const { return m_ending; }
 
     TVKMainWindow* mainWindow() const { return m_main; }
     QWidget* window(TVKWindow window) const;
@@ -133,4 +136,6 @@ private:
     bool m_nvMenuShown = false;
     // Windows placed this run without a remembered frame.
     QSet<const QWidget*> m_firstPlaced;
+    bool m_ending = false;
+    bool m_endsProgram = false;
 };

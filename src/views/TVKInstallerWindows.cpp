@@ -227,9 +227,17 @@ void TVKConsoleInstaller::refresh(const TVKInstallerFace& face)
     if (face.message != m_printed) {
         const QString text = face.message.startsWith(m_printed) && !m_printed.isEmpty()
                                  ? face.message.mid(m_printed.size())
-                                       .section(u'\n', 0, -1, QString::SectionSkipEmpty)
                                  : face.message;
-        std::fprintf(m_out, "%s\n", qPrintable(text));
+        // Plain progress lines: the window's separators go, and so do its prompts to press a
+        // button, which the console presses itself.
+        for (const QString& line : text.split(u'\n')) {
+            const QString trimmed = line.trimmed();
+            if (trimmed.isEmpty() || trimmed.startsWith(QStringLiteral("____")) ||
+                (trimmed.startsWith(QStringLiteral("***")) &&
+                 trimmed.endsWith(QStringLiteral("***"))))
+                continue;
+            std::fprintf(m_out, "%s\n", qPrintable(trimmed));
+        }
         std::fflush(m_out);
         m_printed = face.message;
     }
@@ -290,12 +298,17 @@ int TVKConsoleInstaller::run(bool uninstall, const TVKInstallationNames& names, 
     console.onCancel = [] { TVKInstallerController::current()->cancelInstall(); };
     const std::optional<int> code = TVKInstallerController::startInstallForController(
         console, environment, parameters, needsSetup);
+    const auto say = [out](const char* text) {
+        std::fprintf(out, "%s\n",
+                     qPrintable(QCoreApplication::translate("TVKConsoleInstaller", text)));
+        std::fflush(out);
+    };
     if (!code) {
-        std::fprintf(
-            out, "%s\n",
-            qPrintable(QCoreApplication::translate(
-                "TVKConsoleInstaller", "The background components are installed and current.")));
+        say("The background components are installed and current.");
         return 0;
     }
-    return *code == TVKInstallerController::Finished ? 0 : 1;
+    if (*code != TVKInstallerController::Finished)
+        return 1;
+    say("The background components are installed; the service starts now and at every login.");
+    return 0;
 }

@@ -90,6 +90,14 @@ int main(int argc, char** argv)
                 controller.handleSetAllMenuItems(arg(1));
             } else if (command == QLatin1String("emulation")) {
                 controller.handleEmulationMenu(arg(1));
+            } else if (command == QLatin1String("lock")) {
+                controller.handleLockUnlockMenu();
+            } else if (command == QLatin1String("lock-button")) {
+                controller.handleLockUnlockButton(arg(1) != 0);
+            } else if (command == QLatin1String("one-touch")) {
+                controller.handleSetOneTouchRecord();
+            } else if (command == QLatin1String("one-touch-default")) {
+                controller.handleDefaultOneTouchRecord();
             } else if (command == QLatin1String("clear")) {
                 controller.handleClearKeyset();
             } else if (command == QLatin1String("delete-keyset")) {

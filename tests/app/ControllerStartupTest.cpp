@@ -14,6 +14,7 @@
 #include <QFile>
 #include <QProcess>
 #include <csignal>
+#include <sys/stat.h>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -273,11 +274,14 @@ PlistValue readConfiguration(const QString& path)
 }
 
 const QStringList kEdits = {
-    QStringLiteral("select 0 2"), QStringLiteral("latch 1 1"),       QStringLiteral("color 37 0"),
+    QStringLiteral("select 0 2"), QStringLiteral("latch 1 1"), QStringLiteral("color 37 0"),
     QStringLiteral("name Punch"), QStringLiteral("delete-action 1"), QStringLiteral("set-all 1"),
-    QStringLiteral("undo"),       QStringLiteral("set-all 0"),       QStringLiteral("emulation 2"),
-    QStringLiteral("layer 2"),    QStringLiteral("latch 1 0"),       QStringLiteral("undo"),
-    QStringLiteral("redo")};
+    QStringLiteral("undo"), QStringLiteral("set-all 0"), QStringLiteral("emulation 2"),
+    QStringLiteral("layer 2"), QStringLiteral("latch 1 0"), QStringLiteral("undo"),
+    QStringLiteral("redo"),
+    // Changes the service is not told about; the lock last, as it refuses the edits after it.
+    QStringLiteral("one-touch"), QStringLiteral("one-touch-default"), QStringLiteral("keyset 2"),
+    QStringLiteral("lock-button 1"), QStringLiteral("keyset 1"), QStringLiteral("lock")};
 
 } // namespace
 
@@ -297,6 +301,7 @@ TEST_F(ControllerTest, KilledAfterEditsTheNextStartRecoversEveryOne)
     }
     const PlistValue edited = readConfiguration(before);
     ASSERT_TRUE(edited.isDict());
+    const PlistValue stored = readConfiguration(storePath).value(key::ModelData);
     EXPECT_NE(servicePart(edited), servicePart(readConfiguration(storePath).value(key::ModelData)))
         << "the store was not written before the kill";
 
@@ -309,6 +314,9 @@ TEST_F(ControllerTest, KilledAfterEditsTheNextStartRecoversEveryOne)
     const PlistValue recovered = readConfiguration(after);
     EXPECT_EQ(readablePart(recovered.value(key::Keysets)),
               readablePart(edited.value(key::Keysets)));
+    EXPECT_EQ(recovered.value(key::OneTchDflt), edited.value(key::OneTchDflt));
+    EXPECT_NE(recovered.value(key::OneTchDflt), stored.value(key::OneTchDflt))
+        << "the default was never changed";
     // Made safe at once: the store holds it and the journal starts again.
     EXPECT_EQ(
         readablePart(TVKUserDefaults(storePath).objectForKey(key::ModelData).value(key::Keysets)),
@@ -336,4 +344,72 @@ TEST_F(ControllerTest, TerminationSignalsWriteTheStoreOnceAndExitCleanly)
         EXPECT_TRUE(
             TVKRecoveryJournal(TVKRecoveryJournal::pathBeside(storePath)).read().records.empty());
     }
+}
+
+// One flipped bit in the first record of a crashed run's journal: that edit alone is lost, the
+// user is told which, the later ones are recovered, and the damaged journal is kept as it was.
+TEST_F(ControllerTest, ADamagedJournalRecordIsSkippedTheRestRecoveredAndTheJournalKept)
+{
+    storeConfiguration(*threeKeysets());
+    const QString journalPath = TVKRecoveryJournal::pathBeside(storePath);
+    {
+        Driver driver(home.path());
+        ASSERT_TRUE(driver.waitFor(QStringLiteral("ready")));
+        for (const char* edit :
+             {"keyset 1", "name Punch", "select 0 2", "latch 1 1", "emulation 2", "one-touch"})
+            ASSERT_TRUE(driver.run(QString::fromLatin1(edit))) << edit;
+        ::kill(pid_t(driver.process().processId()), SIGKILL);
+        driver.process().waitForFinished();
+    }
+    const qsizetype records = qsizetype(TVKRecoveryJournal(journalPath).read().records.size());
+    ASSERT_GE(records, 4);
+    QFile file(journalPath);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QByteArray damaged = file.readAll();
+    file.close();
+    // The first record starts after the 16-byte header; a bit of its payload flips.
+    damaged[16 + 8 + 2] = char(damaged[16 + 8 + 2] ^ 0x10);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(damaged);
+    file.close();
+
+    Driver second(home.path());
+    ASSERT_TRUE(second.waitFor(QStringLiteral("ready")));
+    // An alert's text runs over several lines of the driver's output.
+    const QString alerts = second.lines().join(u'\n');
+    EXPECT_TRUE(alerts.contains(QStringLiteral("%1 edit(s) made").arg(records - 1)))
+        << qPrintable(alerts);
+    EXPECT_TRUE(alerts.contains(QStringLiteral("damaged and skipped: record 1 (at byte 16,")))
+        << qPrintable(alerts);
+    const QStringList aside = QDir(QFileInfo(journalPath).path())
+                                  .entryList({QStringLiteral("*.journal.damaged-*")}, QDir::Files);
+    ASSERT_EQ(aside.size(), 1);
+    EXPECT_TRUE(alerts.contains(aside.first())) << qPrintable(alerts);
+    QFile kept(QFileInfo(journalPath).path() + u'/' + aside.first());
+    ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
+    EXPECT_EQ(kept.readAll(), damaged) << "the damaged journal was not kept as it was";
+    // The later edits were recovered and saved; the journal starts again.
+    const PlistValue keyset =
+        TVKUserDefaults(storePath).objectForKey(key::ModelData).value(key::Keysets).at(1);
+    EXPECT_EQ(keyset.value(key::EMode).toUnsigned(), 2u);
+    EXPECT_EQ(keyset.value(key::OneTchRcd).toInteger(), 1);
+    EXPECT_TRUE(TVKRecoveryJournal(journalPath).read().records.empty());
+}
+
+// A FIFO at the journal's path would hold the start-up inside open() forever: it is not read,
+// it goes aside, and a journal of regular file takes its place.
+TEST_F(ControllerTest, AFifoAtTheJournalPathDoesNotHoldUpTheStart)
+{
+    const QString journalPath = TVKRecoveryJournal::pathBeside(storePath);
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(journalPath).path()));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(journalPath).constData(), 0600), 0);
+    Driver driver(home.path());
+    ASSERT_TRUE(driver.waitFor(QStringLiteral("ready"))) << "the start-up waited on the FIFO";
+    ASSERT_TRUE(driver.run(QStringLiteral("emulation 1")));
+    EXPECT_TRUE(QFileInfo(journalPath).isFile());
+    EXPECT_EQ(TVKRecoveryJournal(journalPath).read().records.size(), 1u);
+    EXPECT_EQ(QDir(QFileInfo(journalPath).path())
+                  .entryList({QStringLiteral("*.journal.unreadable-*")}, QDir::System)
+                  .size(),
+              1);
 }

@@ -448,24 +448,42 @@ TEST_F(UninstallerTest, WithTheServiceAloneTheFolderGoesAndTheServerIsWaitedFor)
     EXPECT_EQ(uninstall(cancelled), 2);
 }
 
-// corvane --install and --uninstall: the same steps without windows, in a real child process.
-TEST_F(InstallerTest, TheProgramInstallsAndUninstallsWithoutWindows)
+// corvane --install and --uninstall: the same steps without windows and without a display, in a
+// real child process.
+class ProgramInstallerTest : public InstallerTest
+{
+protected:
+    QProcessEnvironment windowless() const
+    {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("CORVANE_BUNDLE_DIR"), environment.bundlePath);
+        for (const char* name :
+             {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "CORVANE_MIDI_SERVER"})
+            env.remove(QString::fromLatin1(name));
+        return env;
+    }
+};
+
+TEST_F(ProgramInstallerTest, InstallsAndUninstallsWithoutADisplayInPlainLines)
 {
     QProcess corvane;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("CORVANE_BUNDLE_DIR"), environment.bundlePath);
-    env.remove(QStringLiteral("DISPLAY"));
-    env.remove(QStringLiteral("CORVANE_MIDI_SERVER"));
-    corvane.setProcessEnvironment(env);
+    corvane.setProcessEnvironment(windowless());
     corvane.start(QStringLiteral(CORVANE_BINARY_DIR "/src/corvane"), {QStringLiteral("--install")});
     ASSERT_TRUE(corvane.waitForFinished(30000));
     const QString out = QString::fromUtf8(corvane.readAllStandardOutput());
-    EXPECT_EQ(corvane.exitCode(), 0) << qPrintable(out);
+    const QString err = QString::fromUtf8(corvane.readAllStandardError());
+    EXPECT_EQ(corvane.exitStatus(), QProcess::NormalExit) << qPrintable(err);
+    EXPECT_EQ(corvane.exitCode(), 0) << qPrintable(out + err);
     EXPECT_TRUE(out.startsWith(QStringLiteral("Additional software components")))
         << qPrintable(out);
-    EXPECT_TRUE(out.contains(QStringLiteral("\ninstalling midi driver\n"))) << qPrintable(out);
-    EXPECT_TRUE(out.contains(QStringLiteral("*** Click Finish to continue ***")))
+    EXPECT_TRUE(out.contains(QStringLiteral("\ninstalling midi driver\ninstalling application "
+                                            "support\ninstalling background application\n")))
         << qPrintable(out);
+    // Nothing meant for a window: no prompt to press a button, no separator, no log line.
+    EXPECT_FALSE(out.contains(QStringLiteral("Click Finish"))) << qPrintable(out);
+    EXPECT_FALSE(out.contains(QStringLiteral("____"))) << qPrintable(out);
+    EXPECT_FALSE((out + err).contains(QStringLiteral("SMLoginItemSetEnabled"))) << qPrintable(err);
+    EXPECT_TRUE(err.isEmpty()) << qPrintable(err);
     EXPECT_TRUE(QFileInfo::exists(install::autostartEntryPath(kNames.launcherAppID)));
 
     corvane.start(QStringLiteral(CORVANE_BINARY_DIR "/src/corvane"), {QStringLiteral("--install")});
@@ -476,9 +494,34 @@ TEST_F(InstallerTest, TheProgramInstallsAndUninstallsWithoutWindows)
     corvane.start(QStringLiteral(CORVANE_BINARY_DIR "/src/corvane"),
                   {QStringLiteral("--uninstall")});
     ASSERT_TRUE(corvane.waitForFinished(30000));
-    EXPECT_EQ(corvane.exitCode(), 0);
+    EXPECT_EQ(corvane.exitCode(), 0) << corvane.readAllStandardError().toStdString();
     EXPECT_TRUE(corvane.readAllStandardOutput().contains("Uninstall Complete!"));
     EXPECT_FALSE(QFileInfo::exists(path(QStringLiteral("data/MIDI Drivers/")) + kNames.driver));
+}
+
+// A script reads the installer's output through a pipe: it gets it all and the pipe closes when
+// corvane returns, though the helpers it started run on; what they say goes nowhere near it.
+TEST_F(ProgramInstallerTest, APipeReadingTheInstallerClosesWhenItReturns)
+{
+    writeBundle(path(QStringLiteral("bundle/Contents/Resources/Helpers/Tavrik/")) +
+                    QStringLiteral("com.tavrik.Helper.app"),
+                QStringLiteral("com.tavrik.Helper"), QStringLiteral("1.0"),
+                "#!/bin/bash\necho helper-speaks\necho helper-complains >&2\n"
+                "exec -a \"$0\" sleep 300\n");
+    QProcess script;
+    script.setProcessEnvironment(windowless());
+    script.start(QStringLiteral("/bin/sh"),
+                 {QStringLiteral("-c"), QStringLiteral("\"$0\" --install 2>&1 | cat"),
+                  QStringLiteral(CORVANE_BINARY_DIR "/src/corvane")});
+    const bool ended = script.waitForFinished(20000);
+    const QString out = QString::fromUtf8(script.readAll());
+    ASSERT_TRUE(ended) << "the pipe stayed open: " << qPrintable(out);
+    EXPECT_EQ(script.exitCode(), 0) << qPrintable(out);
+    EXPECT_TRUE(out.contains(QStringLiteral("installing midi driver"))) << qPrintable(out);
+    EXPECT_FALSE(out.contains(QStringLiteral("helper-"))) << qPrintable(out);
+    // The helper was started all the same, and runs on.
+    EXPECT_TRUE(waitUntil(
+        [] { return !install::processesOfBundle(QStringLiteral("com.tavrik.Helper")).empty(); }));
 }
 
 } // namespace

@@ -1,9 +1,12 @@
 #include "app/TVKRecoveryJournal.h"
 #include "service/MessageCatalogue.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace msg = corvane::msg;
 
@@ -44,14 +47,87 @@ TEST(RecoveryJournal, KeepsWholeRecordsAndDropsATornOne)
         EXPECT_FALSE(again.tornTail);
         EXPECT_EQ(again.records[2].body, QByteArray("next"));
     }
+}
 
-    // A flipped byte inside a record ends the journal there.
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    ASSERT_TRUE(file.seek(16 + 8 + 8 + 2));
-    file.write("X");
-    file.close();
-    EXPECT_TRUE(TVKRecoveryJournal(path).read().records.empty());
+// Records stand on their own: one flipped bit anywhere in a record (its length, its checksum or
+// its payload) loses that record alone, and says which; the records after it are read.
+TEST(RecoveryJournal, ADamagedRecordIsSkippedAndTheOthersKept)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("journal"));
+    const std::vector<QByteArray> bodies = {QByteArray("first"), QByteArray(70000, 'x'),
+                                            QByteArray("third")};
+    std::vector<qint64> starts;
+    {
+        TVKRecoveryJournal journal(path);
+        ASSERT_TRUE(journal.open());
+        for (size_t i = 0; i < bodies.size(); ++i) {
+            starts.push_back(QFileInfo(path).size());
+            ASSERT_TRUE(journal.append(msg::Emul, int(i), bodies[i]));
+        }
+    }
+    QFile original(path);
+    ASSERT_TRUE(original.open(QIODevice::ReadOnly));
+    const QByteArray whole = original.readAll();
+    original.close();
+    for (size_t damaged = 0; damaged < bodies.size(); ++damaged) {
+        // Bit 0 of the length, a bit of the checksum, a bit of the keyset, a bit of the body.
+        for (const qint64 offset : {0, 5, 12, 17}) {
+            SCOPED_TRACE(testing::Message() << "record " << damaged << " byte " << offset);
+            QByteArray bytes = whole;
+            bytes[starts[damaged] + offset] = char(bytes[starts[damaged] + offset] ^ 0x01);
+            const QString copy = dir.filePath(QStringLiteral("damaged"));
+            QFile file(copy);
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            file.write(bytes);
+            file.close();
+            const TVKRecoveryJournal::Contents contents = TVKRecoveryJournal(copy).read();
+            std::vector<int> kept;
+            for (const TVKRecoveryJournal::Record& record : contents.records) {
+                kept.push_back(record.editedKeyset);
+                EXPECT_EQ(record.body, bodies[size_t(record.editedKeyset)]);
+            }
+            std::vector<int> expected;
+            for (size_t i = 0; i < bodies.size(); ++i) {
+                if (i != damaged)
+                    expected.push_back(int(i));
+            }
+            EXPECT_EQ(kept, expected);
+            // The last record with its length changed cannot be told from one cut short.
+            if (damaged == bodies.size() - 1 && offset == 0) {
+                EXPECT_TRUE(contents.tornTail);
+                continue;
+            }
+            ASSERT_EQ(contents.damaged.size(), 1) << qPrintable(contents.damaged.join(u'|'));
+            EXPECT_TRUE(contents.damaged.first().startsWith(
+                QStringLiteral("record %1 (at byte %2,").arg(damaged + 1).arg(starts[damaged])))
+                << qPrintable(contents.damaged.first());
+            EXPECT_FALSE(contents.tornTail);
+        }
+    }
+}
+
+// Only a regular file is a journal: a FIFO or a folder at its path is neither read (which
+// would wait for a writer forever) nor opened.
+TEST(RecoveryJournal, OnlyARegularFileIsReadOrOpened)
+{
+    QTemporaryDir dir;
+    const QString fifo = dir.filePath(QStringLiteral("fifo"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    const QString folder = dir.filePath(QStringLiteral("folder"));
+    ASSERT_TRUE(QDir().mkpath(folder));
+    for (const QString& path : {fifo, folder}) {
+        TVKRecoveryJournal journal(path);
+        const TVKRecoveryJournal::Contents contents = journal.read();
+        EXPECT_TRUE(contents.records.empty());
+        EXPECT_TRUE(contents.error.contains(QStringLiteral("not a regular file")) ||
+                    contents.error.contains(QStringLiteral("directory")))
+            << qPrintable(contents.error);
+        QString error;
+        EXPECT_FALSE(journal.open(&error));
+        EXPECT_FALSE(error.isEmpty());
+        EXPECT_FALSE(journal.isOpen());
+    }
 }
 
 TEST(RecoveryJournal, EmptiedWithANewEpochAndNeverReadFromAStranger)
