@@ -205,6 +205,14 @@ void TVKController::readStoredModel()
     } else {
         m_modelData = makeModelData();
     }
+    if (stored.isDict()) {
+        m_storedConfiguration = stored;
+    } else {
+        // Without a configuration in the store a service starts from a new one, as this did.
+        m_storedConfiguration = PlistValue::makeDict();
+        if (m_modelData)
+            m_modelData->writeTo(m_storedConfiguration);
+    }
 }
 
 void TVKController::replayJournal()
@@ -279,6 +287,8 @@ void TVKController::awakeFromNib()
     if (m_messenger) {
         m_messenger->setSendObserver(
             [this](corvane::MessageID id, const QByteArray& body) { journal(id, body); });
+        connect(m_messenger.get(), &TVK_CarbonCocoaMessenger::serviceReturned, this,
+                &TVKController::bringServiceInStep);
         m_messenger->requestKeyset(m_selectedKeyset, m_selectedLayer, m_modelDataGroupIndex,
                                    m_modelDataControlIndex);
     }
@@ -295,7 +305,7 @@ void TVKController::awakeFromNib()
 
 void TVKController::journal(corvane::MessageID id, const QByteArray& body)
 {
-    if (m_journal && m_journal->isOpen() && isConfigurationMessage(id))
+    if (m_journal && m_journal->isOpen() && isConfigurationMessage(id) && !m_bringingServiceInStep)
         m_journal->append(id, int(m_selectedKeyset), body);
 }
 
@@ -434,19 +444,22 @@ bool TVKController::writeDataToDefaults()
         return false;
     PlistValue dict = PlistValue::makeDict();
     m_modelData->writeTo(dict);
+    const PlistValue written = dict;
     m_defaults->setObject(QStringLiteral("TVKModelData"), std::move(dict));
     if (m_journal && m_journal->isOpen())
         m_defaults->setObject(QStringLiteral("TVKJournalEpoch"),
                               PlistValue(QString::number(m_journal->epoch())));
     QString error;
-    const bool written = m_defaults->synchronize(&error);
-    if (!written)
+    const bool stored = m_defaults->synchronize(&error);
+    if (stored)
+        m_storedConfiguration = written;
+    else
         corvane::log(QStringLiteral("the configuration could not be saved: %1").arg(error));
     saveGlobalDefaults();
     // Only a written store makes the journal's records redundant.
-    if (written && m_journal && m_journal->isOpen())
+    if (stored && m_journal && m_journal->isOpen())
         m_journal->clear();
-    return written;
+    return stored;
 }
 
 // --- Selection ---------------------------------------------------------------------------------

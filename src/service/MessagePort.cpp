@@ -22,12 +22,34 @@ std::vector<LocalMessagePort*>& livePorts()
     return ports;
 }
 
-bool peerIsSameUser(qintptr descriptor, const QString& portName)
+// Who was last refused at each name the process looks up, so that a lookup repeated every
+// 0.2 s logs a refusal once, and again only when something changed.
+std::map<QString, std::optional<unsigned>>& refusedLookups()
+{
+    static std::map<QString, std::optional<unsigned>> refused;
+    return refused;
+}
+
+enum class Refusal
+{
+    Logged,
+    LoggedOnce
+};
+
+bool peerIsSameUser(qintptr descriptor, const QString& portName, Refusal refusal = Refusal::Logged)
 {
     const PortPlatform& platform = PortPlatform::current();
     const std::optional<unsigned> peer = platform.peerUserId(descriptor);
-    if (peer && *peer == platform.userId())
+    if (peer && *peer == platform.userId()) {
+        refusedLookups().erase(portName);
         return true;
+    }
+    if (refusal == Refusal::LoggedOnce) {
+        const auto known = refusedLookups().find(portName);
+        if (known != refusedLookups().end() && known->second == peer)
+            return false;
+        refusedLookups()[portName] = peer;
+    }
     log(QStringLiteral("message port %1: dropped a connection from %2")
             .arg(portName,
                  peer ? QStringLiteral("user %1").arg(*peer) : QStringLiteral("an unknown user")));
@@ -266,9 +288,11 @@ std::shared_ptr<RemoteMessagePort> RemoteMessagePort::create(const QString& name
     socket->connectToServer(path);
     if (socket->state() != QLocalSocket::ConnectedState && !socket->waitForConnected(50)) {
         delete socket;
+        // Gone: a refused listener that comes back is news again.
+        refusedLookups().erase(name);
         return nullptr;
     }
-    if (!peerIsSameUser(socket->socketDescriptor(), name)) {
+    if (!peerIsSameUser(socket->socketDescriptor(), name, Refusal::LoggedOnce)) {
         socket->abort();
         delete socket;
         return nullptr;
