@@ -81,23 +81,28 @@ std::unique_ptr<LocalMessagePort> LocalMessagePort::create(const QString& name, 
         return nullptr;
 
     {
-        // A listener that answers owns the name; only a socket nobody answers on may be taken
-        // over.
+        // A listener of this user that answers owns the name; a socket nobody answers on, or
+        // another user's, is taken over.
         QLocalSocket probe;
         probe.connectToServer(path);
         if (probe.state() == QLocalSocket::ConnectedState || probe.waitForConnected(50)) {
+            // Another user's listener has no claim to a name in this user's folder: it is
+            // replaced, not obeyed.
+            const bool ours = peerIsSameUser(probe.socketDescriptor(), name);
             probe.abort();
-            return nullptr;
-        }
-        // A listener too busy to accept at once is still alive: its name stays its own.
-        const QLocalSocket::LocalSocketError error = probe.error();
-        const QString reason = probe.errorString();
-        probe.abort();
-        if (error != QLocalSocket::ConnectionRefusedError &&
-            error != QLocalSocket::ServerNotFoundError) {
-            log(QStringLiteral("message port %1: %2 does not answer (%3); left alone")
-                    .arg(name, path, reason));
-            return nullptr;
+            if (ours)
+                return nullptr;
+        } else {
+            // A listener too busy to accept at once is still alive: its name stays its own.
+            const QLocalSocket::LocalSocketError error = probe.error();
+            const QString reason = probe.errorString();
+            probe.abort();
+            if (error != QLocalSocket::ConnectionRefusedError &&
+                error != QLocalSocket::ServerNotFoundError) {
+                log(QStringLiteral("message port %1: %2 does not answer (%3); left alone")
+                        .arg(name, path, reason));
+                return nullptr;
+            }
         }
     }
     QLocalServer::removeServer(path);

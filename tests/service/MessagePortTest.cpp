@@ -306,6 +306,21 @@ TEST_F(MessagePortTest, ConnectionsFromAnotherUserAreDropped)
     EXPECT_TRUE(logContains(capture, QStringLiteral("dropped a connection from user")));
 }
 
+TEST_F(MessagePortTest, AnotherUsersListenerAtOurNameIsReplacedNotObeyed)
+{
+    auto theirs = LocalMessagePort::create(QStringLiteral("TVK_MessagePort_Crvn"), nullptr);
+    ASSERT_TRUE(theirs);
+    ForeignPeerPlatform foreign;
+    PlatformOverride platform(&foreign);
+    LogCapture capture;
+    auto ours = LocalMessagePort::create(QStringLiteral("TVK_MessagePort_Crvn"), nullptr);
+    ASSERT_TRUE(ours) << "the program would run send-only";
+    EXPECT_TRUE(ours->isValid());
+    EXPECT_TRUE(logContains(
+        capture,
+        QStringLiteral("message port TVK_MessagePort_Crvn: dropped a connection from user")));
+}
+
 TEST_F(MessagePortTest, AServiceOfAnotherUserIsLoggedOncePerChangeNotOnEveryLookup)
 {
     ForeignPeerPlatform foreign;
