@@ -1,7 +1,7 @@
 // The controller against a service over the real sockets: how long start-up takes to the first
 // connection check, how fast a touch on the surface comes back as the two highlight messages,
 // what an edit copied to all layers and its undo cost, how long quitting takes with fifty
-// keysets, and one record of the recovery journal.
+// keysets, bringing a service that came back in step, and one record of the recovery journal.
 #include "ConfigGenerator.h"
 #include "actions/TVKMIDIAction.h"
 #include "app/CorvaneController.h"
@@ -13,6 +13,7 @@
 #include "core/TVKUserDefaults.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
+#include "model/TVKKeyset.h"
 #include "service/MessageCatalogue.h"
 #include "service/MessagePort.h"
 #include "service/TVK_MessageSpecs.h"
@@ -245,6 +246,48 @@ void BM_QuitFiftyKeysets(benchmark::State& state)
     }
 }
 BENCHMARK(BM_QuitFiftyKeysets)->Iterations(5)->Unit(benchmark::kMillisecond);
+
+// A service started again from a store of fifty keysets, and the application bringing it in
+// step: the given number of keysets changed since the store was written (0: only the selection
+// goes; 50: every keyset is sent, the cost of sending everything on every return).
+void BM_CatchUpFiftyKeysets(benchmark::State& state)
+{
+    Home home(fiftyKeysets());
+    QProcess sim;
+    sim.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    sim.start(QStringLiteral(CORVANE_SERVICE_SIM), {QStringLiteral("--quiet")});
+    const QDeadlineTimer deadline(30000);
+    while (!sim.readAllStandardOutput().contains("listening") && !deadline.hasExpired())
+        sim.waitForReadyRead(100);
+    CorvaneController controller;
+    controller.awakeFromNib();
+    TVKModelData& model = *controller.modelData();
+    const int changed = int(state.range(0));
+    for (int k = 0; k < changed; ++k)
+        model.keysetAtIndex(k * model.numberOfKeysets() / std::max(changed, 1))->setLocked(true);
+    std::vector<double> micros;
+    for (auto _ : state) {
+        const Clock::time_point start = Clock::now();
+        controller.bringServiceInStep();
+        micros.push_back(since(start));
+        state.PauseTiming();
+        // Lets the service take what was sent before the next round.
+        const QDeadlineTimer settle(changed * 40 + 50);
+        while (!settle.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        state.ResumeTiming();
+    }
+    percentiles(state, micros);
+    sim.closeWriteChannel();
+    sim.waitForFinished(10000);
+}
+BENCHMARK(BM_CatchUpFiftyKeysets)
+    ->Arg(0)
+    ->Arg(1)
+    ->Arg(5)
+    ->Arg(50)
+    ->Iterations(5)
+    ->Unit(benchmark::kMillisecond);
 
 void BM_JournalAppend(benchmark::State& state)
 {

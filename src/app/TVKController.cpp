@@ -215,6 +215,14 @@ void TVKController::readStoredModel()
     } else {
         m_modelData = makeModelData();
     }
+    if (stored.isDict()) {
+        m_storedConfiguration = stored;
+    } else {
+        // Without a configuration in the store a service starts from a new one, as this did.
+        m_storedConfiguration = PlistValue::makeDict();
+        if (m_modelData)
+            m_modelData->writeTo(m_storedConfiguration);
+    }
 }
 
 void TVKController::replayJournal()
@@ -342,19 +350,28 @@ void TVKController::awakeFromNib()
     if (m_messenger) {
         m_messenger->setSendObserver(
             [this](corvane::MessageID id, const QByteArray& body) { journal(id, body); });
+        connect(m_messenger.get(), &TVK_CarbonCocoaMessenger::serviceReturned, this,
+                &TVKController::bringServiceInStep);
         // The service's current selection is taken as it stands: nothing is announced or sent.
+        // What this configuration does not have is refused and the start-up's selection kept.
         qint64 keyset = 0;
         qint64 layer = 0;
         qint64 group = 0;
         qint64 control = 0;
         m_messenger->requestKeyset(keyset, layer, group, control);
-        if (m_modelData) {
+        const int layers = m_constantServer ? m_constantServer->numLayers() : 0;
+        if (m_modelData && keysetAt(keyset) && layer >= 0 && layer < layers) {
             m_modelData->setSelectedKeysetIndex(int(keyset));
             m_modelData->setSelectedLayerIndex(int(layer));
             if (controlExists(group, control)) {
                 m_modelData->setSelectedGroupIndex(int(group));
                 m_modelData->setSelectedControlIndex(int(control));
             }
+        } else if (m_modelData) {
+            corvane::log(QStringLiteral("refused the service's current control: no keyset %1, "
+                                        "layer %2 here")
+                             .arg(keyset)
+                             .arg(layer));
         }
     }
     if (m_modelData)
@@ -519,18 +536,21 @@ bool TVKController::writeDataToDefaults()
         return false;
     PlistValue dict = PlistValue::makeDict();
     m_modelData->writeTo(dict);
+    const PlistValue written = dict;
     m_defaults->setObject(key::ModelData, std::move(dict));
     if (m_journal && m_journal->isOpen())
         m_defaults->setObject(key::JournalEpoch, PlistValue(QString::number(m_journal->epoch())));
     QString error;
-    const bool written = m_defaults->synchronize(&error);
-    if (!written)
+    const bool stored = m_defaults->synchronize(&error);
+    if (stored)
+        m_storedConfiguration = written;
+    else
         corvane::log(QStringLiteral("the configuration could not be saved: %1").arg(error));
     saveGlobalDefaults();
     // Only a written store makes the journal's records redundant.
-    if (written && m_journal && m_journal->isOpen())
+    if (stored && m_journal && m_journal->isOpen())
         m_journal->clear();
-    return written;
+    return stored;
 }
 
 // --- Selection ---------------------------------------------------------------------------------

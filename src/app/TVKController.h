@@ -187,6 +187,13 @@ public:
     void keepConnectionAlive();
     void updateConnectionMenu(bool connected);
     void attemptReconnect();
+    // Tells a service that started after this application did (or came back after it went
+    // away) what changed since the configuration it read was stored: keysets updated, added
+    // and deleted, the owner, then the edited keyset, the edited layer and the lit control.
+    // Nothing of it goes into the recovery journal: these are not the user's edits.
+    void bringServiceInStep();
+    // The configuration as the store holds it: what a service started now would read.
+    const corvane::PlistValue& storedConfiguration() const { return m_storedConfiguration; }
     void handleTVKLayerSelector(qint64 layer);
     void handleDisplay(qint64 display, qint64 group);
     virtual void handleTVKDisplay(qint64 group, qint64 display);
@@ -327,6 +334,9 @@ protected:
     TVKControl* controlAt(qint64 keyset, qint64 layer, qint64 group, qint64 control) const;
     // The layers a copy-to-all-layers edit visits, or just the given one.
     std::vector<qint64> affectedLayers(qint64 layer, bool copyToAllLayers) const;
+    // Whether the keyset has that layer and the layer a control at exactly that group and
+    // index: what the service names must exist here before anything follows it.
+    bool hasControl(qint64 keyset, qint64 layer, qint64 group, qint64 control) const;
     bool toOnscreen(qint64 group, qint64 control, qint64& onscreenGroup,
                     qint64& onscreenControl) const;
     // The model's control at an on-screen place, when the model has that control and it is
@@ -424,6 +434,7 @@ protected:
     std::unique_ptr<corvane::TVKUserDefaults> m_defaults;
     std::unique_ptr<TVKRecoveryJournal> m_journal;
     std::unique_ptr<TVKModelData> m_modelData;
+    corvane::PlistValue m_storedConfiguration;
     std::unique_ptr<TVK_PrivateMessenger> m_messenger;
     std::unique_ptr<TVK_Constant_Server> m_constantServer;
     TVKUndoManager m_undoManager;

@@ -3,6 +3,9 @@
 #include "app/TVKController.h"
 #include "core/Log.h"
 #include "core/Notifications.h"
+#include "core/StoredKeys.h"
+#include "model/TVKKeyset.h"
+#include "model/TVKLayer.h"
 #include "model/TVKModelData.h"
 #include "service/MessagePort.h"
 #include "service/TVK_PrivateMessenger.h"
@@ -12,7 +15,9 @@
 #include <QCoreApplication>
 #include <QIcon>
 #include <QPixmap>
+#include <QScopedValueRollback>
 #include <QTimer>
+#include <algorithm>
 
 namespace note = corvane::note;
 
@@ -20,6 +25,89 @@ namespace {
 
 constexpr int kPollIntervalMs = 1000;
 constexpr int kKeepAliveIntervalMs = 1500;
+
+using corvane::PlistValue;
+namespace key = corvane::key;
+
+// One keyset message that takes the service's list one step towards the application's.
+struct KeysetStep
+{
+    enum Kind
+    {
+        Update,
+        Add,
+        Delete
+    };
+    Kind kind;
+    int index;  // where in the service's list, when the step is sent
+    int keyset; // the application's keyset that goes there (Update and Add)
+};
+
+// The fewest keyset messages that turn the stored list into the current one. Keysets that are
+// the same in both are left alone wherever they moved to, so deleting one keyset of many costs
+// one message, not an update of every keyset after it. The steps run from the end of the list
+// to its start: the part before each step is still as stored, so its index is the stored one.
+std::vector<KeysetStep> keysetSteps(const PlistValue& stored, const PlistValue& current)
+{
+    const int storedCount = int(stored.size());
+    const int currentCount = int(current.size());
+    // Most catch-ups follow a few edits: the unchanged ends are set aside before the alignment.
+    int head = 0;
+    while (head < storedCount && head < currentCount && stored.at(head) == current.at(head))
+        ++head;
+    int tail = 0;
+    while (tail < storedCount - head && tail < currentCount - head &&
+           stored.at(storedCount - 1 - tail) == current.at(currentCount - 1 - tail))
+        ++tail;
+    const int rows = storedCount - head - tail;
+    const int columns = currentCount - head - tail;
+
+    // cost[i][j]: steps that turn the first i of the stored middle into the first j of the
+    // current one.
+    const auto at = [columns](int i, int j) {
+        return std::size_t(i) * std::size_t(columns + 1) + std::size_t(j);
+    };
+    std::vector<int> cost(std::size_t(rows + 1) * std::size_t(columns + 1));
+    std::vector<char> same(std::size_t(rows + 1) * std::size_t(columns + 1), 0);
+    for (int i = 0; i <= rows; ++i) {
+        for (int j = 0; j <= columns; ++j) {
+            if (i == 0 || j == 0) {
+                cost[at(i, j)] = i + j;
+                continue;
+            }
+            same[at(i, j)] = stored.at(head + i - 1) == current.at(head + j - 1);
+            cost[at(i, j)] = std::min({cost[at(i - 1, j - 1)] + (same[at(i, j)] ? 0 : 1),
+                                       cost[at(i - 1, j)] + 1, cost[at(i, j - 1)] + 1});
+        }
+    }
+    std::vector<KeysetStep> steps;
+    int i = rows;
+    int j = columns;
+    while (i > 0 || j > 0) {
+        if (i > 0 && j > 0 && cost[at(i, j)] == cost[at(i - 1, j - 1)] + (same[at(i, j)] ? 0 : 1)) {
+            if (!same[at(i, j)])
+                steps.push_back({KeysetStep::Update, head + i - 1, head + j - 1});
+            --i;
+            --j;
+        } else if (i > 0 && cost[at(i, j)] == cost[at(i - 1, j)] + 1) {
+            steps.push_back({KeysetStep::Delete, head + i - 1, -1});
+            --i;
+        } else {
+            steps.push_back({KeysetStep::Add, head + i, head + j - 1});
+            --j;
+        }
+    }
+    return steps;
+}
+
+bool sameOwner(const PlistValue& stored, const PlistValue& current)
+{
+    for (const QString& name : {key::HasOwnerKS, key::OwnKSBID, key::OwnKSSig}) {
+        if (stored.value(name) != current.value(name))
+            return false;
+    }
+    return true;
+}
 
 } // namespace
 
@@ -29,11 +117,10 @@ void TVKController::hardwareControlChangeForGroup(qint64 group, qint64 control, 
     // The release of a control does not move the selection.
     if (value == 0 || !m_constantServer)
         return;
-    if (!controlExists(group, control)) {
-        corvane::log(QStringLiteral("the service touched a control the surface does not have: "
-                                    "group %1, control %2")
-                         .arg(group)
-                         .arg(control));
+    if (!hasControl(selectedKeyset(), selectedLayer(), group, control)) {
+        corvane::log(QStringLiteral("refused a touch from the service: no control %1 in group %2")
+                         .arg(control)
+                         .arg(group));
         return;
     }
     const TVKSelection before = selection();
@@ -47,6 +134,15 @@ void TVKController::hardwareControlChangeForGroup(qint64 group, qint64 control, 
 void TVKController::handleCurrentControlInfoForKeyset(qint64 keyset, qint64 layer, qint64 group,
                                                       qint64 control)
 {
+    if (!hasControl(keyset, layer, group, control)) {
+        corvane::log(QStringLiteral("refused the service's current control: no keyset %1, "
+                                    "layer %2, group %3, control %4 here")
+                         .arg(keyset)
+                         .arg(layer)
+                         .arg(group)
+                         .arg(control));
+        return;
+    }
     setSelectedKeyset(keyset);
     setSelectedLayer(layer);
     if (controlExists(group, control))
@@ -55,6 +151,15 @@ void TVKController::handleCurrentControlInfoForKeyset(qint64 keyset, qint64 laye
     notifyWithMessage(note::SelectedKeysetChange{});
     notifyOfRemoteControlChange(selectedControl(), selectedGroup(), true);
     validateMenuItems();
+}
+
+bool TVKController::hasControl(qint64 keyset, qint64 layer, qint64 group, qint64 control) const
+{
+    const TVKKeyset* target = keysetAt(keyset);
+    const int layers = m_constantServer ? m_constantServer->numLayers() : 0;
+    const TVKLayer* inLayer =
+        target && layer >= 0 && layer < layers ? target->layerAtIndex(int(layer)) : nullptr;
+    return inLayer && inLayer->hasControl(group, control);
 }
 
 void TVKController::handleConnectionStateChange(bool connected)
@@ -127,6 +232,41 @@ void TVKController::attemptReconnect()
     if (m_messenger)
         tellServiceUnjournaled(
             [&] { m_messenger->sendResetSocketMessage(ipAddress(), ethernetPort()); });
+}
+
+void TVKController::bringServiceInStep()
+{
+    if (!m_messenger || !m_modelData)
+        return;
+    PlistValue current = PlistValue::makeDict();
+    m_modelData->writeTo(current);
+    tellServiceUnjournaled([&] {
+        for (const KeysetStep& step :
+             keysetSteps(m_storedConfiguration.value(key::Keysets), current.value(key::Keysets))) {
+            switch (step.kind) {
+            case KeysetStep::Update:
+                m_messenger->sendUpdateKeysetMessage(step.index, keysetAt(step.keyset));
+                break;
+            case KeysetStep::Add:
+                m_messenger->sendAddKeysetMessage(step.index, keysetAt(step.keyset));
+                break;
+            case KeysetStep::Delete:
+                m_messenger->sendDeleteKeysetMessage(step.index);
+                break;
+            }
+        }
+        if (!sameOwner(m_storedConfiguration, current)) {
+            m_messenger->sendOwnerKeysetChange(m_modelData->controlSurfaceHasOwnerKeyset(),
+                                               m_modelData->ownerKeysetBundleID(),
+                                               m_modelData->ownerKeysetSignature());
+        }
+        // A service knows nothing of what was selected here before it started.
+        const TVKSelection now = selection();
+        m_messenger->sendChangeEditKeysetMessage(now.keyset);
+        m_messenger->sendChangeEditLayerMessage(now.layer);
+        if (!now.displaySelected)
+            m_messenger->sendControlStateMessage(1, now.group, now.control, 0);
+    });
 }
 
 void TVKController::handleTVKLayerSelector(qint64 layer)

@@ -1,5 +1,6 @@
 #include "app/TVKInstanceLink.h"
 
+#include "core/Log.h"
 #include "service/PortPlatform.h"
 
 #include <QLocalServer>
@@ -10,6 +11,20 @@ namespace {
 const QString kInstancePort = QStringLiteral("CorvaneInstance");
 // A request is a few paths; anything longer is not one of ours.
 constexpr qint64 kMaxRequest = 1 << 20;
+
+// Only this user's processes are spoken to or listened to; anyone else is refused with a line in
+// the log.
+bool peerIsThisUser(const QLocalSocket& socket, const QString& what)
+{
+    const corvane::PortPlatform& platform = corvane::PortPlatform::current();
+    const std::optional<unsigned> peer = platform.peerUserId(socket.socketDescriptor());
+    if (peer && *peer == platform.userId())
+        return true;
+    corvane::log(QStringLiteral("single instance: refused %1 of %2")
+                     .arg(what, peer ? QStringLiteral("user %1").arg(*peer)
+                                     : QStringLiteral("an unknown user")));
+    return false;
+}
 
 } // namespace
 
@@ -25,6 +40,9 @@ bool TVKInstanceLink::sendToRunningInstance(const QStringList& files, int timeou
     QLocalSocket socket;
     socket.connectToServer(path);
     if (!socket.waitForConnected(timeoutMs))
+        return false;
+    // Another user's listener never gets the files; this process becomes the instance.
+    if (!peerIsThisUser(socket, QStringLiteral("the listener at %1").arg(path)))
         return false;
     // One path per line, an empty line to end.
     QByteArray request;
@@ -47,7 +65,8 @@ bool TVKInstanceLink::listen()
     m_server = new QLocalServer(this);
     m_server->setSocketOptions(QLocalServer::UserAccessOption);
     if (!m_server->listen(path)) {
-        // Nobody answered there (the caller asked first): the socket is a leftover.
+        // Nobody of this user answered there (the caller asked first): the socket is a leftover
+        // or another user's, and the name is this user's.
         QLocalServer::removeServer(path);
         if (!m_server->listen(path))
             return false;
@@ -55,6 +74,11 @@ bool TVKInstanceLink::listen()
     connect(m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket* socket = m_server->nextPendingConnection()) {
             connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+            if (!peerIsThisUser(*socket, QStringLiteral("a request"))) {
+                socket->abort();
+                socket->deleteLater();
+                continue;
+            }
             connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
                 if (socket->bytesAvailable() > kMaxRequest) {
                     socket->abort();

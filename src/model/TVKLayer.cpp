@@ -117,6 +117,13 @@ TVKControl* TVKLayer::controlForGroup(int group, int index) const
     return clampedControl(m_groups, numGroups(), group, index);
 }
 
+bool TVKLayer::hasControl(qint64 group, qint64 index) const
+{
+    const qint64 groups = std::min<qint64>(numGroups(), qint64(m_groups.size()));
+    return group >= 0 && group < groups && index >= 0 &&
+           index < qint64(m_groups[std::size_t(group)].size());
+}
+
 TVKControl* TVKLayer::displayControlForGroup(int group, int index) const
 {
     return clampedControl(m_displayGroups, numDisplayGroups(), group, index);

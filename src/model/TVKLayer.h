@@ -72,6 +72,8 @@ public:
     // Clamped: a group above the last gives the last, a negative one the first; a control index
     // outside the group gives the group's first control. nullptr only for an empty group.
     TVKControl* controlForGroup(int group, int index) const;
+    // Whether a control stands at exactly this group and index; the lookups above clamp.
+    bool hasControl(qint64 group, qint64 index) const;
     TVKControl* displayControlForGroup(int group, int index) const;
 
     void setAllControlsToActionMode(int mode);

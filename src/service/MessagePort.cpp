@@ -22,12 +22,34 @@ std::vector<LocalMessagePort*>& livePorts()
     return ports;
 }
 
-bool peerIsSameUser(qintptr descriptor, const QString& portName)
+// Who was last refused at each name the process looks up, so that a lookup repeated every
+// 0.2 s logs a refusal once, and again only when something changed.
+std::map<QString, std::optional<unsigned>>& refusedLookups()
+{
+    static std::map<QString, std::optional<unsigned>> refused;
+    return refused;
+}
+
+enum class Refusal
+{
+    Logged,
+    LoggedOnce
+};
+
+bool peerIsSameUser(qintptr descriptor, const QString& portName, Refusal refusal = Refusal::Logged)
 {
     const PortPlatform& platform = PortPlatform::current();
     const std::optional<unsigned> peer = platform.peerUserId(descriptor);
-    if (peer && *peer == platform.userId())
+    if (peer && *peer == platform.userId()) {
+        refusedLookups().erase(portName);
         return true;
+    }
+    if (refusal == Refusal::LoggedOnce) {
+        const auto known = refusedLookups().find(portName);
+        if (known != refusedLookups().end() && known->second == peer)
+            return false;
+        refusedLookups()[portName] = peer;
+    }
     log(QStringLiteral("message port %1: dropped a connection from %2")
             .arg(portName,
                  peer ? QStringLiteral("user %1").arg(*peer) : QStringLiteral("an unknown user")));
@@ -59,23 +81,28 @@ std::unique_ptr<LocalMessagePort> LocalMessagePort::create(const QString& name, 
         return nullptr;
 
     {
-        // A listener that answers owns the name; only a socket nobody answers on may be taken
-        // over.
+        // A listener of this user that answers owns the name; a socket nobody answers on, or
+        // another user's, is taken over.
         QLocalSocket probe;
         probe.connectToServer(path);
         if (probe.state() == QLocalSocket::ConnectedState || probe.waitForConnected(50)) {
+            // Another user's listener has no claim to a name in this user's folder: it is
+            // replaced, not obeyed.
+            const bool ours = peerIsSameUser(probe.socketDescriptor(), name);
             probe.abort();
-            return nullptr;
-        }
-        // A listener too busy to accept at once is still alive: its name stays its own.
-        const QLocalSocket::LocalSocketError error = probe.error();
-        const QString reason = probe.errorString();
-        probe.abort();
-        if (error != QLocalSocket::ConnectionRefusedError &&
-            error != QLocalSocket::ServerNotFoundError) {
-            log(QStringLiteral("message port %1: %2 does not answer (%3); left alone")
-                    .arg(name, path, reason));
-            return nullptr;
+            if (ours)
+                return nullptr;
+        } else {
+            // A listener too busy to accept at once is still alive: its name stays its own.
+            const QLocalSocket::LocalSocketError error = probe.error();
+            const QString reason = probe.errorString();
+            probe.abort();
+            if (error != QLocalSocket::ConnectionRefusedError &&
+                error != QLocalSocket::ServerNotFoundError) {
+                log(QStringLiteral("message port %1: %2 does not answer (%3); left alone")
+                        .arg(name, path, reason));
+                return nullptr;
+            }
         }
     }
     QLocalServer::removeServer(path);
@@ -266,9 +293,11 @@ std::shared_ptr<RemoteMessagePort> RemoteMessagePort::create(const QString& name
     socket->connectToServer(path);
     if (socket->state() != QLocalSocket::ConnectedState && !socket->waitForConnected(50)) {
         delete socket;
+        // Gone: a refused listener that comes back is news again.
+        refusedLookups().erase(name);
         return nullptr;
     }
-    if (!peerIsSameUser(socket->socketDescriptor(), name)) {
+    if (!peerIsSameUser(socket->socketDescriptor(), name, Refusal::LoggedOnce)) {
         socket->abort();
         delete socket;
         return nullptr;

@@ -5,6 +5,7 @@
 #include "service/TVK_MessageSpecs.h"
 
 #include <QTimer>
+#include <utility>
 
 using corvane::MessageID;
 
@@ -74,9 +75,12 @@ void TVK_CarbonCocoaMessenger::makeRemotePort()
             timer->deleteLater();
         });
         timer->start(RemoteLookupRetryMs);
+        m_serviceAway = true;
         return;
     }
     sendConnectMessage();
+    if (std::exchange(m_serviceAway, false))
+        Q_EMIT serviceReturned();
 }
 
 void TVK_CarbonCocoaMessenger::deferedMakeRemotePort(QTimer*)
@@ -86,6 +90,10 @@ void TVK_CarbonCocoaMessenger::deferedMakeRemotePort(QTimer*)
 
 void TVK_CarbonCocoaMessenger::restartRemotePort()
 {
+    // A service still there when its port is dropped is the one found again; one that is gone
+    // is replaced by whichever starts next.
+    if (!isRemotePortValid())
+        m_serviceAway = true;
     if (m_remotePort) {
         m_remotePort->invalidate();
         m_remotePort.reset();

@@ -70,6 +70,11 @@ public:
                                               void* info);
     virtual void invalidationCallbackForPort(corvane::LocalMessagePort* port, void* info);
 
+Q_SIGNALS:
+    // A service was found after a time without one (it was not there yet, or it went away):
+    // that service knows only what it read at its own start, not what was said to the last one.
+    void serviceReturned();
+
 private:
     corvane::FourCharCode m_localID;
     TVKMessengerDelegate* m_delegate;
@@ -77,4 +82,6 @@ private:
     std::shared_ptr<corvane::RemoteMessagePort> m_remotePort;
     QString m_remotePortName;
     SendObserver m_sendObserver;
+    // Set while no live service is held, so that the next one found is announced.
+    bool m_serviceAway = false;
 };

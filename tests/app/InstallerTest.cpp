@@ -9,6 +9,7 @@
 #include "app/TVKUninstallerController.h"
 #include "core/Log.h"
 #include "platform/InstallPlatform.h"
+#include "service/PortPlatform.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -558,6 +559,27 @@ TEST(InstanceLink, TheRunningInstanceTakesTheFilesOfASecondStart)
     // A socket left behind by an instance that ended is taken over.
     TVKInstanceLink next;
     EXPECT_TRUE(next.listen());
+
+    // A listener of another user gets no file; the caller becomes the instance itself.
+    struct Foreign : corvane::SystemPortPlatform
+    {
+        std::optional<unsigned> peerUserId(qintptr) const override { return userId() + 4242; }
+    } foreign;
+    corvane::PortPlatform::setCurrent(&foreign);
+    {
+        corvane::LogCapture log;
+        bool delivered = false;
+        QObject::connect(&next, &TVKInstanceLink::openRequested, [&] { delivered = true; });
+        EXPECT_FALSE(TVKInstanceLink::sendToRunningInstance({QStringLiteral("/tmp/a.CvKs")}, 200));
+        EXPECT_EQ(
+            log.lines().filter(QStringLiteral("single instance: refused the listener")).size(), 1);
+        TVKInstanceLink mine;
+        EXPECT_TRUE(mine.listen());
+        // And a request from another user is dropped unread.
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(delivered);
+    }
+    corvane::PortPlatform::setCurrent(nullptr);
     qputenv("TVK_PORT_DIR", previous);
 }
 

@@ -306,6 +306,57 @@ TEST_F(MessagePortTest, ConnectionsFromAnotherUserAreDropped)
     EXPECT_TRUE(logContains(capture, QStringLiteral("dropped a connection from user")));
 }
 
+TEST_F(MessagePortTest, AnotherUsersListenerAtOurNameIsReplacedNotObeyed)
+{
+    auto theirs = LocalMessagePort::create(QStringLiteral("TVK_MessagePort_Crvn"), nullptr);
+    ASSERT_TRUE(theirs);
+    ForeignPeerPlatform foreign;
+    PlatformOverride platform(&foreign);
+    LogCapture capture;
+    auto ours = LocalMessagePort::create(QStringLiteral("TVK_MessagePort_Crvn"), nullptr);
+    ASSERT_TRUE(ours) << "the program would run send-only";
+    EXPECT_TRUE(ours->isValid());
+    EXPECT_TRUE(logContains(
+        capture,
+        QStringLiteral("message port TVK_MessagePort_Crvn: dropped a connection from user")));
+}
+
+TEST_F(MessagePortTest, AServiceOfAnotherUserIsLoggedOncePerChangeNotOnEveryLookup)
+{
+    ForeignPeerPlatform foreign;
+    LogCapture capture;
+    const auto refusals = [&] {
+        return capture.lines()
+            .filter(QStringLiteral("message port TVK_Corvane: dropped a connection from user"))
+            .size();
+    };
+    auto service = std::make_unique<SimulatorProcess>(folder);
+    ASSERT_TRUE(service->start());
+    {
+        PlatformOverride platform(&foreign);
+        // A minute of 0.2 s lookups would be three hundred; the first one tells.
+        for (int lookup = 0; lookup < 20; ++lookup)
+            EXPECT_FALSE(RemoteMessagePort::create(QStringLiteral("TVK_Corvane")));
+        EXPECT_EQ(refusals(), 1);
+    }
+    service->kill();
+    service = std::make_unique<SimulatorProcess>(folder);
+    {
+        PlatformOverride platform(&foreign);
+        // Gone and back: news again, once.
+        EXPECT_FALSE(RemoteMessagePort::create(QStringLiteral("TVK_Corvane")));
+        ASSERT_TRUE(service->start());
+        for (int lookup = 0; lookup < 5; ++lookup)
+            EXPECT_FALSE(RemoteMessagePort::create(QStringLiteral("TVK_Corvane")));
+        EXPECT_EQ(refusals(), 2);
+    }
+    // Accepted in between, refused after: news again.
+    EXPECT_TRUE(RemoteMessagePort::create(QStringLiteral("TVK_Corvane")));
+    PlatformOverride platform(&foreign);
+    EXPECT_FALSE(RemoteMessagePort::create(QStringLiteral("TVK_Corvane")));
+    EXPECT_EQ(refusals(), 3);
+}
+
 TEST_F(MessagePortTest, UnsafeOrUnusableFoldersAreRefused)
 {
     const QString open = folder.path() + QStringLiteral("/open");

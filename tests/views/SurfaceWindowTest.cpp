@@ -119,7 +119,8 @@ TEST_F(ViewsTest, ATouchOnTheSurfaceLightsThePictureOfThatControl)
     }
     EXPECT_TRUE(waitForCount(QStringLiteral("TCtl"), 2, from));
 
-    // A control the surface does not have selects nothing: M4 stays selected and lit.
+    // A control the model does not have is refused by the controller: M4 stays lit and
+    // selected.
     TVKMultiStateButton& m = button(surface, kM);
     from = mark();
     service->command(QStringLiteral("send TCtl 0 3 0 1"));
