@@ -531,6 +531,20 @@ QString describeAction(const TVKAction& action, Detail detail, const ActionConte
     return describeDisplay(action, detail, context);
 }
 
+bool isAssigned(const TVKAction* action)
+{
+    return action && !dynamic_cast<const TVKNULLAction*>(action) &&
+           !dynamic_cast<const TVKNULLDisplayAction*>(action);
+}
+
+QString assignmentLabel(const TVKControl& control)
+{
+    if (!control.userName().trimmed().isEmpty())
+        return control.userName().trimmed();
+    return isAssigned(control.action()) ? describeAction(*control.action(), Detail::Short)
+                                        : QString();
+}
+
 QString modifierPrefix(quint64 modifiers)
 {
     QString text;

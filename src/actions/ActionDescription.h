@@ -7,6 +7,7 @@
 #include <optional>
 
 class TVKAction;
+class TVKControl;
 
 // A second, human description of an action, beside its descriptor: keys written as Linux desktops
 // write them ("Ctrl+Shift+S"), MIDI messages by name ("Note On C4 (60) vel 100 · ch 1"), the
@@ -35,6 +36,12 @@ ActionContext contextOfAction(const TVKAction& action);
 // The description of any action. Every kind of action gives a non-empty text.
 QString describeAction(const TVKAction& action, Detail detail);
 QString describeAction(const TVKAction& action, Detail detail, const ActionContext& context);
+
+// Whether the action does anything: a missing or "no action" action is not an assignment.
+bool isAssigned(const TVKAction* action);
+// What a control is shown as on a picture, a sheet or a status line: its user name, else the
+// short description of its action; empty when it has neither (nothing to show).
+QString assignmentLabel(const TVKControl& control);
 
 // "Ctrl+Shift+S", "Alt+F4", "Super+Page Up". Modifiers in the order Ctrl, Alt, Shift, Super.
 QString describeKeystroke(const TVKKeystrokeElement& keystroke);

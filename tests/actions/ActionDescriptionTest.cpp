@@ -147,6 +147,39 @@ TEST_F(ActionDescriptionTest, EveryControlInEveryActionModeIsDescribed)
     }
 }
 
+// A label is the user's name for a control, else what its action does; a control with neither
+// shows nothing. Over every control and display of every unit.
+TEST_F(ActionDescriptionTest, ALabelIsTheUserNameElseTheShortDescription)
+{
+    CorvaneModelData model;
+    TVKKeyset* keyset = model.selectedKeyset();
+    ASSERT_NE(keyset, nullptr);
+    int seen = 0;
+    for (const auto& layer : keyset->layers()) {
+        for (const auto* groups : {&layer->groups(), &layer->displayGroups()}) {
+            for (const TVKControlGroup& group : *groups) {
+                for (const auto& control : group) {
+                    ++seen;
+                    control->setUserName(QString());
+                    control->setAction(nullptr);
+                    EXPECT_FALSE(isAssigned(control->action()));
+                    EXPECT_EQ(assignmentLabel(*control), QString())
+                        << control->name().toStdString();
+                    control->setUserName(QStringLiteral("  Punch In "));
+                    EXPECT_EQ(assignmentLabel(*control), QStringLiteral("Punch In"));
+                    control->setUserName(QString());
+                    control->setActionMode(ActionMode::Developer);
+                    if (isAssigned(control->action())) {
+                        EXPECT_EQ(assignmentLabel(*control),
+                                  describeAction(*control->action(), Detail::Short));
+                    }
+                }
+            }
+        }
+    }
+    EXPECT_GT(seen, 100);
+}
+
 // All 16 subsets of Ctrl, Alt, Shift and Super: each held modifier written once, in the desktop's
 // order, before the key; and every order a user may type them in searches as the description.
 TEST_F(ActionDescriptionTest, EveryModifierCombinationIsWrittenAndSearchedAlike)
