@@ -15,6 +15,7 @@
 #include <QCloseEvent>
 #include <QLabel>
 #include <QMenu>
+#include <QScrollArea>
 #include <QStatusBar>
 #include <QVBoxLayout>
 
@@ -28,6 +29,22 @@ QString unitForNib(const QString& nibName)
     return nibName == QStringLiteral("ExpanderNib") ? QStringLiteral("Expander") : nibName;
 }
 
+// The unit's picture scrolls where the screen is smaller than the unit; the window still asks
+// for the whole picture, and gets it wherever the screen has room.
+class SurfaceScrollArea : public QScrollArea
+{
+public:
+    using QScrollArea::QScrollArea;
+    QSize sizeHint() const override
+    {
+        const QWidget* contents = widget();
+        if (!contents)
+            return QScrollArea::sizeHint();
+        const int frame = 2 * frameWidth();
+        return contents->sizeHint().expandedTo(contents->minimumSizeHint()) + QSize(frame, frame);
+    }
+};
+
 } // namespace
 
 CorvaneExpanderWindowController::CorvaneExpanderWindowController(CorvaneController& master,
@@ -37,12 +54,18 @@ CorvaneExpanderWindowController::CorvaneExpanderWindowController(CorvaneControll
 {
     setObjectName(nibName);
     setMenuBar(menuBar);
-    auto* central = new QWidget(this);
+    auto* scroll = new SurfaceScrollArea(this);
+    scroll->setObjectName(QStringLiteral("SurfaceScroll"));
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setAlignment(Qt::AlignCenter);
+    scroll->setWidgetResizable(false);
+    auto* central = new QWidget(scroll);
     auto* column = new QVBoxLayout(central);
     column->setContentsMargins(10, 10, 10, 6);
     m_surface = new CorvaneSurfaceView(unitForNib(nibName), central);
     column->addWidget(m_surface, 0, Qt::AlignCenter);
-    setCentralWidget(central);
+    scroll->setWidget(central);
+    setCentralWidget(scroll);
     m_status = new QLabel(this);
     statusBar()->addWidget(m_status, 1);
     statusBar()->setSizeGripEnabled(false);

@@ -6,12 +6,15 @@
 #include "ViewsFixture.h"
 #include "core/TVKUserDefaults.h"
 #include "views/CorvaneExpanderControllers.h"
+#include "views/CorvaneSurfaceView.h"
 #include "views/InspectorController.h"
 #include "views/KeysetSummaryController.h"
 #include "views/TVKMainWindow.h"
 
 #include <QApplication>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 #include <QToolButton>
 
@@ -167,24 +170,14 @@ protected:
 
     QRect available() const { return app->mainWindow()->screen()->availableGeometry(); }
 
-    // On the screen: wholly, or, for a window whose contents cannot shrink to the screen, from
-    // the screen's edge so that its title and its start are in sight.
+    // Wholly on the screen: a window whose contents are larger than the screen scrolls them.
     ::testing::AssertionResult onScreen(const char* name, const QWidget& w) const
     {
         const QRect frame = w.frameGeometry();
-        const QRect screen = available();
-        const QSize least =
-            w.minimumSizeHint().grownBy(QMargins(0, frame.top() - w.geometry().top(), 0, 0));
-        const bool across = least.width() > screen.width()
-                                ? frame.left() == screen.left()
-                                : frame.left() >= screen.left() && frame.right() <= screen.right();
-        const bool down = least.height() > screen.height()
-                              ? frame.top() == screen.top()
-                              : frame.top() >= screen.top() && frame.bottom() <= screen.bottom();
-        if (across && down)
+        if (available().contains(frame))
             return ::testing::AssertionSuccess();
         return ::testing::AssertionFailure()
-               << name << " at " << describe(frame) << " leaves " << describe(screen);
+               << name << " at " << describe(frame) << " leaves " << describe(available());
     }
 
     // The main window's header on the screen: name, layers, lock and connection.
@@ -260,4 +253,42 @@ TEST_F(WindowPlacementTest, RememberedFramesAreKeptAndBroughtBackOnScreen)
     const auto again = openEveryWindow();
     for (size_t i = 0; i < again.size(); ++i)
         EXPECT_EQ(again[i].second->frameGeometry(), before[i]) << again[i].first;
+}
+
+TEST_F(WindowPlacementTest, EveryPartOfEachUnitCanBeBroughtIntoSightAndTheWholeUnitWhereItFits)
+{
+    startApplication();
+    const auto windows = openEveryWindow();
+    for (const auto& [name, w] : windows) {
+        // However small the screen, the window can be made to fit it.
+        const QMargins frame(w->geometry().left() - w->frameGeometry().left(),
+                             w->geometry().top() - w->frameGeometry().top(),
+                             w->frameGeometry().right() - w->geometry().right(),
+                             w->frameGeometry().bottom() - w->geometry().bottom());
+        const QSize least = w->minimumSizeHint().grownBy(frame);
+        EXPECT_LE(least.width(), available().width()) << name;
+        EXPECT_LE(least.height(), available().height()) << name;
+
+        auto* unit = w->findChild<CorvaneSurfaceView*>();
+        if (!unit)
+            continue;
+        auto* scroll = w->findChild<QScrollArea*>();
+        ASSERT_NE(scroll, nullptr) << name;
+        QWidget* viewport = scroll->viewport();
+        // Scrolled to either end, that corner of the unit is in sight.
+        const std::pair<QScrollBar*, QScrollBar*> bars = {scroll->horizontalScrollBar(),
+                                                          scroll->verticalScrollBar()};
+        for (const bool far : {false, true}) {
+            bars.first->setValue(far ? bars.first->maximum() : bars.first->minimum());
+            bars.second->setValue(far ? bars.second->maximum() : bars.second->minimum());
+            const QPoint corner = far ? QPoint(unit->width() - 1, unit->height() - 1) : QPoint();
+            EXPECT_TRUE(viewport->rect().contains(unit->mapTo(viewport, corner)))
+                << name << (far ? ": the bottom right" : ": the top left") << " is out of sight";
+        }
+        // An expander window opens to its whole unit where the screen has room for it.
+        if (w != app->mainWindow() && available().contains(QRect(w->frameGeometry().topLeft(),
+                                                                 w->sizeHint().grownBy(frame)))) {
+            EXPECT_EQ(unit->visibleRegion().boundingRect(), unit->rect()) << name;
+        }
+    }
 }
