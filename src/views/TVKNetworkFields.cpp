@@ -10,6 +10,8 @@
 #include <QStyle>
 #include <QStyleOptionFrame>
 #include <QValidator>
+#include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -27,10 +29,19 @@ class AddressPartValidator : public QValidator
 {
 public:
     using QValidator::QValidator;
-    State validate(QString& input, int&) const override
+    State validate(QString& input, int& position) const override
     {
         if (input.isEmpty())
             return Intermediate;
+        // A digit typed after a part's zero replaces it, as the part "0" a fresh address shows
+        // is clicked into and typed over; "019" is no way to write 19.
+        if (input.size() > 1 && input.front() == QLatin1Char('0') && allAsciiDigits(input)) {
+            qsizetype zeros = 0;
+            while (zeros < input.size() - 1 && input.at(zeros) == QLatin1Char('0'))
+                ++zeros;
+            input.remove(0, zeros);
+            position = int(std::max<qsizetype>(0, position - zeros));
+        }
         if (corvane::addressPartValue(input))
             return Acceptable;
         if (corvane::addressParts(input))
@@ -89,9 +100,10 @@ protected:
         }
         const int key = event->key();
         const bool plain = !(event->modifiers() & ~(Qt::KeypadModifier | Qt::ShiftModifier));
+        const bool movedOnHere = std::exchange(m_owner.m_movedOnTo, -1) == m_index;
         if (plain && (key == Qt::Key_Period || key == Qt::Key_Comma)) {
-            // "." ends a part; on an empty part it waits for digits.
-            if (!text().isEmpty())
+            // "." ends a part; on an empty part, or one just moved on to, it waits for digits.
+            if (!text().isEmpty() && !movedOnHere)
                 m_owner.moveTo(m_index, 1, false);
             return;
         }
@@ -134,8 +146,10 @@ TVKAddressField::TVKAddressField(QWidget* parent) : QWidget(parent)
             if (!fillFromAddress(text) && text.size() == 3 &&
                 edit->cursorPosition() == text.size()) {
                 // A part is complete at three digits: go on to the next one.
-                const auto at = std::find(m_parts.begin(), m_parts.end(), edit);
-                moveTo(int(at - m_parts.begin()), 1, false);
+                const int full =
+                    int(std::find(m_parts.begin(), m_parts.end(), edit) - m_parts.begin());
+                moveTo(full, 1, false);
+                m_movedOnTo = full + 1;
             }
             Q_EMIT edited();
         });

@@ -32,6 +32,9 @@ private:
     bool fillFromAddress(const QString& text);
 
     std::array<QLineEdit*, 4> m_parts{};
+    // The part that a full part moved on to, until the next key: a "." typed there is the one
+    // that ended the full part, not a move past this one.
+    int m_movedOnTo = -1;
 };
 
 // A TCP port: 1 to 65535, digits only.

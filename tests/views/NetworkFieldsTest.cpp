@@ -92,6 +92,17 @@ TEST_F(ViewsTest, AddressAndPortFieldsTakeOnlyWhatTheyMeanWherever)
         startTypingIn(address.part(0));
         type(window, QStringLiteral("192.168.1.250"));
         EXPECT_EQ(address.parts(), parts("192", "168", "1", "250"));
+        // Clicked into at the end of a fresh address's "0" and typed: the zero is typed over.
+        address.setParts(parts("0", "0", "0", "0"));
+        address.part(0)->setFocus();
+        address.part(0)->end(false);
+        type(window, QStringLiteral("192.168.1.250"));
+        EXPECT_EQ(address.parts(), parts("192", "168", "1", "250"));
+        address.setParts(parts("10", "0", "0", "0"));
+        address.part(2)->setFocus();
+        address.part(2)->end(false);
+        type(window, QStringLiteral("07"));
+        EXPECT_EQ(address.parts(), parts("10", "0", "7", "0"));
         // A part is full at three digits and the next digit goes on to the next part; "." on
         // an empty part waits for its digits.
         address.setParts(parts("", "", "", ""));
