@@ -93,6 +93,15 @@ int TVKQtDialogs::runAlert(const TVKAlert& alert)
     box.setIcon(QMessageBox::Warning);
     box.setText(alert.message);
     box.setInformativeText(alert.informativeText);
+    // The question reads as a headline over its explanation, and the explanation on lines of a
+    // readable length rather than folded into a column as narrow as the headline.
+    if (auto* headline = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
+        QFont bold = headline->font();
+        bold.setBold(true);
+        headline->setFont(bold);
+    }
+    if (auto* explanation = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel")))
+        explanation->setMinimumWidth(explanation->fontMetrics().averageCharWidth() * 48);
     std::vector<QAbstractButton*> buttons;
     const QStringList titles =
         alert.buttons.isEmpty() ? QStringList{QObject::tr("OK")} : alert.buttons;

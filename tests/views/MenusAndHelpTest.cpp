@@ -8,6 +8,7 @@
 #include "views/TVKInstallerWindows.h"
 #include "views/TVKMainWindow.h"
 #include "views/TVKMenuBar.h"
+#include "views/TVKQtDialogs.h"
 #include "views/editors/TVKDisplayPreview.h"
 
 #include <QAction>
@@ -15,13 +16,16 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFontInfo>
+#include <QLabel>
 #include <QMenu>
+#include <QMessageBox>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextBrowser>
 #include <QTextDocument>
+#include <QTimer>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -253,4 +257,56 @@ TEST_F(ViewsTest, DisplayPreviewKeepsFixedWidthCharactersInEveryTheme)
     QApplication::setFont(before);
     EXPECT_FALSE(CorvaneViews::applicationIcon().pixmap(64, 64).isNull())
         << "the application's own icon is built in";
+}
+
+TEST_F(ViewsTest, AnAlertAsksInAHeadlineAndExplainsOnLinesOfAReadableLength)
+{
+    TVKQtDialogs dialogs;
+    const std::vector<TVKAlert> alerts = {
+        {QStringLiteral("Delete Keyset?"),
+         QStringLiteral("Do you really want to delete the keyset \"XTerm\"?"),
+         {QStringLiteral("Delete"), QStringLiteral("Don't Delete")}},
+        {QStringLiteral("Keyset Already Exists"),
+         QStringLiteral("A keyset for the application \"Ardour 8\" already exists. Do you want to "
+                        "replace it with the one you are importing, or keep both?"),
+         {QStringLiteral("Replace"), QStringLiteral("Cancel"), QStringLiteral("Keep Both")}},
+    };
+    for (const TVKAlert& alert : alerts) {
+        SCOPED_TRACE(alert.message.toStdString());
+        bool seen = false;
+        QTimer::singleShot(0, [&] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_NE(box, nullptr);
+            const QLabel* headline = nullptr;
+            const QLabel* explanation = nullptr;
+            for (const QLabel* label : box->findChildren<QLabel*>()) {
+                if (label->text() == alert.message)
+                    headline = label;
+                else if (label->text() == alert.informativeText)
+                    explanation = label;
+            }
+            ASSERT_NE(headline, nullptr);
+            ASSERT_NE(explanation, nullptr);
+            EXPECT_TRUE(QFontInfo(headline->font()).bold()) << "the question stands out";
+            EXPECT_GT(QFontInfo(headline->font()).weight(),
+                      QFontInfo(explanation->font()).weight());
+            // About fifty characters a line, as a reader takes them in, not a narrow column.
+            const QFontMetrics metrics = explanation->fontMetrics();
+            const int lines =
+                metrics
+                    .boundingRect(QRect(0, 0, explanation->contentsRect().width(), 10000),
+                                  Qt::TextWordWrap, alert.informativeText)
+                    .height() /
+                metrics.lineSpacing();
+            const int characters = int(alert.informativeText.size());
+            EXPECT_LE(lines, characters / 40 + 1) << lines << " lines";
+            EXPECT_GE(explanation->width(),
+                      std::min(metrics.horizontalAdvance(alert.informativeText),
+                               metrics.averageCharWidth() * 40));
+            seen = true;
+            QTest::keyClick(box, Qt::Key_Escape);
+        });
+        EXPECT_EQ(dialogs.runAlert(alert), 1) << "Escape is the second button, the way out";
+        EXPECT_TRUE(seen);
+    }
 }
