@@ -48,10 +48,11 @@ TVKInstallerDialog::TVKInstallerDialog(Kind kind, corvane::TVKUserDefaults& defa
     m_messageField = new QTextBrowser(m_messageView);
     m_messageField->setFrameShape(QFrame::NoFrame);
     m_messageField->viewport()->setAutoFillBackground(false);
+    m_messageField->document()->setDocumentMargin(0);
     m_messageField->setMinimumSize(460, 150);
     m_messageField->setAccessibleName(tr("Installation messages"));
     messageLayout->addWidget(m_messageField);
-    m_containerView->addWidget(m_messageView);
+    m_containerView->addWidget(m_messageView, 1);
     top->addLayout(m_containerView, 1);
     outer->addLayout(top, 1);
 
@@ -66,7 +67,8 @@ TVKInstallerDialog::TVKInstallerDialog(Kind kind, corvane::TVKUserDefaults& defa
     QFont bold = m_quitMIDIWarningField->font();
     bold.setBold(true);
     m_quitMIDIWarningField->setFont(bold);
-    outer->addWidget(m_quitMIDIWarningField);
+    // The warning and the progress line belong to the text beside the icon, and line up with it.
+    m_containerView->addWidget(m_quitMIDIWarningField);
 
     auto* status = new QHBoxLayout;
     m_restartMIDILable = new QLabel(tr("Waiting for the MIDI server to restart…"), this);
@@ -76,7 +78,7 @@ TVKInstallerDialog::TVKInstallerDialog(Kind kind, corvane::TVKUserDefaults& defa
     m_progress->setTextVisible(false);
     m_progress->setMaximumWidth(160);
     status->addWidget(m_progress);
-    outer->addLayout(status);
+    m_containerView->addLayout(status);
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);

@@ -310,3 +310,31 @@ TEST_F(ViewsTest, AnAlertAsksInAHeadlineAndExplainsOnLinesOfAReadableLength)
         EXPECT_TRUE(seen);
     }
 }
+
+TEST_F(ViewsTest, InstallerWarningAndProgressLineUpWithTheTextBesideTheIcon)
+{
+    startApplication();
+    for (const auto kind :
+         {TVKInstallerDialog::Kind::Install, TVKInstallerDialog::Kind::Uninstall}) {
+        TVKInstallerDialog window(kind, controller->defaults(), controller->corvaneModelData(),
+                                  app->mainWindow());
+        TVKInstallerFace face;
+        face.message = QStringLiteral("Additional software components must be installed.");
+        face.quitMIDIWarningShown = true;
+        face.restartLabelShown = true;
+        face.proceed = {QStringLiteral("Install"), true, true};
+        window.refresh(face);
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        const auto textLeft = [&](const QWidget* w, int inset) {
+            return w->mapTo(&window, QPoint(inset, 0)).x();
+        };
+        const QTextBrowser* message = window.messageField();
+        const int text = textLeft(message->viewport(), int(message->document()->documentMargin()));
+        const QLabel* warning = window.quitMIDIWarningField();
+        EXPECT_EQ(textLeft(warning, warning->contentsRect().left() + warning->margin()), text);
+        const QLabel* restart = window.restartMIDILable();
+        EXPECT_EQ(textLeft(restart, restart->contentsRect().left() + restart->margin()), text);
+        window.hide();
+    }
+}
