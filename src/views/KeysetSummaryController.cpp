@@ -245,7 +245,8 @@ QVariant KeysetSummaryModel::data(const QModelIndex& index, int role) const
         const TVKKeyset* keyset = m_modelData.keysetAtIndex(row);
         if (!keyset)
             return {};
-        if (role == Qt::DisplayRole)
+        // A name cut off at the column's edge reads whole in its tool tip.
+        if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
             return keyset->name();
         if (role == Qt::DecorationRole) {
             const QImage icon = QImage::fromData(keyset->icon());
@@ -258,7 +259,7 @@ QVariant KeysetSummaryModel::data(const QModelIndex& index, int role) const
                                        : QVariant();
     case GroupColumn: {
         const TVK_Constant_Server* constants = TVK_Constant_Server::defaultConstantServer();
-        if (role == Qt::DisplayRole)
+        if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
             return constants ? constants->dataModelGroupNameForGroup(row) : QString();
         if (role == Qt::DecorationRole && row < int(m_groupIcons.size()))
             return m_groupIcons[size_t(row)];

@@ -138,9 +138,9 @@ void TVKDisplayView::paintEvent(QPaintEvent*)
         } else if (placeholder) {
             QFont small = font;
             small.setBold(false);
-            small.setPixelSize(qMax(7, int(qMin(r.height() * 0.42, 11.0))));
+            small.setPixelSize(qMax(8, int(qMin(r.height() * 0.5, 11.0))));
             p.setFont(small);
-            ink.setAlpha(80);
+            ink.setAlpha(120);
             p.setPen(ink);
             p.drawText(textRect, align,
                        QFontMetrics(small).elidedText(text, Qt::ElideRight, int(textRect.width())));

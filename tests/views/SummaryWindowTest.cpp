@@ -5,6 +5,8 @@
 #include "core/StoredKeys.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
+#include "model/TVKKeyset.h"
+#include "surface/TVK_Constant_Server.h"
 #include "views/CorvaneSurfaceView.h"
 #include "views/KeysetSummaryController.h"
 #include "views/TVKMainWindow.h"
@@ -140,4 +142,28 @@ TEST_F(SummaryTest, SearchFindsAnAssignmentInEveryKeysetAndGoesToIt)
     EXPECT_EQ(controller->modelDataGroupIndex(), 21);
     EXPECT_EQ(controller->modelDataControlIndex(), 2);
     EXPECT_EQ(app->mainWindow()->keysetName(), QStringLiteral("Ardour"));
+}
+
+TEST_F(SummaryTest, ANameCutOffAtItsColumnsEdgeReadsWholeInItsToolTip)
+{
+    KeysetSummaryController& summary = openSummaryOnSample();
+    const KeysetSummaryModel& model = summary.model();
+    const TVK_Constant_Server& constants = *TVK_Constant_Server::defaultConstantServer();
+    const QFontMetrics metrics(summary.keysetBrowser()->font());
+    int cut = 0;
+    for (int keyset = 0; keyset < model.rowCount(); ++keyset) {
+        const QModelIndex k = model.index(keyset, 0);
+        const QString name = controller->modelData()->keysetAtIndex(keyset)->name();
+        EXPECT_EQ(k.data(Qt::ToolTipRole).toString(), name);
+        const QModelIndex layer = model.index(0, 0, k);
+        ASSERT_EQ(model.rowCount(layer), constants.numberOfControlGroups());
+        for (int group = 0; group < constants.numberOfControlGroups(); ++group) {
+            const QString title = constants.dataModelGroupNameForGroup(group);
+            const QModelIndex g = model.index(group, 0, layer);
+            EXPECT_EQ(g.data(Qt::ToolTipRole).toString(), title) << group;
+            cut += metrics.horizontalAdvance(title) + 40 >
+                   KeysetSummaryController::columnWidth(KeysetSummaryModel::GroupColumn);
+        }
+    }
+    EXPECT_GT(cut, 0) << "some group names are wider than their column";
 }
