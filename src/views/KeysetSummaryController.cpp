@@ -64,7 +64,7 @@ KeysetSummaryModel::KeysetSummaryModel(TVKModelData& modelData, const QImage& ge
 {
     // The group icons of layer 0 of the keyset selected now; they are not made again.
     const TVK_Constant_Server* constants = TVK_Constant_Server::defaultConstantServer();
-    const TVKKeyset* keyset = modelData.keysetAtIndex(modelData.selectedKeysetIndex());
+    const TVKKeyset* keyset = modelData.selectedKeyset();
     const TVKLayer* layer = keyset ? keyset->layerAtIndex(0) : nullptr;
     for (int group = 0; layer && constants && group < layer->numGroups(); ++group) {
         const QString name = constants->groupIconNameForGroup(group);
@@ -79,6 +79,12 @@ KeysetSummaryModel::KeysetSummaryModel(TVKModelData& modelData, const QImage& ge
     }
 }
 
+const TVKKeyset* KeysetSummaryModel::keysetOrNone(int keyset) const
+{
+    return keyset >= 0 && keyset < m_modelData.numberOfKeysets() ? m_modelData.keysetAtIndex(keyset)
+                                                                 : nullptr;
+}
+
 int KeysetSummaryModel::calcNumberOfRowsInColumn(int column, int keyset, int layer, int group) const
 {
     switch (column) {
@@ -87,12 +93,12 @@ int KeysetSummaryModel::calcNumberOfRowsInColumn(int column, int keyset, int lay
     case LayerColumn:
         return 4;
     case GroupColumn: {
-        const TVKKeyset* selected = m_modelData.keysetAtIndex(m_modelData.selectedKeysetIndex());
+        const TVKKeyset* selected = keysetOrNone(m_modelData.selectedKeysetIndex());
         const TVKLayer* first = selected ? selected->layerAtIndex(0) : nullptr;
         return first ? first->numGroups() : 0;
     }
     case ControlColumn: {
-        const TVKKeyset* k = m_modelData.keysetAtIndex(qMax(0, keyset));
+        const TVKKeyset* k = keysetOrNone(qMax(0, keyset));
         const TVKLayer* l = k ? k->layerAtIndex(qMax(0, layer)) : nullptr;
         if (!l || qMax(0, group) >= int(l->groups().size()))
             return 0;
@@ -115,7 +121,7 @@ int CorvaneKeysetSummaryModel::calcNumberOfRowsInColumn(int column, int keyset, 
 
 TVKControl* KeysetSummaryModel::controlForRow(int keyset, int layer, int group, int row) const
 {
-    const TVKKeyset* k = m_modelData.keysetAtIndex(keyset);
+    const TVKKeyset* k = keysetOrNone(keyset);
     const TVKLayer* l = k ? k->layerAtIndex(layer) : nullptr;
     if (!l || group < 0 || group >= int(l->groups().size()))
         return nullptr;
@@ -242,7 +248,7 @@ QVariant KeysetSummaryModel::data(const QModelIndex& index, int role) const
     const int row = index.row();
     switch (path.level) {
     case KeysetColumn: {
-        const TVKKeyset* keyset = m_modelData.keysetAtIndex(row);
+        const TVKKeyset* keyset = keysetOrNone(row);
         if (!keyset)
             return {};
         // A name cut off at the column's edge reads whole in its tool tip.

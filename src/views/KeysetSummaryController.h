@@ -16,6 +16,7 @@ class QTreeWidget;
 class QTreeWidgetItem;
 class TVKControl;
 class TVKController;
+class TVKKeyset;
 class TVKModelData;
 
 // The four browser columns over the live model: keysets, their four layers, the groups, and the
@@ -56,6 +57,10 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 protected:
+    // The keyset a row or path names; none for one that a deletion took away before the rows
+    // were read again (the browser still holds paths into it while the selection moves on).
+    const TVKKeyset* keysetOrNone(int keyset) const;
+
     TVKModelData& m_modelData;
 
 private:

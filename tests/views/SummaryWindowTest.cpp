@@ -167,3 +167,35 @@ TEST_F(SummaryTest, ANameCutOffAtItsColumnsEdgeReadsWholeInItsToolTip)
     }
     EXPECT_GT(cut, 0) << "some group names are wider than their column";
 }
+
+TEST_F(SummaryTest, DeletingTheKeysetsTheSummaryShowsLeavesItOnTheNewSelection)
+{
+    KeysetSummaryController& summary = openSummaryOnSample();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&summary));
+    // Each keyset but the Default in turn, from the end and from the start, deleted while the
+    // summary stands
+    // on one of its controls.
+    while (controller->modelData()->numberOfKeysets() > 1) {
+        const int count = controller->modelData()->numberOfKeysets();
+        const int doomed = count % 2 == 0 ? count - 1 : 1;
+        SCOPED_TRACE(doomed);
+        controller->keysetChangedInSummaryWindow(doomed);
+        const int group = count % 2;
+        const int control = 3 * group;
+        controller->selectionChangedInSummaryWindowToGroup(group, control);
+        ASSERT_EQ(browserPath(summary), (std::vector<int>{doomed, 0, group, control}));
+        views.alertAnswers = {0};
+        controller->handleDeleteKeyset();
+        ASSERT_EQ(controller->modelData()->numberOfKeysets(), count - 1);
+        const std::vector<int> path = browserPath(summary);
+        ASSERT_FALSE(path.empty());
+        EXPECT_EQ(path.front(), controller->selectedKeyset());
+        EXPECT_EQ(summary.model().rowCount(), count - 1);
+        // Every path the browser can take still leads to the live keysets' controls.
+        for (int keyset = 0; keyset < summary.model().rowCount(); ++keyset) {
+            const QModelIndex groups =
+                summary.model().index(0, 0, summary.model().index(keyset, 0));
+            EXPECT_GT(summary.model().rowCount(summary.model().index(1, 0, groups)), 0);
+        }
+    }
+}
