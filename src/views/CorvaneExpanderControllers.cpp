@@ -15,8 +15,10 @@
 #include <QCloseEvent>
 #include <QLabel>
 #include <QMenu>
+#include <QScreen>
 #include <QScrollArea>
 #include <QStatusBar>
+#include <QStyle>
 #include <QVBoxLayout>
 
 namespace note = corvane::note;
@@ -41,7 +43,21 @@ public:
         if (!contents)
             return QScrollArea::sizeHint();
         const int frame = 2 * frameWidth();
-        return contents->sizeHint().expandedTo(contents->minimumSizeHint()) + QSize(frame, frame);
+        QSize hint =
+            contents->sizeHint().expandedTo(contents->minimumSizeHint()) + QSize(frame, frame);
+        // A screen that cannot hold the unit across shows a scroll bar below it: the window
+        // asks for its height too, so that no second bar is needed down the side (and the
+        // same the other way round).
+        if (const QScreen* shown = screen()) {
+            const QSize room = shown->availableGeometry().size();
+            const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
+            const QSize whole = hint;
+            if (whole.width() > room.width())
+                hint.rheight() += bar;
+            if (whole.height() > room.height())
+                hint.rwidth() += bar;
+        }
+        return hint;
     }
 };
 

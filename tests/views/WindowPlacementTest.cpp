@@ -285,6 +285,15 @@ TEST_F(WindowPlacementTest, EveryPartOfEachUnitCanBeBroughtIntoSightAndTheWholeU
             EXPECT_TRUE(viewport->rect().contains(unit->mapTo(viewport, corner)))
                 << name << (far ? ": the bottom right" : ": the top left") << " is out of sight";
         }
+        // A window given the height it asks for scrolls only across, and the other way round.
+        if (w != app->mainWindow()) {
+            if (w->height() >= w->sizeHint().height()) {
+                EXPECT_FALSE(bars.second->isVisible()) << name << ": a bar down the side";
+            }
+            if (w->width() >= w->sizeHint().width()) {
+                EXPECT_FALSE(bars.first->isVisible()) << name << ": a bar below";
+            }
+        }
         // An expander window opens to its whole unit where the screen has room for it.
         if (w != app->mainWindow() && available().contains(QRect(w->frameGeometry().topLeft(),
                                                                  w->sizeHint().grownBy(frame)))) {
