@@ -10,11 +10,14 @@
 namespace corvane::key {
 
 // The preference store's own entries beside the global settings: the whole configuration, the
-// epoch of the recovery journal it already holds, and the windows' frames and open states.
+// epoch of the recovery journal it already holds, and the windows' frames and open states and what
+// the pictures show.
 inline const QString ModelData = QStringLiteral("TVKModelData");
 inline const QString JournalEpoch = QStringLiteral("TVKJournalEpoch");
 inline const QString WindowFrames = QStringLiteral("CorvaneWindowFrames");
 inline const QString OpenWindows = QStringLiteral("CorvaneOpenWindows");
+// Whether the pictures show what each control does (View → Show Assignments).
+inline const QString ShowAssignments = QStringLiteral("CorvaneShowAssignments");
 
 // The model data's keys. The Ethernet settings, the stand-alone expander switches and the
 // hardware style are also global settings of the preference store under the same keys.

@@ -39,6 +39,8 @@ void CorvaneBankedPicture::setBank(int bank)
     m_cell->setState(0);
     m_cell->handleRemoteSelectionChange();
     update();
+    if (auto* surface = qobject_cast<CorvaneSurfaceView*>(parentWidget()))
+        surface->controlsShownChanged();
 }
 
 CorvaneLCDButtonPicture::CorvaneLCDButtonPicture(const QString& key, int bankSize,

@@ -2,6 +2,7 @@
 
 #include "core/Notifications.h"
 #include "surface/TVK_Constant_Server.h"
+#include "views/CorvaneAssignmentLabels.h"
 #include "views/CorvanePictures.h"
 #include "views/TVKBundle.h"
 #include "views/TVKDisplayView.h"
@@ -102,9 +103,33 @@ CorvaneSurfaceView::CorvaneSurfaceView(const QString& unit, QWidget* parent)
         view->setGeometry(united);
         m_displays.push_back(view);
     }
+    // Over everything else, shown on request.
+    m_labels = new CorvaneAssignmentLabels(*this);
+    m_labels->hide();
     corvane::NotificationCenter::defaultCenter().observeEach<corvane::note::HdwStyChg>(
         m_observations, nullptr, [this] { followHardwareStyle(); });
     followHardwareStyle();
+}
+
+void CorvaneSurfaceView::setShowsAssignments(bool shown)
+{
+    if (shown == showsAssignments())
+        return;
+    if (shown) {
+        m_labels->invalidate();
+        m_labels->raise();
+    }
+    m_labels->setVisible(shown);
+}
+
+bool CorvaneSurfaceView::showsAssignments() const
+{
+    return !m_labels->isHidden();
+}
+
+void CorvaneSurfaceView::controlsShownChanged()
+{
+    m_labels->invalidate();
 }
 
 void CorvaneSurfaceView::followHardwareStyle()

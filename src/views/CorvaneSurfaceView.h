@@ -6,6 +6,7 @@
 #include <QWidget>
 #include <vector>
 
+class CorvaneAssignmentLabels;
 class TVKDisplayView;
 class TVKMultiStateButton;
 
@@ -31,6 +32,13 @@ public:
     TVKMultiStateButton* buttonWithTag(qint64 tag) const;
     TVKDisplayView* displayWithTag(int tag) const;
 
+    // Writes on the picture what each control does (View → Show Assignments).
+    void setShowsAssignments(bool shown);
+    bool showsAssignments() const;
+    CorvaneAssignmentLabels* assignmentLabels() const { return m_labels; }
+    // The pictures show other controls (another bank): their labels follow.
+    void controlsShownChanged();
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 
@@ -41,5 +49,6 @@ private:
     QString m_picture;
     std::vector<TVKMultiStateButton*> m_buttons;
     std::vector<TVKDisplayView*> m_displays;
+    CorvaneAssignmentLabels* m_labels = nullptr;
     std::vector<corvane::NotificationCenter::Observation> m_observations;
 };

@@ -6,6 +6,7 @@
 #include "platform/TerminationSignals.h"
 #include "platform/X11Accessibility.h"
 #include "views/CorvaneExpanderControllers.h"
+#include "views/CorvaneSurfaceView.h"
 #include "views/InspectorController.h"
 #include "views/KeysetSummaryController.h"
 #include "views/TVKAboutBox.h"
@@ -56,6 +57,10 @@ CorvaneViews::CorvaneViews(CorvaneController& controller, TVKDialogs& dialogs)
         helpKeys.append(QKeySequence(Qt::Key_F1));
     m_helpAction->setShortcuts(helpKeys);
     connect(m_helpAction, &QAction::triggered, this, [this] { showHelp(); });
+    m_assignmentsAction = new QAction(tr("Show Assignments"), this);
+    m_assignmentsAction->setCheckable(true);
+    connect(m_assignmentsAction, &QAction::triggered, this,
+            [this](bool on) { showAssignments(on); });
     connect(qApp, &QGuiApplication::focusWindowChanged, this, &CorvaneViews::focusWindowChanged);
 }
 
@@ -128,7 +133,8 @@ std::optional<double> CorvaneViews::desktopHeight()
 
 TVKMenuBar* CorvaneViews::makeMenuBar()
 {
-    auto* bar = new TVKMenuBar(m_controller, {m_dzAction}, {m_helpAction}, [this] { quit(); });
+    auto* bar = new TVKMenuBar(m_controller, {m_assignmentsAction}, {m_dzAction}, {m_helpAction},
+                               [this] { quit(); });
     m_menuBars.push_back(bar);
     if (m_nvMenuShown && m_nv)
         bar->showCorvaneNVMenu(m_nv->corvaneNVMenu(), true);
@@ -143,6 +149,9 @@ void CorvaneViews::start()
         standard->setParentWindow(m_main);
     m_controller.awakeFromNib();
     m_main->makeSurface();
+    m_assignmentsAction->setChecked(
+        m_controller.defaults().objectForKey(key::ShowAssignments).toBool());
+    applyShowAssignments();
     placeWindow(m_main);
     m_main->show();
     keepOnScreen(m_main);
@@ -370,6 +379,7 @@ QWidget* CorvaneViews::make(TVKWindow window)
     }
     if (window != TVKWindow::AboutBox)
         placeWindow(made);
+    applyShowAssignments();
     return made;
 }
 
@@ -385,6 +395,7 @@ void CorvaneViews::showDZ(bool shown)
         placeWindow(m_dz);
         connect(m_dz, &CorvaneExpanderWindowController::windowClosed, m_dzAction,
                 [this] { m_dzAction->setChecked(false); });
+        applyShowAssignments();
     }
     if (m_dz) {
         if (shown) {
@@ -394,6 +405,26 @@ void CorvaneViews::showDZ(bool shown)
             m_dz->hide();
     }
     m_dzAction->setChecked(shown);
+}
+
+void CorvaneViews::showAssignments(bool shown)
+{
+    m_assignmentsAction->setChecked(shown);
+    m_controller.defaults().setObject(key::ShowAssignments, PlistValue(shown));
+    applyShowAssignments();
+}
+
+void CorvaneViews::applyShowAssignments()
+{
+    const bool shown = m_assignmentsAction->isChecked();
+    if (m_main && m_main->surface())
+        m_main->surface()->setShowsAssignments(shown);
+    for (CorvaneExpanderWindowController* unit :
+         {m_tl, m_tlw, m_tlw2, static_cast<CorvaneExpanderWindowController*>(m_nv),
+          static_cast<CorvaneExpanderWindowController*>(m_dz)}) {
+        if (unit)
+            unit->surface()->setShowsAssignments(shown);
+    }
 }
 
 bool CorvaneViews::exists(TVKWindow window) const

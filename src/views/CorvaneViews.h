@@ -64,6 +64,9 @@ public:
     InspectorController* inspector() const { return m_inspector.get(); }
     QAction* dzAction() const { return m_dzAction; }
     QAction* helpAction() const { return m_helpAction; }
+    // View → Show Assignments: every picture writes what its controls do; remembered.
+    QAction* showAssignmentsAction() const { return m_assignmentsAction; }
+    void showAssignments(bool shown);
     // The manual, from its beginning or at a section.
     void showHelp(const QString& section = QString());
     TVKHelpWindow* helpWindow() const { return m_help; }
@@ -111,6 +114,8 @@ private:
     // Every window is placed here, remembered or for the first time (see WindowPlacement.h).
     void placeWindow(QWidget* window);
     void keepOnScreen(QWidget* window);
+    // Every picture made so far shows the labels or not, as View → Show Assignments says.
+    void applyShowAssignments();
     QMargins frameMargins(const QWidget* window) const;
     std::vector<QWidget*> placedWindows() const;
     static QString windowName(const QWidget* window);
@@ -130,6 +135,7 @@ private:
     TVKAppPortSheet* m_appPort = nullptr;
     QAction* m_dzAction = nullptr;
     QAction* m_helpAction = nullptr;
+    QAction* m_assignmentsAction = nullptr;
     TVKHelpWindow* m_help = nullptr;
     std::vector<TVKMenuBar*> m_menuBars;
     std::unique_ptr<corvane::X11Accessibility> m_desktop;

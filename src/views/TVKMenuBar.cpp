@@ -9,7 +9,8 @@
 
 using Command = TVKMenuCommand;
 
-TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*>& windowItems,
+TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*>& viewItems,
+                       const std::vector<QAction*>& windowItems,
                        const std::vector<QAction*>& helpItems, std::function<void()> quit,
                        QWidget* parent)
     : QMenuBar(parent), m_controller(controller)
@@ -56,6 +57,10 @@ TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*
         setAll->addAction(item(Command::HandleSetAllMenuItems, mode));
     edit->addSeparator();
     edit->addAction(item(Command::HandleLockUnlockMenu));
+
+    QMenu* view = addMenu(tr("&View"));
+    for (QAction* extra : viewItems)
+        view->addAction(extra);
 
     m_keysets = validating(addMenu(tr("&Keysets")));
     rebuildKeysetsMenu();

@@ -14,11 +14,11 @@ class TVKMenuBar : public QMenuBar
 {
     Q_OBJECT
 public:
-    // Quit runs the given function, which ends the program through the controller. The window
-    // and help items are the views' own, added after the controller's.
-    TVKMenuBar(CorvaneController& controller, const std::vector<QAction*>& windowItems,
-               const std::vector<QAction*>& helpItems, std::function<void()> quit,
-               QWidget* parent = nullptr);
+    // Quit runs the given function, which ends the program through the controller. The view,
+    // window and help items are the views' own, added after the controller's.
+    TVKMenuBar(CorvaneController& controller, const std::vector<QAction*>& viewItems,
+               const std::vector<QAction*>& windowItems, const std::vector<QAction*>& helpItems,
+               std::function<void()> quit, QWidget* parent = nullptr);
 
     // The NV expander's menu, shown while the NV window is main; it goes before Help.
     void showCorvaneNVMenu(QMenu* menu, bool shown);
