@@ -34,6 +34,8 @@ CorvaneAssignmentLabels::CorvaneAssignmentLabels(CorvaneSurfaceView& surface)
     setFocusPolicy(Qt::NoFocus);
     QFont small = font();
     small.setPixelSize(kTextPixels);
+    // A narrower face where the desktop has one: a few more letters on a small key.
+    small.setStretch(QFont::SemiCondensed);
     setFont(small);
     setGeometry(surface.rect());
 
