@@ -21,6 +21,7 @@
 #include <QAction>
 #include <QMenu>
 #include <QTest>
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -313,6 +314,16 @@ TEST_F(AssignmentLabelsTest, LabelsFollowEditsUndoRedoAndTheLayer)
     // Back on the first layer, its names.
     controller->handleTVKLayerSelector(0);
     EXPECT_EQ(labelOf(0, 2), QStringLiteral("Save"));
+
+    // A click on a label that lies on its control selects the control.
+    const auto& placed = surface.assignmentLabels()->labels();
+    const auto on = std::find_if(placed.begin(), placed.end(),
+                                 [](const PlacedLabel& label) { return label.onControl; });
+    ASSERT_NE(on, placed.end());
+    const auto spot = surface.assignmentLabels()->spots()[size_t(on->spot)];
+    clickSurface(surface, on->rect.center().toPoint());
+    EXPECT_EQ(controller->selectedGroup(), spot.tag);
+    EXPECT_EQ(controller->selectedControl(), spot.control);
 
     // Off: nothing drawn over the picture.
     app->showAssignments(false);
