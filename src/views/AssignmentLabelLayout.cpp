@@ -16,6 +16,9 @@ constexpr qreal kSideWidth = 120;
 // How much wider than its control a label below or above a control without neighbours may be.
 constexpr qreal kLoneExtra = 80;
 
+// From this size on, a control's label goes on it when it shows as much there as beside it.
+constexpr qreal kLargeControl = 40;
+
 const QString kEllipsis = QStringLiteral("…");
 
 // The characters of the text a label shows; a shortened label counts less than the whole text.
@@ -138,6 +141,18 @@ AssignmentLabelLayout::place(const std::vector<LabelSpot>& spots, int spot,
         return [&, top](qreal w) { return QRectF(box.center().x() - w / 2, top, w, m_height); };
     };
 
+    const auto onControl = [&] {
+        if (besideOnly)
+            return;
+        const qreal within = widthWithin(target.outline, box.center());
+        if (within > 0)
+            consider(Where::On, within, centredAt(box.center().y() - m_height / 2));
+    };
+    // A large control (an LCD key, a trackball) carries its label as a key of a stream deck
+    // does; a small one beside it, unless there is more room on it.
+    const bool large = box.width() >= kLargeControl && box.height() >= kLargeControl;
+    if (large)
+        onControl();
     const qreal beside = besideWidth(spots, spot);
     for (const Where where : {Where::Below, Where::Above}) {
         const qreal top = where == Where::Below ? box.bottom() + kGap : box.top() - kGap - m_height;
@@ -146,11 +161,8 @@ AssignmentLabelLayout::place(const std::vector<LabelSpot>& spots, int spot,
         if (beside > box.width())
             consider(where, box.width(), centredAt(top));
     }
-    if (!besideOnly) {
-        const qreal within = widthWithin(target.outline, box.center());
-        if (within > 0)
-            consider(Where::On, within, centredAt(box.center().y() - m_height / 2));
-    }
+    if (!large)
+        onControl();
     if (anywhere) {
         const qreal top = box.center().y() - m_height / 2;
         consider(Where::Right, kSideWidth,
