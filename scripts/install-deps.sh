@@ -6,7 +6,7 @@ packages=(
     qt6-base-dev qt6-qpa-plugins qt6-wayland libgl-dev fonts-dejavu-core
     libpugixml-dev
     libgtest-dev libgmock-dev libbenchmark-dev
-    clang clang-format libclang-rt-14-dev
+    clang clang-format clang-tidy libclang-rt-14-dev
     xvfb xauth
     libxml2-utils libplist-utils python3
     libxcb1-dev libxcb-res0-dev openbox xterm x11-apps procps

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds everything and runs the whole test suite: the tests, the whole suite again under the
+# Builds everything and runs the whole test suite: the tests, clang-tidy's small set of checks on
+# the program's own sources, the whole suite again under the
 # address and undefined-behaviour sanitizers, the core tests under the thread sanitizer, and every
 # fuzz target for a bounded time (its build also compiles every library and program with clang).
 set -euo pipefail
@@ -15,6 +16,14 @@ echo "== build and test everything (ci preset)"
 cmake --preset ci
 cmake --build --preset ci -j "$jobs"
 ctest --preset ci -j "$jobs"
+
+echo "== clang-tidy on the program's own sources (the checks of .clang-tidy, on the ci build)"
+run-clang-tidy -p build/ci -j "$jobs" -quiet '^(?!.*/build/).*/(src|tools)/.*\.cpp$' >build/ci/clang-tidy.log 2>&1 ||
+    {
+        grep -E 'warning:|error:' build/ci/clang-tidy.log | grep -v '^/usr/' | sort -u
+        echo "clang-tidy found the defects above (whole output: build/ci/clang-tidy.log)"
+        exit 1
+    }
 
 echo "== the whole suite under the address and undefined-behaviour sanitizers (asan preset)"
 cmake --preset asan
