@@ -7,7 +7,9 @@
 #include "sheet/KeysetSheet.h"
 #include "surface/Corvane_Constant_Server.h"
 
+#include <QFile>
 #include <QGuiApplication>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 
@@ -43,7 +45,11 @@ void countPages(benchmark::State& state, const corvane::KeysetSheet& sheet,
     sheet.writePdf(probe.fileName(), paper);
     probe.open(QIODevice::ReadOnly);
     const QByteArray pdf = probe.readAll();
-    state.counters["pages"] = double(pdf.count("/Type /Page\n") + pdf.count("/Type /Page\r"));
+    static const QRegularExpression page(QStringLiteral("/Type\\s*/Page(?![a-zA-Z])"));
+    double pages = 0;
+    for (auto it = page.globalMatch(QString::fromLatin1(pdf)); it.hasNext(); it.next())
+        ++pages;
+    state.counters["pages"] = pages;
     state.counters["kB"] = double(pdf.size()) / 1024;
 }
 

@@ -404,11 +404,15 @@ std::vector<SheetPage> KeysetSheet::layout(const QPagedPaintDevice& device) cons
     const std::vector<SheetUnit>& units = sheetUnits();
 
     std::vector<SheetPage> pages;
+    const auto startPage = [&pages](int layer) {
+        pages.emplace_back();
+        pages.back().layer = layer;
+    };
     for (int layer = 0; layer < 4; ++layer) {
         const std::vector<SheetRow>& rows = m_rows[size_t(layer)];
-        pages.push_back(SheetPage{layer, {}, 0, 0, 0, false});
+        startPage(layer);
         // The units at one scale, as they stand beside each other, side by side where they
-        // fit; the NV, when a layer needs it more than once, two abreast.
+        // fit; the NV, when a layer needs it more than once, four to a page.
         qreal scale = 0;
         for (int u : m_units) {
             const QSizeF size = units[size_t(u)].size;
@@ -425,7 +429,10 @@ std::vector<SheetPage> KeysetSheet::layout(const QPagedPaintDevice& device) cons
             const bool nv = unit.name == u"CorvaneNV";
             const std::vector<NVView> views = nv ? nvViews(rows) : std::vector<NVView>(1);
             const qreal unitScale =
-                views.size() > 1 ? std::min(scale, (width - gap) / 2 / unit.size.width()) : scale;
+                views.size() > 1
+                    ? std::min({scale, (width - gap) / 2 / unit.size.width(),
+                                (bottom - top - 2 * captionHeight - gap) / 2 / unit.size.height()})
+                    : scale;
             const QSizeF size = unit.size * unitScale;
             for (const NVView& view : views) {
                 if (x > 0 && x + size.width() > width + 0.5) {
@@ -434,7 +441,7 @@ std::vector<SheetPage> KeysetSheet::layout(const QPagedPaintDevice& device) cons
                     bandHeight = 0;
                 }
                 if (y + captionHeight + size.height() > bottom && y > top) {
-                    pages.push_back(SheetPage{layer, {}, 0, 0, 0, false});
+                    startPage(layer);
                     y = top;
                     x = 0;
                     bandHeight = 0;
@@ -456,7 +463,7 @@ std::vector<SheetPage> KeysetSheet::layout(const QPagedPaintDevice& device) cons
             return rowHeight(m, tableMetrics, columns, rows[size_t(r)]);
         };
         if (!rows.empty() && y + headHeight + heightOf(0) > bottom && y > top) {
-            pages.push_back(SheetPage{layer, {}, 0, 0, 0, false});
+            startPage(layer);
             y = top;
         }
         while (next < int(rows.size())) {
@@ -469,12 +476,13 @@ std::vector<SheetPage> KeysetSheet::layout(const QPagedPaintDevice& device) cons
                 const qreal h = heightOf(next);
                 if (y + h > bottom && page.rowCount > 0)
                     break;
+                page.rowHeights.push_back(h);
                 y += h;
                 ++next;
                 ++page.rowCount;
             }
             if (next < int(rows.size())) {
-                pages.push_back(SheetPage{layer, {}, 0, 0, 0, false});
+                startPage(layer);
                 y = top;
             }
         }
@@ -575,14 +583,16 @@ int KeysetSheet::paint(QPagedPaintDevice& device) const
             painter.setFont(m.table);
             for (int r = page.firstRow; r < page.firstRow + page.rowCount; ++r) {
                 const SheetRow& row = rows[size_t(r)];
-                const qreal h = rowHeight(m, tableMetrics, columns, row);
+                const qreal h = page.rowHeights[size_t(r - page.firstRow)];
                 const QString cells[4] = {row.groupName, row.controlName, row.userName,
                                           row.description};
                 painter.setPen(Qt::black);
+                // A row of one line each is drawn as it is; only taller ones are wrapped.
+                const bool wraps = h > tableMetrics.height() + m.pt(3);
                 for (int c = 0; c < 4; ++c) {
                     painter.drawText(QRectF(columns.x[c] + columns.pad, y + m.pt(1.25),
                                             columns.x[c + 1] - columns.x[c] - 2 * columns.pad, h),
-                                     Qt::AlignLeft | Qt::AlignTop | flags, cells[c]);
+                                     Qt::AlignLeft | Qt::AlignTop | (wraps ? flags : 0), cells[c]);
                 }
                 y += h;
                 painter.setPen(hairline);

@@ -54,6 +54,7 @@ struct SheetPage
     std::vector<SheetPicture> pictures;
     int firstRow = 0; // rows of the layer's table on this page
     int rowCount = 0;
+    std::vector<qreal> rowHeights; // of those rows
     qreal tableTop = 0;
     bool tableHeader = false;
 };
