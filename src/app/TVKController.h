@@ -208,6 +208,10 @@ public:
     void handleInstall();
     void handleUninstall();
     void handleExportKeyset();
+    // File menu: the selected keyset's sheet (every layer's pictures with the assigned
+    // controls' labels, and their table) through the print dialog, or into a PDF file.
+    void handlePrintKeyset();
+    void handleExportKeysetSheet();
     void handleCopyKeyset();
     void handlePasteKeyset();
     // Paste has something to paste only while the clipboard holds a keyset.
@@ -395,6 +399,7 @@ protected:
                            qint64 keyset, qint64 layer, qint64 group, qint64 control);
     QAction* addMenuItem(TVKMenuCommand command, const QString& title, qint64 tag = 0);
     void makeMenuItems();
+    void makeSheetMenuItems();
     void journal(corvane::MessageID id, const QByteArray& body);
     // Journals a change the service is not told about (TVKRecoveryJournal's own IDs).
     void journalChange(corvane::MessageID id, qint64 keyset, quint32 state);

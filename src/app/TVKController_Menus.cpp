@@ -34,6 +34,7 @@ void TVKController::makeMenuItems()
     addMenuItem(Command::HandleImportKeyset, tr("Import Keyset…"))->setShortcut(QKeySequence::Open);
     addMenuItem(Command::HandleExportKeyset, tr("Export Keyset…"))
         ->setShortcut(QKeySequence::SaveAs);
+    makeSheetMenuItems();
     addMenuItem(Command::HandleInstall, tr("Install…"));
     addMenuItem(Command::HandleUninstall, tr("Uninstall…"));
     addMenuItem(Command::HandleCopyKeyset, tr("Copy keyset"));
@@ -194,6 +195,9 @@ bool TVKController::validateMenuItem(QAction* item)
         return m_capturing && !locked;
     case Command::HandleExportKeyset:
         return selectedKeyset() != 0;
+    case Command::HandlePrintKeyset:
+    case Command::HandleExportKeysetSheet:
+        return keyset != nullptr;
     case Command::HandleSetOneTouchRecord:
         item->setChecked(keyset && keyset->oneTouchRecord());
         return true;
@@ -297,6 +301,12 @@ void TVKController::perform(QAction* item)
         break;
     case Command::HandleExportKeyset:
         handleExportKeyset();
+        break;
+    case Command::HandlePrintKeyset:
+        handlePrintKeyset();
+        break;
+    case Command::HandleExportKeysetSheet:
+        handleExportKeysetSheet();
         break;
     case Command::HandleCopyKeyset:
         handleCopyKeyset();

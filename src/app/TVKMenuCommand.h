@@ -19,6 +19,8 @@ enum class TVKMenuCommand
     HandleNewKeyset,
     HandleImportKeyset,
     HandleExportKeyset,
+    HandlePrintKeyset,
+    HandleExportKeysetSheet,
     HandleCopyKeyset,
     HandlePasteKeyset,
     HandleClearKeyset,

@@ -4,13 +4,16 @@
 #include "platform/TVKAXUtilities.h"
 
 #include <QImage>
+#include <QPageLayout>
 #include <QPointF>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <optional>
 #include <vector>
 
 class QAction;
+class QPagedPaintDevice;
 class TVKAction;
 
 // What the controller asks of the windows. The views implement these with the desktop's own
@@ -24,6 +27,25 @@ struct TVKAlert
     QString message;
     QString informativeText;
     QStringList buttons;
+};
+
+// A file that is not a keyset: the panel's title, the file's type (its extension) and what the
+// type is called, and the name proposed.
+struct TVKDocumentPanel
+{
+    QString title;
+    QString fileType;
+    QString typeName;
+    QString proposedName;
+};
+
+// Pages to print: painted on whatever paged device the print dialog or its preview hands over,
+// in that device's page size and orientation.
+struct TVKPrintJob
+{
+    QString title;
+    QPageLayout pageLayout; // proposed; the user may choose another in the dialog
+    std::function<int(QPagedPaintDevice&)> paint; // paints every page; the number painted
 };
 
 // The modal dialogs of the commands.
@@ -42,6 +64,15 @@ public:
     // The installed application chosen for a new keyset, or none when cancelled.
     virtual std::optional<corvane::DesktopApplication>
     chooseApplication(const std::vector<corvane::DesktopApplication>& applications) = 0;
+    // The chosen location of a document of another type; without a panel of its own, the
+    // keyset save panel's answer.
+    virtual QString runDocumentSavePanel(const TVKDocumentPanel& panel)
+    {
+        return runSavePanel(panel.fileType, panel.proposedName);
+    }
+    // The desktop's print dialog with a preview of the pages; true when they went to a printer.
+    // Without a way to print, nothing is printed.
+    virtual bool runPrintPanel(const TVKPrintJob& /*job*/) { return false; }
     // A line of text (a name) asked for with a title, a prompt and a proposal; none when
     // cancelled. Without a way to ask, the answer is none.
     virtual std::optional<QString> runTextInput(const QString& /*title*/, const QString& /*label*/,

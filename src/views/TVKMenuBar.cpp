@@ -29,6 +29,9 @@ TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*
     file->addAction(item(Command::HandleImportKeyset));
     file->addAction(item(Command::HandleExportKeyset));
     file->addSeparator();
+    file->addAction(item(Command::HandleExportKeysetSheet));
+    file->addAction(item(Command::HandlePrintKeyset));
+    file->addSeparator();
     file->addAction(item(Command::HandleInstall));
     file->addAction(item(Command::HandleUninstall));
     file->addSeparator();

@@ -11,6 +11,8 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPainter>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
 #include <QPushButton>
 #include <QStandardPaths>
 #include <QVBoxLayout>
@@ -172,6 +174,31 @@ TVKQtDialogs::chooseApplication(const std::vector<corvane::DesktopApplication>& 
     if (dialog.exec() != QDialog::Accepted || !list->currentItem())
         return std::nullopt;
     return applications[size_t(list->currentItem()->data(Qt::UserRole).toULongLong())];
+}
+
+QString TVKQtDialogs::runDocumentSavePanel(const TVKDocumentPanel& panel)
+{
+    QFileDialog dialog(m_parent, panel.title,
+                       QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation),
+                       QStringLiteral("%1 (*.%2)").arg(panel.typeName, panel.fileType));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(panel.fileType);
+    dialog.selectFile(panel.proposedName);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return QString();
+    return dialog.selectedFiles().constFirst();
+}
+
+bool TVKQtDialogs::runPrintPanel(const TVKPrintJob& job)
+{
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setDocName(job.title);
+    printer.setPageLayout(job.pageLayout);
+    QPrintPreviewDialog preview(&printer, m_parent);
+    preview.setWindowTitle(job.title);
+    QObject::connect(&preview, &QPrintPreviewDialog::paintRequested, &preview,
+                     [&job](QPrinter* device) { job.paint(*device); });
+    return preview.exec() == QDialog::Accepted;
 }
 
 std::optional<QString> TVKQtDialogs::runTextInput(const QString& title, const QString& label,

@@ -18,6 +18,8 @@ public:
     int runAlert(const TVKAlert& alert) override;
     std::optional<corvane::DesktopApplication>
     chooseApplication(const std::vector<corvane::DesktopApplication>& applications) override;
+    QString runDocumentSavePanel(const TVKDocumentPanel& panel) override;
+    bool runPrintPanel(const TVKPrintJob& job) override;
     std::optional<QString> runTextInput(const QString& title, const QString& label,
                                         const QString& text) override;
 

@@ -3,6 +3,8 @@
 #include "app/TVKController.h"
 #include "app/TVKViewInterfaces.h"
 
+#include <QBuffer>
+#include <QPdfWriter>
 #include <QString>
 #include <deque>
 #include <map>
@@ -42,6 +44,29 @@ public:
     {
         proposedNames.push_back(proposedName);
         return take(savePanelAnswers, QString());
+    }
+    // Document panels answer from the save panel's queue; a print job is painted into a PDF in
+    // memory, as a printer would be.
+    std::vector<TVKDocumentPanel> documentPanels;
+    QString runDocumentSavePanel(const TVKDocumentPanel& panel) override
+    {
+        documentPanels.push_back(panel);
+        return take(savePanelAnswers, QString());
+    }
+    std::vector<TVKPrintJob> printJobs;
+    std::vector<QByteArray> printed;
+    bool runPrintPanel(const TVKPrintJob& job) override
+    {
+        printJobs.push_back(job);
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        {
+            QPdfWriter writer(&buffer);
+            writer.setPageLayout(job.pageLayout);
+            job.paint(writer);
+        }
+        printed.push_back(buffer.data());
+        return true;
     }
     int runAlert(const TVKAlert& alert) override
     {

@@ -1,5 +1,6 @@
 #include "KeysetTool.h"
 
+#include "KeysetSheetCommand.h"
 #include "actions/TVKAction.h"
 #include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
@@ -281,40 +282,50 @@ QString KeysetTool::escapeField(const QString& text)
 QString KeysetTool::usage()
 {
     return QStringLiteral(
-        "Usage: corvane-keyset COMMAND ARGUMENTS\n"
-        "\n"
-        "Reads keyset files and stored configurations through the configuration model.\n"
-        "FILE may be an exported keyset, a stored configuration (a dictionary with\n"
-        "\"TVKKeysets\") or a preference store whose \"TVKModelData\" entry holds one;\n"
-        "XML and binary property lists are both read. --store in place of a FILE names\n"
-        "the user's preference store ($XDG_CONFIG_HOME/Tavrik/com.tavrik.CorvaneRS.plist).\n"
-        "\n"
-        "Commands:\n"
-        "  describe FILE             one line per control and display of every keyset:\n"
-        "                            KEYSET, LAYER (1-4), GROUP (model-data group, or D and\n"
-        "                            the display group), CONTROL, USERNAME and DESCRIPTION,\n"
-        "                            separated by tabs. Tabs and newlines inside a field are\n"
-        "                            written as \\t and \\n.\n"
-        "  convert IN OUT [--xml|--binary]\n"
-        "                            reads IN into the model and writes the model back to\n"
-        "                            OUT (XML unless --binary), replacing OUT atomically.\n"
-        "                            A keyset stays a keyset, a configuration a\n"
-        "                            configuration. OUT is left alone when IN cannot be read.\n"
-        "  check FILE                reports, one line each on standard error, what the model\n"
-        "                            had to put right while reading: actions that could not\n"
-        "                            be restored, controls of unknown type and the controls\n"
-        "                            after them, missing groups and controls.\n"
-        "\n"
-        "Options:\n"
-        "  --help                    show this help and exit\n"
-        "  --version                 show the version and exit\n"
-        "\n"
-        "Exit status:\n"
-        "  0   success (check: the file reads with nothing put right)\n"
-        "  1   check: the file reads, but something was put right\n"
-        "  2   the input file could not be read\n"
-        "  3   convert: the output file could not be written (it is left as it was)\n"
-        "  64  the command line is not valid\n");
+               "Usage: corvane-keyset COMMAND ARGUMENTS\n"
+               "\n"
+               "Reads keyset files and stored configurations through the configuration model.\n"
+               "FILE may be an exported keyset, a stored configuration (a dictionary with\n"
+               "\"TVKKeysets\") or a preference store whose \"TVKModelData\" entry holds one;\n"
+               "XML and binary property lists are both read. --store in place of a FILE names\n"
+               "the user's preference store ($XDG_CONFIG_HOME/Tavrik/com.tavrik.CorvaneRS.plist).\n"
+               "\n"
+               "Commands:\n"
+               "  describe FILE             one line per control and display of every keyset:\n"
+               "                            KEYSET, LAYER (1-4), GROUP (model-data group, or D "
+               "and\n"
+               "                            the display group), CONTROL, USERNAME and "
+               "DESCRIPTION,\n"
+               "                            separated by tabs. Tabs and newlines inside a field "
+               "are\n"
+               "                            written as \\t and \\n.\n"
+               "  convert IN OUT [--xml|--binary]\n"
+               "                            reads IN into the model and writes the model back to\n"
+               "                            OUT (XML unless --binary), replacing OUT atomically.\n"
+               "                            A keyset stays a keyset, a configuration a\n"
+               "                            configuration. OUT is left alone when IN cannot be "
+               "read.\n") +
+           sheetUsage() +
+           QStringLiteral(
+               "  check FILE                reports, one line each on standard error, what the "
+               "model\n"
+               "                            had to put right while reading: actions that could "
+               "not\n"
+               "                            be restored, controls of unknown type and the "
+               "controls\n"
+               "                            after them, missing groups and controls.\n"
+               "\n"
+               "Options:\n"
+               "  --help                    show this help and exit\n"
+               "  --version                 show the version and exit\n"
+               "\n"
+               "Exit status:\n"
+               "  0   success (check: the file reads with nothing put right)\n"
+               "  1   check: the file reads, but something was put right\n"
+               "  2   the input file could not be read\n"
+               "  3   convert, sheet: the output file could not be written (it is left as it was)\n"
+               "  4   sheet: the file holds no such keyset, or several and none was named\n"
+               "  64  the command line is not valid\n");
 }
 
 int KeysetTool::run(const QStringList& arguments, QTextStream& out, QTextStream& err)
@@ -324,6 +335,9 @@ int KeysetTool::run(const QStringList& arguments, QTextStream& out, QTextStream&
     std::optional<Corvane_Constant_Server> constants;
     if (!TVK_Constant_Server::defaultConstantServer())
         constants.emplace();
+
+    if (!arguments.isEmpty() && arguments.first() == u"sheet")
+        return runSheetCommand(arguments.mid(1), out, err);
 
     const CommandLine line = parseCommandLine(arguments);
     if (line.help) {

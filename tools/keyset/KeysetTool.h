@@ -53,10 +53,11 @@ public:
     enum ExitCode
     {
         ExitOk = 0,
-        ExitRepaired = 1,    // check: the file reads, but the model had to put something right
-        ExitUnreadable = 2,  // the input could not be read at all
-        ExitWriteFailed = 3, // convert: the output could not be written (it is left as it was)
-        ExitUsage = 64,      // bad command line
+        ExitRepaired = 1,     // check: the file reads, but the model had to put something right
+        ExitUnreadable = 2,   // the input could not be read at all
+        ExitWriteFailed = 3,  // convert: the output could not be written (it is left as it was)
+        ExitNoSuchKeyset = 4, // sheet: the file holds no such keyset, or several and none named
+        ExitUsage = 64,       // bad command line
     };
 
     static KeysetReadResult readDocument(const QString& path);
