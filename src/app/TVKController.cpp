@@ -353,6 +353,12 @@ void TVKController::awakeFromNib()
             [this](corvane::MessageID id, const QByteArray& body) { journal(id, body); });
         connect(m_messenger.get(), &TVK_CarbonCocoaMessenger::serviceReturned, this,
                 &TVKController::bringServiceInStep);
+        // A service found is asked about its surface at once, not at the next poll.
+        connect(m_messenger.get(), &TVK_CarbonCocoaMessenger::serviceReturned, this, [this] {
+            if (m_pollTimer && m_pollTimer->isActive())
+                m_pollTimer->start(0);
+            refreshConnectionIndicator();
+        });
         connect(m_messenger.get(), &TVK_CarbonCocoaMessenger::serviceRespondingChanged, this,
                 [this](bool responding) {
                     corvane::log(responding ? QStringLiteral("the background service answers again")
