@@ -140,6 +140,16 @@ TVKMainWindow::TVKMainWindow(CorvaneController& controller, TVKMenuBar* menuBar,
     m_reconnect = new QToolButton(header);
     m_reconnect->setDefaultAction(controller.connectionMenuItem());
     m_reconnect->setAutoRaise(true);
+    // The header keeps its place whatever the state: the layer buttons do not move.
+    QSizePolicy kept = m_reconnect->sizePolicy();
+    kept.setRetainSizeWhenHidden(true);
+    m_reconnect->setSizePolicy(kept);
+    int widest = 0;
+    for (const QString& text :
+         {tr("Surface connected"), tr("Surface not reachable"), tr("No background service"),
+          tr("Background service not responding"), tr("Starting the background service…")})
+        widest = std::max(widest, m_connectionText->fontMetrics().horizontalAdvance(text));
+    m_connectionText->setMinimumWidth(widest);
     row->addWidget(m_connectionIndicator);
     row->addWidget(m_reconnect);
     connect(controller.connectionMenu(), &QAction::changed, this, [this] { updateConnection(); });
