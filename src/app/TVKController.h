@@ -201,6 +201,9 @@ public:
     // Sends "RSoc" to a service; with none, starts one.
     void attemptReconnect();
     TVKServiceState serviceState() const;
+    // The indicator's text and tool tip for a state (while starting a service, for no service).
+    static QString serviceStateText(TVKServiceState state, bool starting = false);
+    static QString serviceStateExplanation(TVKServiceState state, bool starting = false);
     // Draws the indicator when what it shows has changed.
     void refreshConnectionIndicator();
     // While the service does not answer, the checks come less and less often (up to 10 s).

@@ -261,38 +261,11 @@ void TVKController::updateConnectionMenu(bool connected)
         return;
     m_shownServiceState = shown;
 
-    QString text;
-    QString why;
-    const QIcon* image = &m_notConnectedImage;
-    switch (state) {
-    case TVKServiceState::SurfaceConnected:
-        image = &m_connectedImage;
-        text = tr("Surface connected");
-        why = tr("The background service is running and the surface is connected.");
-        break;
-    case TVKServiceState::SurfaceNotReachable:
-        text = tr("Surface not reachable");
-        why = tr("The background service is running but cannot reach the surface. Check that "
-                 "the surface is switched on and plugged in, then choose reconnect.");
-        break;
-    case TVKServiceState::NoService:
-        image = &m_noServiceImage;
-        if (m_serviceStarting) {
-            text = tr("Starting the background service…");
-            why = tr("The background service has been started and should answer in a moment.");
-        } else {
-            text = tr("No background service");
-            why = tr("The background service is not running, so the surface does nothing. Choose "
-                     "reconnect or Start Background Service to start it.");
-        }
-        break;
-    case TVKServiceState::NotResponding:
-        image = &m_noServiceImage;
-        text = tr("Background service not responding");
-        why = tr("The background service is running but does not answer. Corvane asks it again "
-                 "every few seconds and keeps what it sends until the service reads again.");
-        break;
-    }
+    const QIcon* image = state == TVKServiceState::SurfaceConnected      ? &m_connectedImage
+                         : state == TVKServiceState::SurfaceNotReachable ? &m_notConnectedImage
+                                                                         : &m_noServiceImage;
+    const QString text = serviceStateText(state, m_serviceStarting);
+    const QString why = serviceStateExplanation(state, m_serviceStarting);
     if (!image->isNull())
         m_connectionMenu->setIcon(*image);
     m_connectionMenu->setText(text);
@@ -310,6 +283,41 @@ void TVKController::updateConnectionMenu(bool connected)
     }
     if (QAction* start = menuItem(TVKMenuCommand::StartBackgroundService))
         start->setEnabled(state == TVKServiceState::NoService && !m_serviceStarting);
+}
+
+QString TVKController::serviceStateText(TVKServiceState state, bool starting)
+{
+    switch (state) {
+    case TVKServiceState::SurfaceConnected:
+        return tr("Surface connected");
+    case TVKServiceState::SurfaceNotReachable:
+        return tr("Surface not reachable");
+    case TVKServiceState::NoService:
+        return starting ? tr("Starting the background service…") : tr("No background service");
+    case TVKServiceState::NotResponding:
+        return tr("Background service not responding");
+    }
+    return {};
+}
+
+QString TVKController::serviceStateExplanation(TVKServiceState state, bool starting)
+{
+    switch (state) {
+    case TVKServiceState::SurfaceConnected:
+        return tr("The background service is running and the surface is connected.");
+    case TVKServiceState::SurfaceNotReachable:
+        return tr("The background service is running but cannot reach the surface. Check that "
+                  "the surface is switched on and plugged in, then choose reconnect.");
+    case TVKServiceState::NoService:
+        return starting ? tr("The background service has been started and should answer in a "
+                             "moment.")
+                        : tr("The background service is not running, so the surface does "
+                             "nothing. Choose reconnect or Start Background Service to start it.");
+    case TVKServiceState::NotResponding:
+        return tr("The background service is running but does not answer. Corvane asks it again "
+                  "every few seconds and keeps what it sends until the service reads again.");
+    }
+    return {};
 }
 
 void TVKController::attemptReconnect()

@@ -145,10 +145,14 @@ TVKMainWindow::TVKMainWindow(CorvaneController& controller, TVKMenuBar* menuBar,
     kept.setRetainSizeWhenHidden(true);
     m_reconnect->setSizePolicy(kept);
     int widest = 0;
-    for (const QString& text :
-         {tr("Surface connected"), tr("Surface not reachable"), tr("No background service"),
-          tr("Background service not responding"), tr("Starting the background service…")})
-        widest = std::max(widest, m_connectionText->fontMetrics().horizontalAdvance(text));
+    for (const TVKServiceState state :
+         {TVKServiceState::SurfaceConnected, TVKServiceState::SurfaceNotReachable,
+          TVKServiceState::NoService, TVKServiceState::NotResponding}) {
+        for (const bool starting : {false, true}) {
+            widest = std::max(widest, m_connectionText->fontMetrics().horizontalAdvance(
+                                          TVKController::serviceStateText(state, starting)));
+        }
+    }
     m_connectionText->setMinimumWidth(widest);
     row->addWidget(m_connectionIndicator);
     row->addWidget(m_reconnect);

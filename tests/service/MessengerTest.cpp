@@ -363,9 +363,19 @@ TEST_F(MessengerTest, ASilentServiceFailsRequestsAndLeavesTheResultsAlone)
     EXPECT_FALSE(messenger.requestConnectStatus(connected));
     EXPECT_FALSE(connected);
 
+    // After the time-out the service is not waited on: the next request goes out and fails at
+    // once. Its late answer shows that the service answers again.
+    EXPECT_FALSE(messenger.isServiceResponding());
+    silent.answer = [](const MessageFrame&) { return std::optional<QByteArray>(hex("01000000")); };
+    EXPECT_FALSE(messenger.requestConnectStatus(connected)) << "answered, but not waited for";
+    ASSERT_TRUE(spinUntil([&] { return messenger.isServiceResponding(); }));
+    EXPECT_TRUE(messenger.requestConnectStatus(connected));
+    EXPECT_TRUE(connected);
+
     // A reply too short to carry the state also fails the request.
     silent.answer = [](const MessageFrame&) { return std::optional<QByteArray>(hex("010000")); };
     connected = true;
     EXPECT_FALSE(messenger.requestConnectStatus(connected));
     EXPECT_FALSE(connected);
+    EXPECT_TRUE(messenger.isServiceResponding());
 }
