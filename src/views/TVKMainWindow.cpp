@@ -140,20 +140,10 @@ TVKMainWindow::TVKMainWindow(CorvaneController& controller, TVKMenuBar* menuBar,
     m_reconnect = new QToolButton(header);
     m_reconnect->setDefaultAction(controller.connectionMenuItem());
     m_reconnect->setAutoRaise(true);
-    // The header keeps its place whatever the state: the layer buttons do not move.
+    // Hidden while there is nothing to do, its place kept.
     QSizePolicy kept = m_reconnect->sizePolicy();
     kept.setRetainSizeWhenHidden(true);
     m_reconnect->setSizePolicy(kept);
-    int widest = 0;
-    for (const TVKServiceState state :
-         {TVKServiceState::SurfaceConnected, TVKServiceState::SurfaceNotReachable,
-          TVKServiceState::NoService, TVKServiceState::NotResponding}) {
-        for (const bool starting : {false, true}) {
-            widest = std::max(widest, m_connectionText->fontMetrics().horizontalAdvance(
-                                          TVKController::serviceStateText(state, starting)));
-        }
-    }
-    m_connectionText->setMinimumWidth(widest);
     row->addWidget(m_connectionIndicator);
     row->addWidget(m_reconnect);
     connect(controller.connectionMenu(), &QAction::changed, this, [this] { updateConnection(); });
