@@ -92,8 +92,16 @@ QString CorvaneController::inspectorNibName() const
 void CorvaneController::awakeFromNib()
 {
     TVKController::awakeFromNib();
-    m_notConnectedImage = QImage(QStringLiteral(":/images/corvane_connect_icon_off.png"));
-    m_connectedImage = QImage(QStringLiteral(":/images/corvane_connect_icon_on.png"));
+    // Each picture with its @2x drawing, taken where the screen needs it.
+    const auto picture = [](const QString& name) {
+        QIcon icon;
+        icon.addFile(QStringLiteral(":/images/%1.png").arg(name));
+        icon.addFile(QStringLiteral(":/images/%1@2x.png").arg(name));
+        return icon;
+    };
+    m_notConnectedImage = picture(QStringLiteral("corvane_connect_icon_off"));
+    m_connectedImage = picture(QStringLiteral("corvane_connect_icon_on"));
+    m_noServiceImage = picture(QStringLiteral("corvane_connect_icon_none"));
     m_hardwareImages = {QStringLiteral("CorvaneRS_Midnight.png"), QStringLiteral("CorvaneRS.png")};
     checkConnection();
     if (CorvaneModelData* model = corvaneModelData())

@@ -24,6 +24,7 @@
 #include <QGuiApplication>
 #include <QIcon>
 #include <QPainter>
+#include <QTimer>
 
 namespace note = corvane::note;
 namespace key = corvane::key;
@@ -352,6 +353,25 @@ void TVKController::awakeFromNib()
             [this](corvane::MessageID id, const QByteArray& body) { journal(id, body); });
         connect(m_messenger.get(), &TVK_CarbonCocoaMessenger::serviceReturned, this,
                 &TVKController::bringServiceInStep);
+        // A service found is asked about its surface at once, not at the next poll.
+        connect(m_messenger.get(), &TVK_CarbonCocoaMessenger::serviceReturned, this, [this] {
+            if (m_pollTimer && m_pollTimer->isActive())
+                m_pollTimer->start(0);
+            refreshConnectionIndicator();
+        });
+        connect(m_messenger.get(), &TVK_CarbonCocoaMessenger::serviceRespondingChanged, this,
+                [this](bool responding) {
+                    corvane::log(responding ? QStringLiteral("the background service answers again")
+                                            : QStringLiteral("the background service does not "
+                                                             "respond; it is not waited on"));
+                    // Answering again, it is asked at once instead of at the end of a back-off.
+                    if (responding && m_pollTimer && m_pollTimer->isActive()) {
+                        m_pollIntervalMs = 1000;
+                        m_pollTimer->start(0);
+                    }
+                    refreshConnectionIndicator();
+                    validateMenuItems();
+                });
         // The service's current selection is taken as it stands: nothing is announced or sent.
         // What this configuration does not have is refused and the start-up's selection kept.
         qint64 keyset = 0;
@@ -467,7 +487,20 @@ void TVKController::handleInstall()
     TVKInstallationNames passed = controllerName();
     passed.applicationName.clear();
     if (!m_views.installation->startInstallForController(passed, needsSetup())) {
-        // Chosen from the menu, the check says what it found rather than nothing.
+        // Chosen from the menu, the check says what it found rather than nothing. Everything in
+        // place but no service running: what is missing is the service, and it is started.
+        if (serviceState() == TVKServiceState::NoService) {
+            if (startBackgroundService(true)) {
+                m_views.dialogs->runAlert(
+                    {tr("The %1 components are installed and current.")
+                         .arg(controllerName().applicationName),
+                     tr("The background service was not running; it has been started."),
+                     {tr("OK")}});
+            }
+            checkConnection();
+            getGlobalDefaults();
+            return;
+        }
         m_views.dialogs->runAlert(
             {tr("The %1 components are installed and current.")
                  .arg(controllerName().applicationName),

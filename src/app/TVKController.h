@@ -13,14 +13,17 @@
 #include "service/MessageFrame.h"
 #include "service/TVKMessengerDelegate.h"
 
+#include <QIcon>
 #include <QImage>
 #include <QObject>
 #include <QString>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
 class QAction;
+class QTimer;
 namespace corvane {
 struct PlistReadResult;
 }
@@ -31,6 +34,15 @@ class TVKModelData;
 class TVKRecoveryJournal;
 class TVK_Constant_Server;
 class TVK_PrivateMessenger;
+
+// What the connection indicator tells apart.
+enum class TVKServiceState
+{
+    SurfaceConnected,    // the service runs and has the surface
+    SurfaceNotReachable, // the service runs but cannot reach the surface ("reconnect" asks it to)
+    NoService,           // no service has its port open
+    NotResponding        // a service holds its port but answers nothing: it is not waited on
+};
 
 // The application's one main controller: owns the model data, the messenger, the surface
 // constants and the undo stack, moves the one selection (kept by the model data in its own
@@ -186,7 +198,21 @@ public:
     void deferedCheckConnection();
     void keepConnectionAlive();
     void updateConnectionMenu(bool connected);
+    // Sends "RSoc" to a service; with none, starts one.
     void attemptReconnect();
+    TVKServiceState serviceState() const;
+    // The indicator's text and tool tip for a state (while starting a service, for no service).
+    static QString serviceStateText(TVKServiceState state, bool starting = false);
+    static QString serviceStateExplanation(TVKServiceState state, bool starting = false);
+    // Draws the indicator when what it shows has changed.
+    void refreshConnectionIndicator();
+    // While the service does not answer, the checks come less and less often (up to 10 s).
+    int connectionPollInterval() const { return m_pollIntervalMs; }
+    // Starts the installed service as its autostart entry does at login, or says in an alert
+    // exactly what is missing. With restoreLoginItem (Install… found nothing to install) a
+    // missing autostart entry is written again first.
+    bool startBackgroundService(bool restoreLoginItem = false);
+    bool serviceStarting() const { return m_serviceStarting; }
     // Tells a service that started after this application did (or came back after it went
     // away) what changed since the configuration it read was stored: keysets updated, added
     // and deleted, the owner, then the edited keyset, the edited layer and the lit control.
@@ -451,8 +477,13 @@ protected:
     QAction* m_redoItem = nullptr;
     QAction* m_connectionMenu = nullptr;
     QAction* m_connectionMenuItem = nullptr;
-    QImage m_connectedImage;
-    QImage m_notConnectedImage;
+    QIcon m_connectedImage;
+    QIcon m_notConnectedImage;
+    QIcon m_noServiceImage;
+    std::optional<std::pair<TVKServiceState, bool>> m_shownServiceState;
+    QTimer* m_pollTimer = nullptr;
+    int m_pollIntervalMs = 1000;
+    bool m_serviceStarting = false;
     QImage m_genericAppIcon;
     QImage m_shownKeysetIcon;
 

@@ -7,12 +7,14 @@
 #include "model/TVKKeyset.h"
 #include "model/TVKLayer.h"
 #include "model/TVKModelData.h"
+#include "platform/InstallPlatform.h"
 #include "service/MessagePort.h"
 #include "service/TVK_PrivateMessenger.h"
 #include "surface/TVK_Constant_Server.h"
 
 #include <QAction>
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QIcon>
 #include <QPixmap>
 #include <QScopedValueRollback>
@@ -25,6 +27,9 @@ namespace {
 
 constexpr int kPollIntervalMs = 1000;
 constexpr int kKeepAliveIntervalMs = 1500;
+constexpr int kLongestPollIntervalMs = 10000;
+// How long a service just started has to open its port before the user is told it did not.
+constexpr int kServiceStartWaitMs = 5000;
 
 using corvane::PlistValue;
 namespace key = corvane::key;
@@ -177,12 +182,26 @@ bool TVKController::checkConnection()
         m_messenger->requestConnectStatus(now);
     m_connected = now;
     bool changed = false;
+    if (!m_pollTimer) {
+        // One chain of checks, however many callers start one.
+        m_pollTimer = new QTimer(this);
+        m_pollTimer->setSingleShot(true);
+        connect(m_pollTimer, &QTimer::timeout, this, [this] { deferedCheckConnection(); });
+    }
     if (m_connected) {
+        m_pollIntervalMs = kPollIntervalMs;
+        m_pollTimer->stop();
         updateConnectionMenu(true);
         QTimer::singleShot(kKeepAliveIntervalMs, this, [this] { keepConnectionAlive(); });
         changed = !previous;
     } else {
-        QTimer::singleShot(kPollIntervalMs, this, [this] { deferedCheckConnection(); });
+        // A service that does not answer holds the window for its time-out at every ask: it
+        // is asked less and less often until it answers again.
+        if (serviceState() == TVKServiceState::NotResponding)
+            m_pollIntervalMs = std::min(m_pollIntervalMs * 2, kLongestPollIntervalMs);
+        else
+            m_pollIntervalMs = kPollIntervalMs;
+        m_pollTimer->start(m_pollIntervalMs);
         changed = previous;
     }
     if (changed) {
@@ -190,6 +209,8 @@ bool TVKController::checkConnection()
         QMetaObject::invokeMethod(
             this, [this] { handleConnectionStateChange(m_connected); }, Qt::QueuedConnection);
     }
+    // A service gone, back or silent changes the indicator even when the surface did not.
+    refreshConnectionIndicator();
     return m_connected;
 }
 
@@ -203,6 +224,7 @@ void TVKController::keepConnectionAlive()
     if (!m_messenger || !m_messenger->doesRemotePortExist())
         return;
     if (m_messenger->isRemotePortValid()) {
+        refreshConnectionIndicator();
         QTimer::singleShot(kKeepAliveIntervalMs, this, [this] { keepConnectionAlive(); });
         return;
     }
@@ -210,28 +232,189 @@ void TVKController::keepConnectionAlive()
     checkConnection();
 }
 
+TVKServiceState TVKController::serviceState() const
+{
+    if (!m_messenger || !m_messenger->isRemotePortValid())
+        return TVKServiceState::NoService;
+    if (!m_messenger->isServiceResponding())
+        return TVKServiceState::NotResponding;
+    return m_connected ? TVKServiceState::SurfaceConnected : TVKServiceState::SurfaceNotReachable;
+}
+
+void TVKController::refreshConnectionIndicator()
+{
+    updateConnectionMenu(m_connected);
+}
+
 void TVKController::updateConnectionMenu(bool connected)
 {
     if (!m_connectionMenu)
         return;
-    const QImage& image = connected ? m_connectedImage : m_notConnectedImage;
-    if (!image.isNull())
-        m_connectionMenu->setIcon(QIcon(QPixmap::fromImage(image)));
+    // The flag is the surface's; whether a service answers at all is asked here.
+    TVKServiceState state = serviceState();
+    if (state == TVKServiceState::SurfaceConnected && !connected)
+        state = TVKServiceState::SurfaceNotReachable;
+    if (m_serviceStarting && state != TVKServiceState::NoService)
+        m_serviceStarting = false;
+    const std::pair shown{state, m_serviceStarting};
+    if (m_shownServiceState == shown)
+        return;
+    m_shownServiceState = shown;
+
+    const QIcon* image = state == TVKServiceState::SurfaceConnected      ? &m_connectedImage
+                         : state == TVKServiceState::SurfaceNotReachable ? &m_notConnectedImage
+                                                                         : &m_noServiceImage;
+    const QString text = serviceStateText(state, m_serviceStarting);
+    const QString why = serviceStateExplanation(state, m_serviceStarting);
+    if (!image->isNull())
+        m_connectionMenu->setIcon(*image);
+    m_connectionMenu->setText(text);
+    m_connectionMenu->setToolTip(why);
+    m_connectionMenu->setStatusTip(why);
     if (m_connectionMenuItem) {
         // Looked up by key, so that a translation can replace the defaults.
+        const bool surface = state == TVKServiceState::SurfaceConnected;
         m_connectionMenuItem->setText(
-            connected
+            surface
                 ? QCoreApplication::translate("InfoPlist", "(connected)", "TVKConnectedString")
                 : QCoreApplication::translate("InfoPlist", "reconnect", "TVKNotConnectedString"));
-        m_connectionMenuItem->setEnabled(!connected);
+        m_connectionMenuItem->setEnabled(!surface);
+        m_connectionMenuItem->setToolTip(why);
     }
+    if (QAction* start = menuItem(TVKMenuCommand::StartBackgroundService))
+        start->setEnabled(state == TVKServiceState::NoService && !m_serviceStarting);
+}
+
+QString TVKController::serviceStateText(TVKServiceState state, bool starting)
+{
+    switch (state) {
+    case TVKServiceState::SurfaceConnected:
+        return tr("Surface connected");
+    case TVKServiceState::SurfaceNotReachable:
+        return tr("Surface not reachable");
+    case TVKServiceState::NoService:
+        return starting ? tr("Starting the background service…") : tr("No background service");
+    case TVKServiceState::NotResponding:
+        return tr("Background service not responding");
+    }
+    return {};
+}
+
+QString TVKController::serviceStateExplanation(TVKServiceState state, bool starting)
+{
+    switch (state) {
+    case TVKServiceState::SurfaceConnected:
+        return tr("The background service is running and the surface is connected.");
+    case TVKServiceState::SurfaceNotReachable:
+        return tr("The background service is running but cannot reach the surface. Check that "
+                  "the surface is switched on and plugged in, then choose reconnect.");
+    case TVKServiceState::NoService:
+        return starting ? tr("The background service has been started and should answer in a "
+                             "moment.")
+                        : tr("The background service is not running, so the surface does "
+                             "nothing. Choose reconnect or Start Background Service to start it.");
+    case TVKServiceState::NotResponding:
+        return tr("The background service is running but does not answer. Corvane asks it again "
+                  "every few seconds and keeps what it sends until the service reads again.");
+    }
+    return {};
 }
 
 void TVKController::attemptReconnect()
 {
+    switch (serviceState()) {
+    case TVKServiceState::NoService:
+        // Nobody to send it to: what reconnecting needs first is a service.
+        startBackgroundService();
+        return;
+    case TVKServiceState::NotResponding:
+        // Asked at once rather than at the end of the back-off; it waits for nothing.
+        m_pollIntervalMs = kPollIntervalMs;
+        if (m_pollTimer && m_pollTimer->isActive())
+            m_pollTimer->start(0);
+        break;
+    default:
+        break;
+    }
     if (m_messenger)
         tellServiceUnjournaled(
             [&] { m_messenger->sendResetSocketMessage(ipAddress(), ethernetPort()); });
+}
+
+bool TVKController::startBackgroundService(bool restoreLoginItem)
+{
+    if (serviceState() != TVKServiceState::NoService)
+        return true;
+    namespace install = corvane::InstallPlatform;
+    const TVKInstallationNames names = controllerName();
+    // The launcher only passes the start on to the service in the support folder: a missing
+    // service would fail there, unseen.
+    const QString support =
+        install::expandUserPath(QStringLiteral("~/Library/Application Support/Tavrik"));
+    const QString service = support + u'/' + names.backgroundAppName;
+    const std::optional<install::BundleInfo> bundle = install::readBundle(service);
+    QString missing;
+    if (names.backgroundAppName.isEmpty() || names.launcherAppID.isEmpty()) {
+        missing = tr("This build of Corvane names no background service.");
+    } else if (!bundle || bundle->executable.isEmpty()) {
+        missing = tr("The background service “%1” is missing from “%2”.")
+                      .arg(names.backgroundAppName, support);
+    } else if (!QFileInfo(service + u'/' + bundle->executable).isExecutable()) {
+        missing = tr("The background service's program “%1” is missing or not executable.")
+                      .arg(service + u'/' + bundle->executable);
+    }
+    bool started = false;
+    if (missing.isEmpty()) {
+        const QString entry = install::autostartEntryPath(names.launcherAppID);
+        if (restoreLoginItem && !QFileInfo::exists(entry)) {
+            // Writing the entry starts the launcher, as logging in would.
+            const QString launcher = install::applicationBundlePath() +
+                                     QStringLiteral("/Contents/Library/LoginItems/") +
+                                     names.launcherAppName;
+            started = install::setLoginItemEnabled(names.launcherAppID, launcher, true);
+            if (!started)
+                missing = tr("The autostart entry “%1” is missing and could not be written "
+                             "from “%2”.")
+                              .arg(entry, launcher);
+        } else {
+            started = install::launchAutostartEntry(names.launcherAppID, &missing);
+        }
+    }
+    if (!started) {
+        corvane::log(QStringLiteral("the background service was not started: %1").arg(missing));
+        const int answer = m_views.dialogs->runAlert(
+            {tr("The background service cannot be started."),
+             tr("%1\n\nChoose Install… to put the Corvane components in place.").arg(missing),
+             {tr("Install…"), tr("Cancel")}});
+        if (answer == 0 && !restoreLoginItem && !m_terminated)
+            handleInstall();
+        return false;
+    }
+    corvane::log(QStringLiteral("started the background service through its autostart entry"));
+    m_serviceStarting = true;
+    m_shownServiceState.reset();
+    refreshConnectionIndicator();
+    validateMenuItems();
+    // Looked for at once rather than at the end of a back-off; the 0.2 s lookup finds its port.
+    m_pollIntervalMs = kPollIntervalMs;
+    if (m_pollTimer && m_pollTimer->isActive())
+        m_pollTimer->start(kPollIntervalMs);
+    QTimer::singleShot(kServiceStartWaitMs, this, [this] {
+        if (!m_serviceStarting)
+            return;
+        m_serviceStarting = false;
+        refreshConnectionIndicator();
+        validateMenuItems();
+        if (serviceState() != TVKServiceState::NoService || m_terminated)
+            return;
+        m_views.dialogs->runAlert(
+            {tr("The background service did not start."),
+             tr("Corvane started it through its autostart entry, but it has not opened its port "
+                "within %1 seconds. The system log may say why.")
+                 .arg(kServiceStartWaitMs / 1000),
+             {tr("OK")}});
+    });
+    return true;
 }
 
 void TVKController::bringServiceInStep()

@@ -71,6 +71,7 @@ void TVKController::makeMenuItems()
     addMenuItem(Command::ShowAppPortPanel, tr("Set Ethernet Port for Keyset…"));
     m_connectionMenu = addMenuItem(Command::ConnectionIndicator, tr("Surface"));
     m_connectionMenuItem = addMenuItem(Command::AttemptReconnect, tr("reconnect"));
+    addMenuItem(Command::StartBackgroundService, tr("Start Background Service"));
 
     // Undo and Redo follow the stack, and refuse a step whose keyset is locked.
     m_undoManager.setLockTest([this](qint64 index) {
@@ -217,7 +218,9 @@ bool TVKController::validateMenuItem(QAction* item)
                          m_views.windows->isKey(TVKWindow::Main));
         return true;
     case Command::AttemptReconnect:
-        return !m_connected;
+        return serviceState() != TVKServiceState::SurfaceConnected;
+    case Command::StartBackgroundService:
+        return serviceState() == TVKServiceState::NoService && !m_serviceStarting;
     case Command::HandleLockUnlockMenu:
         item->setText(QStringLiteral("%1ock %2 keyset")
                           .arg(locked ? QStringLiteral("Unl") : QStringLiteral("L"),
@@ -346,6 +349,9 @@ void TVKController::perform(QAction* item)
         break;
     case Command::AttemptReconnect:
         attemptReconnect();
+        break;
+    case Command::StartBackgroundService:
+        startBackgroundService();
         break;
     default:
         break;

@@ -37,6 +37,7 @@ enum class TVKMenuCommand
     HandleInstall,
     HandleUninstall,
     ConnectionIndicator,
+    StartBackgroundService,
     // The surface family's own.
     ReverseRBButtons,
     ShowExpander,

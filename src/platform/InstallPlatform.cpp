@@ -1,6 +1,7 @@
 #include "platform/InstallPlatform.h"
 
 #include "core/PlistCodec.h"
+#include "platform/DesktopEntries.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -16,6 +17,7 @@
 #include <csignal>
 #include <sys/types.h>
 #include <unistd.h>
+#include <utility>
 
 namespace corvane::InstallPlatform {
 
@@ -335,6 +337,88 @@ bool setLoginItemEnabled(const QString& identifier, const QString& launcherBundl
     if (!file.commit())
         return false;
     return launchBundle(launcherBundlePath);
+}
+
+QStringList execArguments(const QString& exec)
+{
+    QStringList arguments;
+    QString current;
+    bool inArgument = false;
+    bool quoted = false;
+    for (qsizetype i = 0; i < exec.size(); ++i) {
+        const QChar c = exec.at(i);
+        if (quoted) {
+            if (c == u'"') {
+                quoted = false;
+            } else if (c == u'\\' && i + 1 < exec.size()) {
+                current += exec.at(++i);
+            } else {
+                current += c;
+            }
+            continue;
+        }
+        if (c == u' ' || c == u'\t') {
+            if (inArgument)
+                arguments.append(std::exchange(current, {}));
+            inArgument = false;
+            continue;
+        }
+        inArgument = true;
+        if (c == u'"') {
+            quoted = true;
+        } else if (c == u'%' && i + 1 < exec.size()) {
+            // Field codes stand for files and URLs; a login start has none.
+            if (exec.at(++i) == u'%')
+                current += u'%';
+        } else {
+            current += c;
+        }
+    }
+    if (inArgument && !(current.isEmpty() && arguments.isEmpty()))
+        arguments.append(current);
+    arguments.removeAll(QString());
+    return arguments;
+}
+
+bool launchAutostartEntry(const QString& identifier, QString* error)
+{
+    const auto fail = [error](const QString& reason) {
+        if (error)
+            *error = reason;
+        return false;
+    };
+    const QString path = autostartEntryPath(identifier);
+    if (!QFileInfo(path).isFile())
+        return fail(QStringLiteral("The autostart entry “%1” is missing.").arg(path));
+    const std::optional<DesktopApplication> entry =
+        DesktopEntries::readEntry(path, identifier, DesktopEntries::userLanguage());
+    const QStringList arguments = entry ? execArguments(entry->exec) : QStringList();
+    if (arguments.isEmpty()) {
+        return fail(
+            QStringLiteral("The autostart entry “%1” names no program to start.").arg(path));
+    }
+    const QFileInfo program(arguments.first());
+    if (!program.isAbsolute() || !program.exists()) {
+        return fail(QStringLiteral("“%1”, which the autostart entry “%2” starts, is "
+                                   "missing.")
+                        .arg(arguments.first(), path));
+    }
+    if (!program.isFile() || !program.isExecutable()) {
+        return fail(QStringLiteral("“%1”, which the autostart entry “%2” starts, is "
+                                   "not an executable program.")
+                        .arg(arguments.first(), path));
+    }
+    // Detached, its output to nowhere, as the desktop starts it at login.
+    QProcess helper;
+    helper.setProgram(program.absoluteFilePath());
+    helper.setArguments(arguments.mid(1));
+    helper.setWorkingDirectory(QDir::homePath());
+    helper.setStandardInputFile(QProcess::nullDevice());
+    helper.setStandardOutputFile(QProcess::nullDevice());
+    helper.setStandardErrorFile(QProcess::nullDevice());
+    if (!helper.startDetached())
+        return fail(QStringLiteral("“%1” could not be started.").arg(arguments.first()));
+    return true;
 }
 
 QString midiServerPath()

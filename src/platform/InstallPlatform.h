@@ -66,6 +66,14 @@ QString autostartEntryPath(const QString& identifier);
 bool setLoginItemEnabled(const QString& identifier, const QString& launcherBundlePath,
                          bool enabled);
 
+// The program and arguments of a desktop entry's "Exec" value: quoted arguments unquoted, their
+// escapes resolved, field codes ("%f", "%U", …) dropped and "%%" kept as "%".
+QStringList execArguments(const QString& exec);
+// Starts what the autostart entry of the identifier starts, as the desktop does at login,
+// detached from this program. False with the reason in the error text: the entry is missing or
+// names no program, its program is missing or not executable, or it could not be started.
+bool launchAutostartEntry(const QString& identifier, QString* error = nullptr);
+
 // The MIDI server process to wait for after a driver change: $CORVANE_MIDI_SERVER when set.
 // The ALSA sequencer lives in the kernel, so by default there is none.
 QString midiServerPath();

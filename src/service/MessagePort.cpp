@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <poll.h>
 #include <sys/socket.h>
+#include <utility>
 
 namespace corvane {
 
@@ -240,6 +241,15 @@ void LocalMessagePort::readConnection(Connection* connection)
             MessageFrame::appendTo(out, frame.code, MessageFrame::IsReply, frame.sequence, reply);
             connection->socket->write(out);
             connection->socket->flush();
+            // A peer that asks and never reads would have its answers held here without end.
+            if (connection->socket->bytesToWrite() > MaxUnreadReplyBytes) {
+                log(QStringLiteral("message port %1: dropped a connection that reads none of "
+                                   "its replies (%2 bytes unread)")
+                        .arg(m_name)
+                        .arg(connection->socket->bytesToWrite()));
+                connection->closed = true;
+                break;
+            }
         }
     }
     connection->dispatching = false;
@@ -316,6 +326,7 @@ RemoteMessagePort::RemoteMessagePort(const QString& name, QLocalSocket* socket)
     m_socket->setParent(this);
     connect(m_socket, &QLocalSocket::readyRead, this, &RemoteMessagePort::readIncoming);
     connect(m_socket, &QLocalSocket::disconnected, this, &RemoteMessagePort::markInvalid);
+    connect(m_socket, &QLocalSocket::bytesWritten, this, &RemoteMessagePort::noticeDrained);
 }
 
 RemoteMessagePort::~RemoteMessagePort()
@@ -380,13 +391,80 @@ bool RemoteMessagePort::writeFrame(MessageID id, std::uint32_t flags, std::uint3
     return drain(deadline);
 }
 
+qint64 RemoteMessagePort::queuedBytes() const
+{
+    return m_socket->bytesToWrite();
+}
+
+void RemoteMessagePort::setReplyOverdue(bool overdue)
+{
+    const bool was = isResponding();
+    m_replyOverdue = overdue;
+    if (was != isResponding())
+        Q_EMIT respondingChanged(isResponding());
+}
+
+void RemoteMessagePort::setWriteBlocked(bool blocked)
+{
+    const bool was = isResponding();
+    m_writeBlocked = blocked;
+    if (!blocked)
+        m_dropping = false;
+    if (was != isResponding())
+        Q_EMIT respondingChanged(isResponding());
+}
+
+void RemoteMessagePort::noticeDrained()
+{
+    if (m_writeBlocked && m_socket->bytesToWrite() == 0)
+        setWriteBlocked(false);
+}
+
+bool RemoteMessagePort::enqueue(MessageID id, std::uint32_t flags, std::uint32_t sequence,
+                                QByteArrayView body)
+{
+    m_frame.resize(0);
+    MessageFrame::appendTo(m_frame, id, flags, sequence, body);
+    if (m_socket->bytesToWrite() + m_frame.size() > MaxQueuedBytes) {
+        if (!std::exchange(m_dropping, true)) {
+            log(QStringLiteral("message port %1: the other side reads nothing; %2 bytes are held "
+                               "for it and messages to it are dropped until it reads again")
+                    .arg(m_name)
+                    .arg(m_socket->bytesToWrite()));
+        }
+        return false;
+    }
+    // Takes what the socket accepts without waiting; the event loop writes the rest.
+    if (m_socket->write(m_frame) != m_frame.size())
+        return false;
+    m_socket->flush();
+    return true;
+}
+
+std::uint32_t RemoteMessagePort::nextSequence()
+{
+    std::uint32_t sequence = ++m_lastSequence;
+    if (sequence == 0)
+        sequence = ++m_lastSequence;
+    return sequence;
+}
+
 RemoteMessagePort::Status RemoteMessagePort::send(MessageID id, QByteArrayView body,
                                                   int sendTimeoutMs)
 {
     if (!isValid())
         return Status::IsInvalid;
-    if (!writeFrame(id, 0, 0, body, QDeadlineTimer(sendTimeoutMs)))
-        return isValid() ? Status::SendTimeout : Status::IsInvalid;
+    noticeDrained();
+    if (m_writeBlocked) {
+        // Not waited for again: held until it reads, or dropped past the bound.
+        return enqueue(id, 0, 0, body) ? Status::Queued : Status::SendTimeout;
+    }
+    if (!writeFrame(id, 0, 0, body, QDeadlineTimer(sendTimeoutMs))) {
+        if (!isValid())
+            return Status::IsInvalid;
+        setWriteBlocked(true);
+        return Status::SendTimeout;
+    }
     return Status::Success;
 }
 
@@ -396,13 +474,21 @@ RemoteMessagePort::Status RemoteMessagePort::sendRequest(MessageID id, QByteArra
 {
     if (!isValid())
         return Status::IsInvalid;
+    noticeDrained();
+    if (!isResponding()) {
+        // Asked, not waited for: its reply, whenever it comes, shows the peer answers again.
+        enqueue(id, MessageFrame::WantsReply, nextSequence(), body);
+        return Status::ReceiveTimeout;
+    }
     // A callback served during the wait may drop the messenger's reference to this port.
     const std::shared_ptr<RemoteMessagePort> keepAlive = shared_from_this();
-    std::uint32_t sequence = ++m_lastSequence;
-    if (sequence == 0)
-        sequence = ++m_lastSequence;
-    if (!writeFrame(id, MessageFrame::WantsReply, sequence, body, QDeadlineTimer(sendTimeoutMs)))
-        return isValid() ? Status::SendTimeout : Status::IsInvalid;
+    const std::uint32_t sequence = nextSequence();
+    if (!writeFrame(id, MessageFrame::WantsReply, sequence, body, QDeadlineTimer(sendTimeoutMs))) {
+        if (!isValid())
+            return Status::IsInvalid;
+        setWriteBlocked(true);
+        return Status::SendTimeout;
+    }
     m_awaited[sequence] = std::nullopt;
 
     const QDeadlineTimer deadline(receiveTimeoutMs);
@@ -421,6 +507,7 @@ RemoteMessagePort::Status RemoteMessagePort::sendRequest(MessageID id, QByteArra
         }
         if (deadline.hasExpired()) {
             m_awaited.erase(sequence);
+            setReplyOverdue(true);
             return Status::ReceiveTimeout;
         }
         LocalMessagePort::serveOnce(m_socket, deadline);
@@ -442,6 +529,8 @@ void RemoteMessagePort::readIncoming()
             return;
         }
         if (frame.flags & MessageFrame::IsReply) {
+            if (m_replyOverdue)
+                setReplyOverdue(false);
             // A reply nobody waits for any more (its request timed out) is dropped.
             auto it = m_awaited.find(frame.sequence);
             if (it != m_awaited.end() && !it->second)

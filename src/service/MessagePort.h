@@ -33,6 +33,10 @@ public:
     static std::unique_ptr<LocalMessagePort> create(const QString& name, Callback callback);
     ~LocalMessagePort() override;
 
+    // Replies held for a peer that reads none of them: past this the peer is dropped, so that
+    // one that only sends cannot make this process hold its answers without end.
+    static constexpr qint64 MaxUnreadReplyBytes = 1024 * 1024;
+
     QString name() const { return m_name; }
     QString path() const { return m_path; }
     bool isValid() const;
@@ -76,8 +80,14 @@ public:
         Success,
         SendTimeout,
         ReceiveTimeout,
-        IsInvalid
+        IsInvalid,
+        // Held for a peer that reads nothing at the moment: it goes when the peer reads again.
+        Queued
     };
+
+    // What is held for a peer that reads nothing before messages to it are dropped: the
+    // largest frame and then some.
+    static constexpr qint64 MaxQueuedBytes = qint64(MessageFrame::MaxBodyLength) + 1024 * 1024;
 
     // Nothing when no process listens under that name at this moment.
     static std::shared_ptr<RemoteMessagePort> create(const QString& name);
@@ -88,27 +98,42 @@ public:
     // the event loop has delivered the hang-up.
     bool isValid() const;
     void invalidate();
+    // False once a request went unanswered within its receive time-out or a frame could not be
+    // handed over within its send time-out, until the peer answers a request or has read
+    // everything held for it. Meanwhile nothing waits on it: sends are queued (up to
+    // MaxQueuedBytes, then dropped with one log line) and requests go out without waiting for
+    // their reply.
+    bool isResponding() const { return !m_replyOverdue && !m_writeBlocked; }
+    qint64 queuedBytes() const;
 
     // Succeeds when the whole frame is handed to the system within the send time-out. A frame
-    // that was only partly written stays queued so the stream keeps its framing; later sends
-    // fail until it has gone.
+    // that was only partly written stays queued so the stream keeps its framing, and the peer
+    // counts as not responding.
     Status send(MessageID id, QByteArrayView body, int sendTimeoutMs);
     // Sends a frame asking for a reply and waits for it, serving this process's own ports
-    // meanwhile; reply is only written on success.
+    // meanwhile; reply is only written on success. A peer not responding is not waited for.
     Status sendRequest(MessageID id, QByteArrayView body, int sendTimeoutMs, int receiveTimeoutMs,
                        QByteArray& reply);
 
 Q_SIGNALS:
     // The other process closed the connection or the port was invalidated.
     void invalidated();
+    void respondingChanged(bool responding);
 
 private:
     RemoteMessagePort(const QString& name, QLocalSocket* socket);
     bool writeFrame(MessageID id, std::uint32_t flags, std::uint32_t sequence, QByteArrayView body,
                     QDeadlineTimer deadline);
     bool drain(QDeadlineTimer deadline);
+    // Writes what the socket takes now and holds the rest, or drops the frame past the bound.
+    bool enqueue(MessageID id, std::uint32_t flags, std::uint32_t sequence, QByteArrayView body);
+    std::uint32_t nextSequence();
     void readIncoming();
     void markInvalid();
+    void setReplyOverdue(bool overdue);
+    void setWriteBlocked(bool blocked);
+    // The peer has read everything held for it.
+    void noticeDrained();
 
     QString m_name;
     QLocalSocket* m_socket;
@@ -118,6 +143,9 @@ private:
     std::map<std::uint32_t, std::optional<QByteArray>> m_awaited;
     mutable bool m_invalid = false;
     bool m_announced = false;
+    bool m_replyOverdue = false;
+    bool m_writeBlocked = false;
+    bool m_dropping = false;
 };
 
 } // namespace corvane

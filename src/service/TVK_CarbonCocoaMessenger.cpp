@@ -78,6 +78,8 @@ void TVK_CarbonCocoaMessenger::makeRemotePort()
         m_serviceAway = true;
         return;
     }
+    connect(m_remotePort.get(), &corvane::RemoteMessagePort::respondingChanged, this,
+            &TVK_CarbonCocoaMessenger::serviceRespondingChanged, Qt::QueuedConnection);
     sendConnectMessage();
     if (std::exchange(m_serviceAway, false))
         Q_EMIT serviceReturned();
@@ -109,6 +111,11 @@ bool TVK_CarbonCocoaMessenger::isLocalPortValid() const
 bool TVK_CarbonCocoaMessenger::isRemotePortValid() const
 {
     return m_remotePort && m_remotePort->isValid();
+}
+
+bool TVK_CarbonCocoaMessenger::isServiceResponding() const
+{
+    return !m_remotePort || m_remotePort->isResponding();
 }
 
 bool TVK_CarbonCocoaMessenger::doesRemotePortExist() const

@@ -47,6 +47,9 @@ public:
     bool isLocalPortValid() const;
     bool isRemotePortValid() const;
     bool doesRemotePortExist() const;
+    // A service that left a request unanswered or stopped reading is not waited on until it
+    // answers or reads again (RemoteMessagePort::isResponding); true without a service.
+    bool isServiceResponding() const;
 
     // Sees every one-way message before it goes out, whether or not the service is there to
     // receive it: the application keeps its recovery journal from what it tells the service.
@@ -74,6 +77,9 @@ Q_SIGNALS:
     // A service was found after a time without one (it was not there yet, or it went away):
     // that service knows only what it read at its own start, not what was said to the last one.
     void serviceReturned();
+    // The service stopped answering, or answers again. Delivered after the event that noticed
+    // it, never inside a send.
+    void serviceRespondingChanged(bool responding);
 
 private:
     corvane::FourCharCode m_localID;

@@ -122,15 +122,33 @@ TVKMainWindow::TVKMainWindow(CorvaneController& controller, TVKMenuBar* menuBar,
     row->addWidget(m_lock);
     row->addSpacing(12);
 
-    m_connectionImage = new QLabel(header);
+    m_connectionIndicator = new QWidget(header);
+    m_connectionIndicator->setObjectName(QStringLiteral("ConnectionIndicator"));
+    auto* indicatorRow = new QHBoxLayout(m_connectionIndicator);
+    indicatorRow->setContentsMargins(0, 0, 0, 0);
+    indicatorRow->setSpacing(6);
+    m_connectionImage = new QLabel(m_connectionIndicator);
     m_connectionImage->setFixedSize(24, 24);
-    m_connectionImage->setScaledContents(true);
+    m_connectionText = new QLabel(m_connectionIndicator);
+    indicatorRow->addWidget(m_connectionImage);
+    indicatorRow->addWidget(m_connectionText);
+    // Right-click: what can be done about the state shown.
+    m_connectionIndicator->setContextMenuPolicy(Qt::ActionsContextMenu);
+    m_connectionIndicator->addAction(controller.connectionMenuItem());
+    if (QAction* start = controller.menuItem(TVKMenuCommand::StartBackgroundService))
+        m_connectionIndicator->addAction(start);
     m_reconnect = new QToolButton(header);
     m_reconnect->setDefaultAction(controller.connectionMenuItem());
     m_reconnect->setAutoRaise(true);
-    row->addWidget(m_connectionImage);
+    // Hidden while there is nothing to do, its place kept.
+    QSizePolicy kept = m_reconnect->sizePolicy();
+    kept.setRetainSizeWhenHidden(true);
+    m_reconnect->setSizePolicy(kept);
+    row->addWidget(m_connectionIndicator);
     row->addWidget(m_reconnect);
     connect(controller.connectionMenu(), &QAction::changed, this, [this] { updateConnection(); });
+    connect(controller.connectionMenuItem(), &QAction::changed, this,
+            [this] { updateConnection(); });
     column->addWidget(header);
 
     auto* scroll = new QScrollArea(central);
@@ -216,9 +234,21 @@ void TVKMainWindow::updateLayerSelector()
 
 void TVKMainWindow::updateConnection()
 {
-    m_connectionImage->setPixmap(m_controller.connectionMenu()->icon().pixmap(24, 24));
-    m_connectionImage->setToolTip(m_controller.connected() ? tr("The surface is connected")
-                                                           : tr("The surface is not connected"));
+    const QAction* indicator = m_controller.connectionMenu();
+    // At the screen's own scale, so that the @2x drawing is used where there is one.
+    m_connectionImage->setPixmap(indicator->icon().pixmap(QSize(24, 24), devicePixelRatioF()));
+    m_connectionText->setText(indicator->text());
+    m_connectionIndicator->setToolTip(indicator->toolTip());
+    m_connectionImage->setAccessibleName(indicator->text());
+    m_connectionImage->setAccessibleDescription(indicator->toolTip());
+    // "(connected)" beside "Surface connected" says nothing more: the button shows while there
+    // is something to do.
+    m_reconnect->setVisible(m_controller.connectionMenuItem()->isEnabled());
+}
+
+QString TVKMainWindow::connectionText() const
+{
+    return m_connectionText->text();
 }
 
 QString TVKMainWindow::statusText() const

@@ -38,6 +38,10 @@ public:
     QToolButton* layerButton(int layer) const { return m_layerButtons[size_t(layer)]; }
     QToolButton* lockButton() const { return m_lock; }
     QToolButton* reconnectButton() const { return m_reconnect; }
+    // The connection indicator: its picture and text, with the state's tool tip and a context
+    // menu of what can be done about it.
+    QWidget* connectionIndicator() const { return m_connectionIndicator; }
+    QString connectionText() const;
     QString statusText() const;
 
 protected:
@@ -57,7 +61,9 @@ private:
     QLabel* m_name = nullptr;
     std::array<QToolButton*, 4> m_layerButtons{};
     QToolButton* m_lock = nullptr;
+    QWidget* m_connectionIndicator = nullptr;
     QLabel* m_connectionImage = nullptr;
+    QLabel* m_connectionText = nullptr;
     QToolButton* m_reconnect = nullptr;
     QLabel* m_status = nullptr;
     std::vector<corvane::NotificationCenter::Observation> m_observations;

@@ -82,6 +82,7 @@ TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*
     surface->addSeparator();
     surface->addAction(item(Command::HandleEndCapture));
     surface->addAction(controller.connectionMenuItem());
+    surface->addAction(item(Command::StartBackgroundService));
     surface->addSeparator();
     surface->addAction(item(Command::ShowAppPortPanel));
     surface->addAction(item(Command::ShowPreferencePanel));

@@ -2,6 +2,8 @@
 // desktop shells read them.
 #include "platform/DesktopEntries.h"
 
+#include "platform/InstallPlatform.h"
+
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -129,3 +131,20 @@ TEST_F(DesktopEntriesTest, FoldersFollowTheXdgVariables)
 }
 
 } // namespace
+
+TEST(DesktopEntryExec, ArgumentsAreUnquotedAndFieldCodesDropped)
+{
+    const std::vector<std::pair<QString, QStringList>> cases = {
+        {QStringLiteral("\"/home/u/My Apps/start\""), {QStringLiteral("/home/u/My Apps/start")}},
+        {QStringLiteral("/usr/bin/svc --background  --quiet"),
+         {QStringLiteral("/usr/bin/svc"), QStringLiteral("--background"),
+          QStringLiteral("--quiet")}},
+        {QStringLiteral("\"/a \\\"b\\\"/c\\\\d\" %U"), {QStringLiteral("/a \"b\"/c\\d")}},
+        {QStringLiteral("svc --level=100%% %f"),
+         {QStringLiteral("svc"), QStringLiteral("--level=100%")}},
+        {QStringLiteral("   "), {}},
+        {QString(), {}},
+    };
+    for (const auto& [exec, arguments] : cases)
+        EXPECT_EQ(corvane::InstallPlatform::execArguments(exec), arguments) << exec.toStdString();
+}

@@ -419,3 +419,110 @@ TEST_F(MessagePortTest, UnsafeOrUnusableFoldersAreRefused)
         LocalMessagePort::create(QStringLiteral("TVK_App") + QString(4, QChar(0)), nullptr));
     EXPECT_TRUE(logContains(capture, QStringLiteral("is not a plain name")));
 }
+
+TEST_F(MessagePortTest, APeerThatStopsReadingIsNotWaitedOnAndGetsEveryFrameInOrderOnceItReads)
+{
+    // A service that accepted the connection and reads nothing (yet).
+    QLocalServer server;
+    ASSERT_TRUE(server.listen(folder.socketPath(QStringLiteral("TVK_Corvane"))));
+    auto remote = RemoteMessagePort::create(QStringLiteral("TVK_Corvane"));
+    ASSERT_TRUE(remote);
+    ASSERT_TRUE(spinUntil([&] { return server.hasPendingConnections(); }));
+    QLocalSocket* peer = server.nextPendingConnection();
+    ASSERT_TRUE(peer);
+    std::vector<bool> responding;
+    QObject::connect(remote.get(), &RemoteMessagePort::respondingChanged,
+                     [&](bool now) { responding.push_back(now); });
+    LogCapture log;
+
+    // Large frames go until what the system holds for the peer is full: exactly one of them
+    // waits its send time-out, and stays queued whole.
+    const QByteArray large(1024 * 1024, 'k');
+    std::vector<MessageID> expected;
+    int waited = 0;
+    while (remote->isResponding() && expected.size() < 64) {
+        const RemoteMessagePort::Status status = remote->send(msg::TUpK, large, 50);
+        ASSERT_TRUE(status == RemoteMessagePort::Status::Success ||
+                    status == RemoteMessagePort::Status::SendTimeout);
+        waited += status == RemoteMessagePort::Status::SendTimeout;
+        expected.push_back(msg::TUpK);
+    }
+    ASSERT_FALSE(remote->isResponding());
+    EXPECT_EQ(waited, 1);
+
+    // From then on nothing waits: small frames and requests are queued, and a request is not
+    // waited for.
+    for (int i = 0; i < 200; ++i) {
+        ASSERT_EQ(remote->send(msg::TCtl, QByteArray(16, char(i)), 50),
+                  RemoteMessagePort::Status::Queued);
+        expected.push_back(msg::TCtl);
+    }
+    QByteArray reply = "untouched";
+    EXPECT_EQ(remote->sendRequest(msg::Cnct, {}, 50, 1000, reply),
+              RemoteMessagePort::Status::ReceiveTimeout);
+    EXPECT_EQ(reply, QByteArray("untouched"));
+    expected.push_back(msg::Cnct);
+
+    // Past the bound the rest is dropped, with one log line.
+    int dropped = 0;
+    for (qint64 held = remote->queuedBytes();
+         held <= RemoteMessagePort::MaxQueuedBytes + 2 * large.size(); held += large.size()) {
+        const RemoteMessagePort::Status status = remote->send(msg::TUpK, large, 50);
+        if (status == RemoteMessagePort::Status::Queued)
+            expected.push_back(msg::TUpK);
+        else
+            ++dropped;
+    }
+    EXPECT_GE(dropped, 2);
+    EXPECT_LE(remote->queuedBytes(), RemoteMessagePort::MaxQueuedBytes);
+    EXPECT_EQ(log.lines().size(), 1);
+    EXPECT_TRUE(log.lines().value(0).contains(QStringLiteral("messages to it are dropped")));
+
+    // Reading again, the peer gets every frame that was not dropped, whole and in order.
+    MessageFrameReader reader;
+    std::vector<MessageID> got;
+    ASSERT_TRUE(spinUntil(
+        [&] {
+            reader.readFrom(*peer);
+            MessageFrame frame;
+            while (reader.next(frame) == MessageFrameReader::Status::Ready)
+                got.push_back(frame.code);
+            return got.size() >= expected.size() && remote->isResponding();
+        },
+        20000));
+    EXPECT_EQ(got, expected);
+    EXPECT_EQ(responding, (std::vector<bool>{false, true}));
+    EXPECT_EQ(remote->send(msg::TCtl, QByteArray(16, '\0'), 50),
+              RemoteMessagePort::Status::Success);
+}
+
+TEST_F(MessagePortTest, RepliesAPeerNeverReadsAreBoundedAndThePeerDropped)
+{
+    auto port = LocalMessagePort::create(
+        QStringLiteral("TVK_Corvane"),
+        [](LocalMessagePort*, const MessageFrame&) { return QByteArray(1024, 'r'); });
+    ASSERT_TRUE(port);
+    LogCapture log;
+    QLocalSocket client;
+    client.connectToServer(folder.socketPath(QStringLiteral("TVK_Corvane")));
+    ASSERT_TRUE(client.waitForConnected(1000));
+    ASSERT_TRUE(spinUntil([&] { return port->connectionCount() == 1; }));
+
+    // Four megabytes of replies asked for, none read.
+    QByteArray requests;
+    for (std::uint32_t i = 1; i <= 4000; ++i)
+        MessageFrame::appendTo(requests, msg::RqCC, MessageFrame::WantsReply, i, {});
+    client.write(requests);
+    client.flush();
+    ASSERT_TRUE(spinUntil([&] { return port->connectionCount() == 0; }, 10000));
+    ASSERT_EQ(log.lines().size(), 1);
+    EXPECT_TRUE(log.lines()[0].startsWith(
+        QStringLiteral("message port TVK_Corvane: dropped a connection that reads none of its "
+                       "replies")));
+    EXPECT_TRUE(spinUntil([&] {
+        client.readAll();
+        return client.state() == QLocalSocket::UnconnectedState;
+    }));
+    // The port itself goes on serving.
+    EXPECT_TRUE(port->isValid());
+}

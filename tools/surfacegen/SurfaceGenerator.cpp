@@ -517,31 +517,61 @@ bool generateIcons(Writer& w)
         if (!ok)
             return false;
     }
-    // The connection indicator: the surface's link lamp lit green, or dark with a red mark.
-    for (const bool on : {true, false}) {
-        const QString name = on ? QStringLiteral("corvane_connect_icon_on")
-                                : QStringLiteral("corvane_connect_icon_off");
-        const bool ok = w.writeImage(name, size, [&](QPainter& p) {
+    // The connection indicator, one picture per state: the surface's link lamp lit green
+    // (connected), an amber ring (the service runs but has no surface), or the unit greyed and
+    // struck through (no service answers). A light rim keeps the dark unit readable on a dark
+    // desktop, a dark one on a light desktop.
+    enum class Link
+    {
+        Connected,
+        NoSurface,
+        NoService
+    };
+    const QSize indicator(24, 24);
+    for (const Link link : {Link::Connected, Link::NoSurface, Link::NoService}) {
+        const QString name = link == Link::Connected ? QStringLiteral("corvane_connect_icon_on")
+                             : link == Link::NoSurface
+                                 ? QStringLiteral("corvane_connect_icon_off")
+                                 : QStringLiteral("corvane_connect_icon_none");
+        const bool ok = w.writeImage(name, indicator, [&](QPainter& p) {
             p.setRenderHint(QPainter::Antialiasing);
-            QLinearGradient body(0, 6, 0, 26);
+            const QRectF unit(2.5, 6.5, 19, 11);
+            if (link == Link::NoService)
+                p.setOpacity(0.55);
+            p.setPen(QPen(QColor(255, 255, 255, 120), 1));
+            p.setBrush(Qt::NoBrush);
+            p.drawRoundedRect(unit.adjusted(-1, -1, 1, 1), 3.5, 3.5);
+            QLinearGradient body(0, unit.top(), 0, unit.bottom());
             body.setColorAt(0, QColor(0x4b, 0x4f, 0x56));
             body.setColorAt(1, QColor(0x2c, 0x2f, 0x34));
             p.setPen(QPen(QColor(0x16, 0x17, 0x1a), 1));
             p.setBrush(body);
-            p.drawRoundedRect(QRectF(2.5, 8.5, 27, 16), 3, 3);
+            p.drawRoundedRect(unit, 2.5, 2.5);
             p.setPen(Qt::NoPen);
             p.setBrush(QColor(0x12, 0x14, 0x16));
-            p.drawRoundedRect(QRectF(6, 12, 12, 5), 1, 1);
-            const QColor lamp = on ? QColor(0x36, 0xe0, 0x7a) : QColor(0x5a, 0x1e, 0x1e);
-            if (on) {
-                p.setBrush(QColor(0x36, 0xe0, 0x7a, 80));
-                p.drawEllipse(QPointF(23.5, 16.5), 5.5, 5.5);
-            }
-            p.setBrush(lamp);
-            p.drawEllipse(QPointF(23.5, 16.5), 3, 3);
-            if (!on) {
-                p.setPen(QPen(QColor(0xe0, 0x3a, 0x3a), 2.2, Qt::SolidLine, Qt::RoundCap));
-                p.drawLine(QPointF(4, 28), QPointF(28, 4));
+            p.drawRoundedRect(QRectF(5, 10, 8, 4), 1, 1);
+            const QPointF lamp(17, 12);
+            switch (link) {
+            case Link::Connected:
+                p.setBrush(QColor(0x36, 0xe0, 0x7a, 90));
+                p.drawEllipse(lamp, 4.5, 4.5);
+                p.setBrush(QColor(0x36, 0xe0, 0x7a));
+                p.drawEllipse(lamp, 2.6, 2.6);
+                break;
+            case Link::NoSurface:
+                p.setBrush(Qt::NoBrush);
+                p.setPen(QPen(QColor(0xf2, 0xa6, 0x1c), 1.8));
+                p.drawEllipse(lamp, 2.4, 2.4);
+                break;
+            case Link::NoService:
+                p.setBrush(QColor(0x12, 0x14, 0x16));
+                p.drawEllipse(lamp, 2.4, 2.4);
+                p.setOpacity(1);
+                p.setPen(QPen(QColor(255, 255, 255, 150), 4, Qt::SolidLine, Qt::RoundCap));
+                p.drawLine(QPointF(3.5, 20.5), QPointF(20.5, 3.5));
+                p.setPen(QPen(QColor(0xd8, 0x2c, 0x2c), 2.2, Qt::SolidLine, Qt::RoundCap));
+                p.drawLine(QPointF(3.5, 20.5), QPointF(20.5, 3.5));
+                break;
             }
         });
         if (!ok)
