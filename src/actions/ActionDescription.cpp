@@ -574,9 +574,15 @@ QString describeKeySequence(const TVKKeystrokeList& sequence)
 
 QString midiNoteName(int note)
 {
-    static const char* const kNames[] = {"C",  "C#", "D",  "D#", "E",  "F",
-                                         "F#", "G",  "G#", "A",  "A#", "B"};
-    return QLatin1String(kNames[note % 12]) + QString::number(note / 12 - 1);
+    // Note names differ between languages (H for B, Do for C): they are translated too.
+    static const char* const kNames[] = {
+        QT_TRANSLATE_NOOP("ActionDescription", "C"),  QT_TRANSLATE_NOOP("ActionDescription", "C#"),
+        QT_TRANSLATE_NOOP("ActionDescription", "D"),  QT_TRANSLATE_NOOP("ActionDescription", "D#"),
+        QT_TRANSLATE_NOOP("ActionDescription", "E"),  QT_TRANSLATE_NOOP("ActionDescription", "F"),
+        QT_TRANSLATE_NOOP("ActionDescription", "F#"), QT_TRANSLATE_NOOP("ActionDescription", "G"),
+        QT_TRANSLATE_NOOP("ActionDescription", "G#"), QT_TRANSLATE_NOOP("ActionDescription", "A"),
+        QT_TRANSLATE_NOOP("ActionDescription", "A#"), QT_TRANSLATE_NOOP("ActionDescription", "B")};
+    return Words::tr(kNames[note % 12]) + QString::number(note / 12 - 1);
 }
 
 QString describeMidiMessage(const quint8* bytes, unsigned size, Detail detail)
@@ -697,6 +703,23 @@ QString searchableText(const QString& text)
     }
     result += QStringView(lower).mid(done);
     return result;
+}
+
+bool searchFinds(const QString& searchable, const QString& wanted)
+{
+    const qsizetype plus = wanted.lastIndexOf(QLatin1Char('+'));
+    const bool shortcut = plus > 0 && plus + 1 < wanted.size();
+    if (!shortcut)
+        return searchable.contains(wanted);
+    const auto partOfKeys = [](QChar c) { return c.isLetterOrNumber() || c == QLatin1Char('+'); };
+    for (qsizetype at = searchable.indexOf(wanted); at >= 0;
+         at = searchable.indexOf(wanted, at + 1)) {
+        const qsizetype end = at + wanted.size();
+        if ((at == 0 || !partOfKeys(searchable.at(at - 1))) &&
+            (end == searchable.size() || !searchable.at(end).isLetterOrNumber()))
+            return true;
+    }
+    return false;
 }
 
 } // namespace corvane

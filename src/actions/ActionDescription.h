@@ -60,5 +60,9 @@ QString midiNoteName(int note);
 // ("shift+ctrl+s", "Control+Shift+S") written in one order with one name per modifier, so
 // that the same shortcut typed either way finds the same controls.
 QString searchableText(const QString& text);
+// Whether a searchable text holds what was searched for (both made searchable). A shortcut
+// searched for ("ctrl+s") is found only whole: not in "ctrl+shift+z", nor "shift+s" in
+// "ctrl+shift+s"; anything else, and a shortcut still being typed ("ctrl+"), anywhere.
+bool searchFinds(const QString& searchable, const QString& wanted);
 
 } // namespace corvane

@@ -7,6 +7,7 @@
 #include "core/StoredKeys.h"
 #include "model/CorvaneKeyset.h"
 #include "model/CorvaneModelData.h"
+#include "model/KeysetFiles.h"
 #include "service/CorvaneMessenger.h"
 #include "surface/Corvane_Constant_Server.h"
 
@@ -81,7 +82,7 @@ std::unique_ptr<TVKKeyset> CorvaneController::makeKeysetFromArchive(const PlistV
 
 QString CorvaneController::keysetFileType() const
 {
-    return QStringLiteral("CvKs");
+    return corvane::keysetFileType();
 }
 
 QString CorvaneController::inspectorNibName() const

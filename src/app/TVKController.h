@@ -238,6 +238,9 @@ public:
     // controls' labels, and their table) through the print dialog, or into a PDF file.
     void handlePrintKeyset();
     void handleExportKeysetSheet();
+    // Every keyset but keyset 0 as a keyset file into a folder the user picks; a file that is
+    // there already is replaced only when the user says so.
+    void handleExportAllKeysets();
     void handleCopyKeyset();
     void handlePasteKeyset();
     // Paste has something to paste only while the clipboard holds a keyset.

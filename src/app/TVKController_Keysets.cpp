@@ -6,6 +6,7 @@
 #include "core/Log.h"
 #include "core/Notifications.h"
 #include "core/PlistCodec.h"
+#include "model/KeysetFiles.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
@@ -98,10 +99,8 @@ void TVKController::handleExportKeyset()
         m_views.dialogs->runSavePanel(type, QStringLiteral("%1.%2").arg(keyset->name(), type));
     if (path.isEmpty())
         return;
-    PlistValue dict = PlistValue::makeDict(6);
-    keyset->writeTo(dict);
     QString error;
-    if (!corvane::PlistCodec::writeFile(path, dict, corvane::PlistFormat::Xml, &error)) {
+    if (!corvane::writeKeysetFile(*keyset, path, &error)) {
         corvane::log(QStringLiteral("export of keyset failed: %1").arg(error));
         m_views.dialogs->runAlert({tr("The Keyset Could Not Be Exported"),
                                    tr("\"%1\" could not be written: %2").arg(path, error),

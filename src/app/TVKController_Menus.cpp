@@ -35,6 +35,7 @@ void TVKController::makeMenuItems()
     addMenuItem(Command::HandleExportKeyset, tr("Export Keyset…"))
         ->setShortcut(QKeySequence::SaveAs);
     makeSheetMenuItems();
+    addMenuItem(Command::HandleExportAllKeysets, tr("Export All Keysets…"));
     addMenuItem(Command::HandleInstall, tr("Install…"));
     addMenuItem(Command::HandleUninstall, tr("Uninstall…"));
     addMenuItem(Command::HandleCopyKeyset, tr("Copy keyset"));
@@ -199,6 +200,8 @@ bool TVKController::validateMenuItem(QAction* item)
     case Command::HandlePrintKeyset:
     case Command::HandleExportKeysetSheet:
         return keyset != nullptr;
+    case Command::HandleExportAllKeysets:
+        return m_modelData && m_modelData->numberOfKeysets() > 1;
     case Command::HandleSetOneTouchRecord:
         item->setChecked(keyset && keyset->oneTouchRecord());
         return true;
@@ -310,6 +313,9 @@ void TVKController::perform(QAction* item)
         break;
     case Command::HandleExportKeysetSheet:
         handleExportKeysetSheet();
+        break;
+    case Command::HandleExportAllKeysets:
+        handleExportAllKeysets();
         break;
     case Command::HandleCopyKeyset:
         handleCopyKeyset();

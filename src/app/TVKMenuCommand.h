@@ -21,6 +21,7 @@ enum class TVKMenuCommand
     HandleExportKeyset,
     HandlePrintKeyset,
     HandleExportKeysetSheet,
+    HandleExportAllKeysets,
     HandleCopyKeyset,
     HandlePasteKeyset,
     HandleClearKeyset,

@@ -9,6 +9,7 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -48,6 +49,16 @@ struct TVKPrintJob
     std::function<int(QPagedPaintDevice&)> paint; // paints every page; the number painted
 };
 
+// The progress of a long command, shown while it runs; the user may cancel it.
+class TVKProgress
+{
+public:
+    virtual ~TVKProgress() = default;
+    // `done` of the total steps are finished; `step` names the one that runs now.
+    virtual void setProgress(int done, const QString& step) = 0;
+    virtual bool wasCancelled() const = 0;
+};
+
 // The modal dialogs of the commands.
 class TVKDialogs
 {
@@ -79,6 +90,13 @@ public:
                                                 const QString& /*text*/)
     {
         return std::nullopt;
+    }
+    // The chosen folder, or an empty text when cancelled or without a way to ask.
+    virtual QString runFolderPanel(const QString& /*title*/) { return QString(); }
+    // A progress indicator for a command of `total` steps; none where nothing is shown.
+    virtual std::unique_ptr<TVKProgress> beginProgress(const QString& /*title*/, int /*total*/)
+    {
+        return nullptr;
     }
 };
 

@@ -1,5 +1,6 @@
 #include "views/KeysetSummaryController.h"
 
+#include "actions/ActionDescription.h"
 #include "actions/TVKAction.h"
 #include "app/TVKController.h"
 #include "core/Notifications.h"
@@ -425,13 +426,13 @@ KeysetSummaryController::KeysetSummaryController(TVKModelData& modelData, TVKCon
     findLayout->setContentsMargins(0, 6, 0, 0);
     m_search = new QLineEdit(findBox);
     m_search->setPlaceholderText(
-        tr("Find a control in every keyset by name, user name or action (Ctrl+F)"));
+        tr("Find a control in every keyset by name, user name, action or keys (Ctrl+F)"));
     m_search->setClearButtonEnabled(true);
     findLayout->addWidget(m_search);
     m_results = new QTreeWidget(findBox);
-    m_results->setColumnCount(5);
+    m_results->setColumnCount(6);
     m_results->setHeaderLabels(
-        {tr("Keyset"), tr("Layer"), tr("Group"), tr("Control"), tr("Action")});
+        {tr("Keyset"), tr("Layer"), tr("Group"), tr("Control"), tr("Action"), tr("Description")});
     m_results->setRootIsDecorated(false);
     m_results->setUniformRowHeights(true);
     m_results->header()->setStretchLastSection(true);
@@ -609,6 +610,15 @@ std::vector<KeysetSummaryController::Match> KeysetSummaryController::find(const 
     const QString wanted = text.trimmed();
     if (wanted.isEmpty())
         return matches;
+    // What the action does is searched in the desktop's words, without regard to case or to
+    // the order the modifiers are typed in: "shift+ctrl+s" finds Ctrl+Shift+S, and only it.
+    const QString wantedKeys = corvane::searchableText(wanted);
+    const auto does = [&wantedKeys](const TVKAction* action) {
+        return corvane::isAssigned(action) &&
+               corvane::searchFinds(
+                   corvane::searchableText(corvane::describeAction(*action, corvane::Detail::Full)),
+                   wantedKeys);
+    };
     for (int k = 0; k < m_modelData.numberOfKeysets(); ++k) {
         const TVKKeyset* keyset = m_modelData.keysetAtIndex(k);
         for (int l = 0; keyset && l < 4; ++l) {
@@ -621,7 +631,8 @@ std::vector<KeysetSummaryController::Match> KeysetSummaryController::find(const 
                         control.name().contains(wanted, Qt::CaseInsensitive) ||
                         control.userName().contains(wanted, Qt::CaseInsensitive) ||
                         (control.action() && control.action()->actionDescriptor().contains(
-                                                 wanted, Qt::CaseInsensitive));
+                                                 wanted, Qt::CaseInsensitive)) ||
+                        does(control.action());
                     if (!found)
                         continue;
                     matches.push_back({k, l, g, c});
@@ -654,6 +665,8 @@ void KeysetSummaryController::showMatches()
                              : QStringLiteral("%1 (%2)").arg(control->name(), control->userName()));
         item->setText(4, control->action() ? control->action()->actionDescriptor()
                                            : QStringLiteral("No Action Assigned"));
+        if (corvane::isAssigned(control->action()))
+            item->setText(5, corvane::describeAction(*control->action(), corvane::Detail::Full));
         item->setData(0, Qt::UserRole, match.keyset);
         item->setData(1, Qt::UserRole, match.layer);
         item->setData(2, Qt::UserRole, match.group);
@@ -661,7 +674,7 @@ void KeysetSummaryController::showMatches()
         items << item;
     }
     m_results->addTopLevelItems(items);
-    for (int column = 0; column < 4; ++column)
+    for (int column = 0; column < 5; ++column)
         m_results->resizeColumnToContents(column);
 }
 

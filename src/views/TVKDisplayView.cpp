@@ -7,10 +7,12 @@
 #include "model/TVKControl.h"
 #include "model/TVKModelData.h"
 #include "surface/TVK_Constant_Server.h"
+#include "views/ControlToolTips.h"
 #include "views/CorvaneNVLayout.h"
 #include "views/editors/CorvaneROMIcons.h"
 
 #include <QFontDatabase>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
 
@@ -45,19 +47,46 @@ bool TVKDisplayView::dataDisplay(const Cell& cell, int& group, int& index) const
     return true;
 }
 
+bool TVKDisplayView::shownDisplay(const Cell& cell, int& group, int& index) const
+{
+    if (!dataDisplay(cell, group, index))
+        return false;
+    // The button displays of the NV follow the bank its window shows.
+    if (group == corvane::nv::kButtonDisplayGroup)
+        index += m_bank * corvane::nv::kButtonsPerBank;
+    return true;
+}
+
+bool TVKDisplayView::modelDisplayAt(QPoint point, int& group, int& index) const
+{
+    for (const Cell& cell : m_cells) {
+        if (cell.frame.contains(point))
+            return shownDisplay(cell, group, index);
+    }
+    return false;
+}
+
 TVKControl* TVKDisplayView::displayForCell(const Cell& cell) const
 {
     const TVKController* controller = TVKController::c();
     const TVKModelData* model = TVKModelData::defaultModelData();
     int group = 0;
     int index = 0;
-    if (!controller || !model || !dataDisplay(cell, group, index))
+    if (!controller || !model || !shownDisplay(cell, group, index))
         return nullptr;
-    // The button displays of the NV follow the bank its window shows.
-    if (group == corvane::nv::kButtonDisplayGroup)
-        index += m_bank * corvane::nv::kButtonsPerBank;
     return model->displayForKeyset(int(controller->selectedKeyset()),
                                    int(controller->selectedLayer()), group, index);
+}
+
+bool TVKDisplayView::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QWidget::event(event);
+    const auto* help = static_cast<const QHelpEvent*>(event);
+    const std::optional<corvane::PictureScope> scope = corvane::applicationScope();
+    corvane::showControlToolTip(*this, *help,
+                                scope ? corvane::displayAt(*this, help->pos(), *scope) : nullptr);
+    return true;
 }
 
 QString TVKDisplayView::textForCell(const Cell& cell) const

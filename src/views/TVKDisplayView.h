@@ -41,8 +41,13 @@ public:
     bool cellIsSelected(const Cell& cell) const;
     // The NV's LCD-button displays show one bank of 24 at a time.
     void setBank(int bank);
+    // The model-data display group and index of the cell at a point (of the bank shown); false
+    // off every cell.
+    bool modelDisplayAt(QPoint point, int& group, int& index) const;
 
 protected:
+    // Tooltips name the display under the pointer and what it shows.
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -55,6 +60,8 @@ private:
     TVKControl* displayForCell(const Cell& cell) const;
     // Model-data display group and index of a cell.
     bool dataDisplay(const Cell& cell, int& group, int& index) const;
+    // The same, of the display the cell shows now: the NV's in the bank shown.
+    bool shownDisplay(const Cell& cell, int& group, int& index) const;
 
     int m_group;
     Kind m_kind;

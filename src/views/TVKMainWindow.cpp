@@ -1,5 +1,6 @@
 #include "views/TVKMainWindow.h"
 
+#include "actions/ActionDescription.h"
 #include "actions/TVKAction.h"
 #include "app/CorvaneController.h"
 #include "core/Notifications.h"
@@ -171,8 +172,10 @@ TVKMainWindow::TVKMainWindow(CorvaneController& controller, TVKMenuBar* menuBar,
     });
     center.observeEach<note::SelectionChange, note::RemoteSelectionChange,
                        note::DisplaySelectionChange, note::RemoteDisplaySelectionChange,
-                       note::UserNameChange, note::InspUpdate, note::UpdateKSum>(
-        m_observations, nullptr, [this] { updateStatus(); });
+                       note::UserNameChange, note::InspUpdate, note::UpdateKSum,
+                       note::ControlPropertyChange, note::ShowUserNameChange, note::EmulChg,
+                       note::KeysetCountChange>(m_observations, nullptr,
+                                                [this] { updateStatus(); });
     updateLayerSelector();
     updateConnection();
 }
@@ -277,9 +280,15 @@ void TVKMainWindow::updateStatus()
     QStringList parts{control->name()};
     if (!control->userName().isEmpty())
         parts << QStringLiteral("“%1”").arg(control->userName());
-    const QString descriptor =
-        control->action() ? control->action()->actionDescriptor() : QString();
+    const TVKAction* action = control->action();
+    const QString descriptor = action ? action->actionDescriptor() : QString();
     parts << (descriptor.isEmpty() ? tr("no action") : descriptor);
+    // Beside the system's descriptor, what the action does in the desktop's words.
+    if (corvane::isAssigned(action)) {
+        const QString described = corvane::describeAction(*action, corvane::Detail::Full);
+        if (described != descriptor)
+            parts << described;
+    }
     m_status->setText(parts.join(QStringLiteral("  ·  ")));
 }
 

@@ -28,6 +28,7 @@ TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*
     file->addSeparator();
     file->addAction(item(Command::HandleImportKeyset));
     file->addAction(item(Command::HandleExportKeyset));
+    file->addAction(item(Command::HandleExportAllKeysets));
     file->addSeparator();
     file->addAction(item(Command::HandleExportKeysetSheet));
     file->addAction(item(Command::HandlePrintKeyset));

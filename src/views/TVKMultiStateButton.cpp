@@ -6,8 +6,10 @@
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "surface/TVK_Constant_Server.h"
+#include "views/ControlToolTips.h"
 #include "views/TVKBundle.h"
 
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QStyle>
@@ -399,6 +401,27 @@ void TVKMultiStateButton::sendAction()
     const quint64 k = m_cell->imageIndex();
     if (TVKController* controller = TVKController::c())
         controller->handleMultiStateTVKButton(m_tag, qint64(k), controlForImageIndex(k));
+}
+
+qint64 TVKMultiStateButton::controlAt(QPointF point) const
+{
+    for (qint64 k = 1; k < m_numImages; ++k) {
+        const QPainterPath* path = hitTestPath(k);
+        if (path && path->contains(point))
+            return controlForImageIndex(quint64(k));
+    }
+    return -1;
+}
+
+bool TVKMultiStateButton::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QAbstractButton::event(event);
+    const auto* help = static_cast<const QHelpEvent*>(event);
+    const std::optional<corvane::PictureScope> scope = corvane::applicationScope();
+    corvane::showControlToolTip(*this, *help,
+                                scope ? corvane::controlAt(*this, help->pos(), *scope) : nullptr);
+    return true;
 }
 
 void TVKMultiStateButton::chooseControl(qint64 control)

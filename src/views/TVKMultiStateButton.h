@@ -128,6 +128,9 @@ public:
     qint64 controlForModelControl(int group, int index) const;
     // Selects an on-screen control of the group as a click on it does, in whatever bank it lies.
     void chooseControl(qint64 control);
+    // The on-screen control whose outline holds the point, as a click there finds it; -1 when
+    // none does.
+    qint64 controlAt(QPointF point) const;
 
 protected:
     void setDescriptionImages(const TVKImageList& names);
@@ -144,6 +147,8 @@ protected:
     // How many controls of the group come before the first shown (the bank's start).
     virtual qsizetype firstShownControl() const { return 0; }
 
+    // Tooltips name the control under the pointer and what it does.
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;

@@ -13,6 +13,7 @@
 #include <QPainter>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QStandardPaths>
 #include <QVBoxLayout>
@@ -210,4 +211,44 @@ std::optional<QString> TVKQtDialogs::runTextInput(const QString& title, const QS
     if (!ok)
         return std::nullopt;
     return answer;
+}
+
+QString TVKQtDialogs::runFolderPanel(const QString& title)
+{
+    return QFileDialog::getExistingDirectory(
+        m_parent, title, QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+}
+
+namespace {
+
+class QtProgress final : public TVKProgress
+{
+public:
+    QtProgress(QWidget* parent, const QString& title, int total)
+        : m_dialog(title, QObject::tr("Cancel"), 0, total, parent)
+    {
+        m_dialog.setWindowTitle(title);
+        m_dialog.setWindowModality(Qt::WindowModal);
+        m_dialog.setMinimumDuration(500);
+        m_dialog.setAutoClose(true);
+        m_dialog.setValue(0);
+    }
+    void setProgress(int done, const QString& step) override
+    {
+        if (!step.isEmpty())
+            m_dialog.setLabelText(step);
+        // The dialog runs the event loop here, so that Cancel is seen and the window redraws.
+        m_dialog.setValue(done);
+    }
+    bool wasCancelled() const override { return m_dialog.wasCanceled(); }
+
+private:
+    QProgressDialog m_dialog;
+};
+
+} // namespace
+
+std::unique_ptr<TVKProgress> TVKQtDialogs::beginProgress(const QString& title, int total)
+{
+    return std::make_unique<QtProgress>(m_parent, title, total);
 }

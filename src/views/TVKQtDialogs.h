@@ -6,7 +6,8 @@ class QWidget;
 
 // The controller's modal dialogs, as the desktop's standard ones: file dialogs with the keyset
 // file type, message boxes with the alert's buttons (the first is the default), an application
-// chooser listing the installed desktop applications, and a text prompt.
+// chooser listing the installed desktop applications, a text prompt, a folder chooser and a
+// progress dialog.
 class TVKQtDialogs : public TVKDialogs
 {
 public:
@@ -22,6 +23,9 @@ public:
     bool runPrintPanel(const TVKPrintJob& job) override;
     std::optional<QString> runTextInput(const QString& title, const QString& label,
                                         const QString& text) override;
+    QString runFolderPanel(const QString& title) override;
+    // A progress dialog, modal to the window, shown once the work has taken half a second.
+    std::unique_ptr<TVKProgress> beginProgress(const QString& title, int total) override;
 
 private:
     QWidget* m_parent = nullptr;

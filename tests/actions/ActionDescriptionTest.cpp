@@ -5,12 +5,16 @@
 #include "ModelFixture.h"
 #include "QtPrinters.h"
 #include "actions/CorvaneButtonDisplayMidiEmulationAction.h"
+#include "actions/CorvaneLCDButtonDisplayIconAction.h"
 #include "actions/TVKBuiltInAction.h"
+#include "actions/TVKDisplayControlNameAction.h"
+#include "actions/TVKDisplayEmulationAction.h"
 #include "actions/TVKDisplayTextAction.h"
 #include "actions/TVKEmulationAction.h"
 #include "actions/TVKKeySequenceAction.h"
 #include "actions/TVKMIDIAction.h"
 #include "actions/TVKMouseAction.h"
+#include "actions/TVKNULLAction.h"
 #include "actions/TVKSpecialAction.h"
 #include "actions/TVKStandardActionTypes.h"
 #include "actions/editors/KeyEventTranslator.h"
@@ -19,6 +23,9 @@
 #include "model/TVKControl.h"
 #include "model/TVKLayer.h"
 
+#include <QCoreApplication>
+#include <QRegularExpression>
+#include <QTranslator>
 #include <algorithm>
 #include <set>
 
@@ -408,4 +415,174 @@ TEST_F(ActionDescriptionTest, SearchTextKeepsWordsThatAreNotShortcuts)
     EXPECT_EQ(searchableText(QStringLiteral("CCW: Shift+Ctrl+Z · CW: Meta+Alt+F4")),
               QStringLiteral("ccw: ctrl+shift+z · cw: alt+super+f4"));
     EXPECT_EQ(searchableText(QStringLiteral("Ctrl++")), QStringLiteral("ctrl++"));
+}
+
+// A whole shortcut finds that shortcut and no longer one it begins or ends; other words and a
+// shortcut still being typed are found anywhere.
+TEST_F(ActionDescriptionTest, AShortcutSearchedForIsFoundWhole)
+{
+    const auto finds = [](const char* text, const char* wanted) {
+        return searchFinds(searchableText(QString::fromUtf8(text)),
+                           searchableText(QString::fromUtf8(wanted)));
+    };
+    EXPECT_TRUE(finds("Ctrl+S", "ctrl+s"));
+    EXPECT_TRUE(finds("Ctrl+C, Ctrl+S", "ctrl+s"));
+    EXPECT_TRUE(finds("CCW: Ctrl+Z · CW: Ctrl+Shift+Z", "shift+ctrl+z"));
+    EXPECT_FALSE(finds("Ctrl+Shift+Z", "ctrl+s"));
+    EXPECT_FALSE(finds("Ctrl+Shift+S", "shift+s"));
+    EXPECT_FALSE(finds("Ctrl+Shift+S10", "ctrl+shift+s"));
+    EXPECT_FALSE(finds("Ctrl+Page Up", "ctrl+pag"));
+    EXPECT_TRUE(finds("Ctrl+Page Up", "ctrl+page"));
+    EXPECT_TRUE(finds("Ctrl+Shift+Z", "ctrl+"));
+    EXPECT_TRUE(finds("Ctrl+Shift+Z", "shift+ctrl+"));
+    EXPECT_TRUE(finds("Note On C4 (60) vel 100 · ch 1", "ON C4"));
+    EXPECT_TRUE(finds("Mode A · Transport · Play", "transport · pl"));
+}
+
+// The display kinds beyond text: names of a row of controls, emulated lines and timecode, icons
+// and the status line, with the emulation mode where it matters.
+TEST_F(ActionDescriptionTest, EveryDisplayKindSaysWhatItShows)
+{
+    EXPECT_EQ(full(TVKLCDDisplayEncoderNameAction(nullptr)), QStringLiteral("Encoder names"));
+    EXPECT_EQ(full(TVKLCDDisplayButtonNameAction(nullptr)), QStringLiteral("Button names"));
+    TVKFrameletCorvaneNVLCDDisplayButtonNameAction nv(nullptr);
+    EXPECT_EQ(full(nv), QStringLiteral("Button names"));
+    nv.setLcdDisplayMode(1);
+    EXPECT_EQ(full(nv), QStringLiteral("Function and parameter numbers"));
+    nv.setLcdDisplayMode(7);
+    EXPECT_EQ(full(nv), QStringLiteral("Display mode 7"));
+
+    const TVKLCDDisplayEmulationAction line(nullptr, 1);
+    EXPECT_EQ(brief(line, -1, EmulationMode::B), QStringLiteral("LCD Line 2"));
+    EXPECT_EQ(full(line, -1, EmulationMode::B), QStringLiteral("Mode B · LCD Line 2"));
+    EXPECT_EQ(full(line, -1, EmulationMode::None), QStringLiteral("Emulation · LCD Line 2"));
+    EXPECT_EQ(brief(TVKLCDDisplayEmulationAction(nullptr, 5)), QStringLiteral("Source 5"));
+
+    const TVKTimecodeDisplayEmulationAction timecode(nullptr);
+    EXPECT_EQ(brief(timecode), QStringLiteral("Emulated timecode"));
+    EXPECT_EQ(full(timecode, -1, EmulationMode::None),
+              QStringLiteral("Emulated timecode (emulation is off)"));
+    EXPECT_EQ(full(timecode, -1, EmulationMode::C), QStringLiteral("Mode C · Emulated timecode"));
+
+    EXPECT_EQ(full(CorvaneLCDButtonDisplayIconAction(nullptr, 12)), QStringLiteral("ROM icon 12"));
+    EXPECT_EQ(full(CorvaneButtonDisplayMidiEmulationAction(nullptr, 1u)),
+              QStringLiteral("Native MIDI status"));
+    EXPECT_EQ(brief(CorvaneButtonDisplayMidiEmulationAction(nullptr, 2u), -1, EmulationMode::A),
+              QStringLiteral("Emulation status"));
+    EXPECT_EQ(full(CorvaneButtonDisplayMidiEmulationAction(nullptr, 9u)),
+              QStringLiteral("Status mode 9"));
+    EXPECT_EQ(full(TVKNULLDisplayAction(nullptr)), QStringLiteral("No action"));
+}
+
+namespace {
+
+// Stands for a translation: every letter of every text of the descriptions becomes '#', so
+// that a letter left in a description is a word that escaped translation.
+class MarkingTranslator final : public QTranslator
+{
+public:
+    QString translate(const char* context, const char* source, const char*, int) const override
+    {
+        if (qstrcmp(context, "ActionDescription") != 0)
+            return QString();
+        QString marked = QString::fromUtf8(source);
+        for (QChar& c : marked) {
+            if (c.isLetter())
+                c = u'#';
+        }
+        return marked;
+    }
+    bool isEmpty() const override { return false; }
+};
+
+} // namespace
+
+// Every word of every kind of action goes through the translation; what is left are numbers,
+// punctuation and what the user gave (key labels, window names, texts, command names).
+TEST_F(ActionDescriptionTest, EveryWordGoesThroughTranslation)
+{
+    if (!QCoreApplication::instance()) {
+        static int argc = 1;
+        static char name[] = "actions_tests";
+        static char* argv[] = {name, nullptr};
+        static QCoreApplication* application = new QCoreApplication(argc, argv);
+        (void)application;
+    }
+    MarkingTranslator marking;
+    ASSERT_TRUE(QCoreApplication::installTranslator(&marking));
+    std::vector<std::unique_ptr<TVKAction>> actions;
+    // Every kind as the factory makes it.
+    for (const auto& [first, last] : {std::pair{0, 0x2000}, std::pair{0x100000, 0x102000}}) {
+        for (qint32 code = first; code <= last; ++code) {
+            PlistValue dict = PlistValue::makeDict();
+            dict.insert(key::ActnType, PlistValue(qint64(code)));
+            if (auto action = TVKStandardActionTypes::createActionFromArchive(dict, nullptr))
+                actions.push_back(std::move(action));
+        }
+    }
+    // Keys named by their code, with every modifier, in every direction.
+    const TVKKeystrokeElement del(QString(), 111,
+                                  K::kControl | K::kOption | K::kShift | K::kCommand);
+    auto button = std::make_unique<TVKButtonKeySequenceAction>(nullptr, 50, true);
+    button->sequence() = keys({del, TVKKeystrokeElement(QStringLiteral("Up Arrow"), 0, 0),
+                               TVKKeystrokeElement(QString(), 500, 0)});
+    actions.push_back(std::move(button));
+    actions.push_back(directionKeys<TVKShuttleKeySequenceAction>({keys({del}), {}, keys({del})}));
+    actions.push_back(directionKeys<TVK4WayKeySequenceAction>({keys({del}), {}, {}, keys({del})}));
+    // Every MIDI message by name, with the value placeholder.
+    const quint8 v = TVKMIDIAction::kValuePlaceholder;
+    for (const std::vector<quint8>& message : std::vector<std::vector<quint8>>{{0x90, 61, 100},
+                                                                               {0x80, 60, v},
+                                                                               {0xA0, v, 3},
+                                                                               {0xB0, 7, v},
+                                                                               {0xC0, 5},
+                                                                               {0xD0, v},
+                                                                               {0xE0, 0, 64},
+                                                                               {0xF0},
+                                                                               {0xF8},
+                                                                               {0xFF},
+                                                                               {0x12, 0x34}}) {
+        actions.push_back(std::make_unique<TVKButtonMIDIAction>(
+            TVKMIDIAction::Custom, message.data(), unsigned(message.size()), nullptr));
+    }
+    // Mouse operations in every place.
+    for (unsigned operation = 0; operation < 12; ++operation) {
+        for (int place = 0; place <= 7; ++place) {
+            auto mouse = std::make_unique<TVKButtonMouseAction>(operation, nullptr);
+            mouse->setModifierFlags(unsigned(K::kControl | K::kShift));
+            mouse->setLocationType(place);
+            actions.push_back(std::move(mouse));
+        }
+    }
+    // Every surface function and every emulated control.
+    for (int mode = 0; mode < 64; ++mode)
+        actions.push_back(std::make_unique<TVKButtonSpecialAction>(nullptr, mode));
+    for (int group = 0; group < 40; ++group) {
+        for (int control = 0; control < 8; ++control) {
+            actions.push_back(
+                std::make_unique<TVKButtonEmulationAction>(nullptr, group, control, true, false));
+            actions.push_back(
+                std::make_unique<TVKEncoderEmulationAction>(nullptr, group, control, false, false));
+        }
+    }
+    for (int source = 0; source < 4; ++source)
+        actions.push_back(std::make_unique<TVKLCDDisplayEmulationAction>(nullptr, source));
+
+    // The translation reaches the descriptions at all.
+    EXPECT_EQ(full(TVKButtonSpecialAction(nullptr, 5)),
+              QStringLiteral("#######: ##### 2 ########"));
+    static const QRegularExpression letter(QStringLiteral("[A-Za-z]"));
+    for (const auto& action : actions) {
+        for (const Detail detail : {Detail::Short, Detail::Full}) {
+            for (const auto mode : {EmulationMode::None, EmulationMode::A, EmulationMode::C}) {
+                for (const int type : {-1, int(ControlType::Fader)}) {
+                    const QString text = describeAction(*action, detail, {type, mode});
+                    EXPECT_FALSE(text.contains(letter))
+                        << std::hex << action->actionType() << ": " << text.toStdString();
+                }
+            }
+        }
+    }
+    QCoreApplication::removeTranslator(&marking);
+    EXPECT_EQ(brief(TVKButtonSpecialAction(nullptr, 5)), QStringLiteral("Layer 2 Selector"));
 }

@@ -87,6 +87,22 @@ public:
         return take(textAnswers, QString());
     }
 
+    std::deque<QString> folderAnswers;
+    std::vector<QString> folderTitles;
+    QString runFolderPanel(const QString& title) override
+    {
+        folderTitles.push_back(title);
+        return take(folderAnswers, QString());
+    }
+    // Every progress reported, as (done, total); the progress reads as cancelled once
+    // `cancelProgressAt` steps are done.
+    std::vector<std::pair<int, int>> progressReports;
+    int cancelProgressAt = -1;
+    std::unique_ptr<TVKProgress> beginProgress(const QString&, int total) override
+    {
+        return std::make_unique<Progress>(*this, total);
+    }
+
     // Windows.
     std::set<TVKWindow> existing;
     std::set<TVKWindow> visible;
@@ -163,6 +179,26 @@ public:
     }
 
 private:
+    class Progress final : public TVKProgress
+    {
+    public:
+        Progress(ScriptedViews& views, int total) : m_views(views), m_total(total) {}
+        void setProgress(int done, const QString&) override
+        {
+            m_done = done;
+            m_views.progressReports.emplace_back(done, m_total);
+        }
+        bool wasCancelled() const override
+        {
+            return m_views.cancelProgressAt >= 0 && m_done >= m_views.cancelProgressAt;
+        }
+
+    private:
+        ScriptedViews& m_views;
+        int m_total;
+        int m_done = 0;
+    };
+
     template <typename T>
     static T take(std::deque<T>& queue, T fallback)
     {

@@ -2,6 +2,7 @@
 // their menu items, with the real controller and the real simulated service. After every step
 // three places must agree: the model, what the next start would load (the written store with the
 // recovery journal over it) and the service's own copy of the configuration.
+#include "TestConfig.h"
 #include "ViewsFixture.h"
 #include "actions/TVKBuiltInAction.h"
 #include "actions/TVKDisplayTextAction.h"
@@ -738,4 +739,67 @@ TEST_F(JourneyTest, QuitAndRestart)
     ASSERT_NE(app->summary(), nullptr);
     EXPECT_TRUE(app->summary()->isVisible()) << "the summary was open";
     inStep("restarted");
+}
+
+TEST_F(JourneyTest, ExportAllDeleteAndImport)
+{
+    begin();
+    TVKKeyset* made = newKeysetForTheApplication();
+    typeAKeySequence();
+    assignAMIDINote();
+    setADisplayText();
+    inStep("edited");
+    const PlistValue edited = snapshot();
+    PlistValue exported = PlistValue::makeDict(6);
+    made->writeTo(exported);
+
+    const QString folder = home.path() + QStringLiteral("/Backup");
+    QDir().mkpath(folder);
+    views.folderAnswers.push_back(folder);
+    choose(Command::HandleExportAllKeysets);
+    // Keyset 0 is never exported; the keyset made is, under its name.
+    EXPECT_EQ(QDir(folder).entryList(QDir::Files), QStringList{QStringLiteral("Audacity.CvKs")});
+    const QString file = folder + QStringLiteral("/Audacity.CvKs");
+    const PlistReadResult written = PlistCodec::readFile(file);
+    ASSERT_TRUE(written.ok);
+    EXPECT_TRUE(written.value == exported) << "the file is not the keyset";
+    inStep("exported all");
+
+    qsizetype from = mark();
+    views.alertAnswers = {0};
+    choose(Command::HandleDeleteKeyset);
+    EXPECT_EQ(controller->modelData()->numberOfKeysets(), 1);
+    ASSERT_TRUE(waitForCount(QStringLiteral("TDlK"), 1, from));
+    inStep("deleted");
+
+    from = mark();
+    views.openPanelAnswers.push_back(file);
+    choose(Command::HandleImportKeyset);
+    ASSERT_TRUE(waitForCount(QStringLiteral("TAdK"), 1, from));
+    EXPECT_TRUE(snapshot() == edited) << difference(snapshot(), edited);
+    inStep("imported");
+
+    // Exported again into the same folder, the file there is replaced only when the user says.
+    const size_t alerts = views.alerts.size();
+    QFile::remove(file);
+    ASSERT_TRUE(
+        QFile::copy(QStringLiteral(CORVANE_SOURCE_DIR "/resources/samples/Studio.plist"), file));
+    const QByteArray other = [&] {
+        QFile f(file);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }();
+    views.folderAnswers.push_back(folder);
+    views.alertAnswers = {0}; // Skip
+    choose(Command::HandleExportAllKeysets);
+    ASSERT_EQ(views.alerts.size(), alerts + 1);
+    EXPECT_EQ(views.alerts.back().message, QStringLiteral("“Audacity.CvKs” Already Exists"));
+    QFile kept(file);
+    ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
+    EXPECT_EQ(kept.readAll(), other) << "a skipped file was written";
+    kept.close();
+    views.folderAnswers.push_back(folder);
+    views.alertAnswers = {2}; // Replace
+    choose(Command::HandleExportAllKeysets);
+    EXPECT_TRUE(PlistCodec::readFile(file).value == exported);
+    inStep("exported all again");
 }

@@ -1,6 +1,9 @@
 // The keyset summary against the real controller and simulated service.
 #include "TestConfig.h"
 #include "ViewsFixture.h"
+#include "actions/TVKKeySequenceAction.h"
+#include "actions/TVKMIDIAction.h"
+#include "actions/editors/KeyEventTranslator.h"
 #include "core/PlistCodec.h"
 #include "core/StoredKeys.h"
 #include "model/CorvaneModelData.h"
@@ -16,6 +19,8 @@
 #include <QLineEdit>
 #include <QTest>
 #include <QTreeWidget>
+#include <set>
+#include <tuple>
 
 using namespace corvane;
 using namespace corvane::test;
@@ -198,4 +203,54 @@ TEST_F(SummaryTest, DeletingTheKeysetsTheSummaryShowsLeavesItOnTheNewSelection)
             EXPECT_GT(summary.model().rowCount(summary.model().index(1, 0, groups)), 0);
         }
     }
+}
+
+// Keys are searched as the desktop writes them, in any case and with the modifiers typed in
+// any order; MIDI messages by their names.
+TEST_F(SummaryTest, SearchFindsKeysInAnyModifierOrderAndMessagesByName)
+{
+    KeysetSummaryController& summary = openSummaryOnSample();
+    TVKModelData* model = controller->modelData();
+    TVKControl* control = model->controlForKeyset(2, 1, 5, 3);
+    ASSERT_NE(control, nullptr);
+    auto keys = std::make_unique<TVKButtonKeySequenceAction>(control, 50, false);
+    keys->sequence().push_back(TVKKeystrokeElement(
+        QStringLiteral("s"), 31, KeyEventTranslator::kControl | KeyEventTranslator::kShift));
+    control->adoptAction(std::move(keys));
+    const auto at = [](const std::vector<KeysetSummaryController::Match>& matches) {
+        std::set<std::tuple<int, int, int, int>> out;
+        for (const auto& m : matches)
+            out.insert({m.keyset, m.layer, m.group, m.control});
+        return out;
+    };
+
+    const auto wanted = at(summary.find(QStringLiteral("ctrl+shift+s")));
+    EXPECT_TRUE(wanted.count({2, 1, 5, 3})) << "Ctrl+Shift+S is not found";
+    for (const char* typed : {"shift+ctrl+s", "Shift+Control+S", "CTRL+SHIFT+S", " ctrl+shift+s "})
+        EXPECT_EQ(at(summary.find(QString::fromLatin1(typed))), wanted) << typed;
+    // Other shortcuts are other controls.
+    EXPECT_FALSE(at(summary.find(QStringLiteral("ctrl+s"))).count({2, 1, 5, 3}));
+    EXPECT_FALSE(at(summary.find(QStringLiteral("ctrl+alt+shift+s"))).count({2, 1, 5, 3}));
+    EXPECT_FALSE(at(summary.find(QStringLiteral("shift+s"))).count({2, 1, 5, 3}));
+    // A shortcut being typed finds every shortcut it begins.
+    EXPECT_TRUE(at(summary.find(QStringLiteral("shift+ctrl+"))).count({2, 1, 5, 3}));
+
+    // A message by its name, in any case.
+    TVKControl* noteButton = model->controlForKeyset(3, 0, 5, 0);
+    ASSERT_NE(noteButton, nullptr);
+    const quint8 note[] = {0x91, 62, 90};
+    noteButton->adoptAction(
+        std::make_unique<TVKButtonMIDIAction>(TVKMIDIAction::Custom, note, 3u, noteButton));
+    EXPECT_TRUE(
+        at(summary.find(QStringLiteral("note on d4 (62) vel 90 · ch 2"))).count({3, 0, 5, 0}));
+
+    // The results show what the control does in the desktop's words.
+    QTest::keyClicks(summary.searchField(), QStringLiteral("shift+ctrl+s"));
+    ASSERT_TRUE(
+        spinUntil([&] { return summary.results()->topLevelItemCount() == int(wanted.size()); }));
+    bool shown = false;
+    for (int row = 0; row < summary.results()->topLevelItemCount(); ++row)
+        shown = shown ||
+                summary.results()->topLevelItem(row)->text(5) == QStringLiteral("Ctrl+Shift+S");
+    EXPECT_TRUE(shown);
 }

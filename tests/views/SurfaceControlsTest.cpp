@@ -3,18 +3,30 @@
 // come from the model's tables (the surface constants' groups and their sizes); where each one
 // lies comes from the placement table, by its on-screen number. Nothing is taken from the
 // pictures' own states or outlines, so a control left without an outline fails here.
+#include "QtPrinters.h"
 #include "ViewsFixture.h"
+#include "actions/ActionDescription.h"
+#include "actions/TVKAction.h"
+#include "model/CorvaneModelData.h"
+#include "model/TVKControl.h"
+#include "model/TVKKeyset.h"
+#include "model/TVKLayer.h"
 #include "surface/TVK_Constant_Server.h"
 #include "views/CorvaneExpanderControllers.h"
+#include "views/CorvaneNVLayout.h"
 #include "views/CorvanePictures.h"
 #include "views/CorvaneSurfaceView.h"
 #include "views/TVKBundle.h"
+#include "views/TVKDisplayView.h"
 #include "views/TVKMainWindow.h"
 #include "views/TVKMultiStateButton.h"
 
 #include <QApplication>
+#include <QHelpEvent>
 #include <QJsonArray>
 #include <QTest>
+#include <QTextDocument>
+#include <QToolTip>
 #include <map>
 #include <set>
 
@@ -450,5 +462,132 @@ TEST_F(SurfaceControlsTest, EveryControlOfTheVirtualSurfaceTouchesItAndLightsWhe
             }
         }
         touch(&p);
+    }
+}
+
+namespace {
+
+// Every control and display of the first layer carries a user name naming its place in the
+// model, so that a tooltip shows which control it was asked for.
+QString placeName(int group, int index, bool display)
+{
+    return QStringLiteral("%1%2.%3").arg(QChar(display ? u'D' : u'U')).arg(group).arg(index);
+}
+
+void nameEveryControl(TVKLayer& layer)
+{
+    for (const auto* groups : {&layer.groups(), &layer.displayGroups()}) {
+        const bool displays = groups == &layer.displayGroups();
+        for (size_t g = 0; g < groups->size(); ++g) {
+            for (size_t i = 0; i < (*groups)[g].size(); ++i)
+                (*groups)[g][i]->setUserName(placeName(int(g), int(i), displays));
+        }
+    }
+}
+
+// What the tooltip over a control says: its name, the user's, and what it does in full.
+QString expectedToolTip(const TVKControl& control)
+{
+    const TVKAction* action = control.action();
+    const QString does = isAssigned(action) ? describeAction(*action, Detail::Full)
+                         : ControlType::isDisplayType(control.tvkControlType())
+                             ? QStringLiteral("No function assigned")
+                             : QStringLiteral("No action assigned");
+    return QStringLiteral("%1 “%2”\n%3").arg(control.name().simplified(), control.userName(), does);
+}
+
+// The tooltip a widget shows for the pointer resting at a point, in plain text.
+QString toolTipAt(QWidget* widget, QPoint point)
+{
+    QHelpEvent event(QEvent::ToolTip, point, widget->mapToGlobal(point));
+    QCoreApplication::sendEvent(widget, &event);
+    if (!QToolTip::isVisible())
+        return QString();
+    QTextDocument document;
+    document.setHtml(QToolTip::text());
+    return document.toPlainText();
+}
+
+} // namespace
+
+TEST_F(SurfaceControlsTest, EveryControlAndDisplayOfEveryUnitHasItsTooltip)
+{
+    CorvaneModelData stored;
+    nameEveryControl(*stored.keysetAtIndex(0)->layerAtIndex(0));
+    storeConfiguration(stored);
+    ASSERT_TRUE(startService({QStringLiteral("--window")}));
+    startApplication();
+    const std::vector<CorvaneSurfaceView*> surfaces = openEveryUnit();
+    const std::vector<Placement> placements = placementsIn(surfaces);
+    const TVKLayer& layer = *controller->modelData()->keysetAtIndex(0)->layerAtIndex(0);
+
+    // In the application's windows: every control where the placement table puts it, in every
+    // bank of the NV's banked pictures.
+    for (const Placement& p : placements) {
+        if (auto* banked = dynamic_cast<CorvaneBankedPicture*>(p.picture); banked && p.bank >= 0)
+            banked->setBank(p.bank);
+        const TVKControl& control = *layer.groups()[size_t(p.model.group)][size_t(p.model.index)];
+        EXPECT_EQ(toolTipAt(p.picture, p.point).toStdString(),
+                  expectedToolTip(control).toStdString())
+            << p;
+    }
+
+    // Every display of the model, in whichever window and bank shows it.
+    std::set<std::pair<int, int>> shown;
+    int cells = 0;
+    for (CorvaneSurfaceView* surface : surfaces) {
+        for (TVKDisplayView* view : surface->displays()) {
+            // The NV's button displays show one bank at a time.
+            int dataGroup = -1;
+            int dataIndex = -1;
+            const bool banked =
+                !view->cells().empty() &&
+                view->modelDisplayAt(view->cells().front().frame.center(), dataGroup, dataIndex) &&
+                dataGroup == nv::kButtonDisplayGroup;
+            for (int bank = 0; bank < (banked ? nv::kBanks : 1); ++bank) {
+                view->setBank(bank);
+                for (const TVKDisplayView::Cell& cell : view->cells()) {
+                    ++cells;
+                    const QString tip = toolTipAt(view, cell.frame.center());
+                    bool found = false;
+                    for (size_t g = 0; g < layer.displayGroups().size() && !found; ++g) {
+                        const TVKControlGroup& group = layer.displayGroups()[g];
+                        for (size_t i = 0; i < group.size() && !found; ++i) {
+                            if (tip == expectedToolTip(*group[i])) {
+                                found = true;
+                                shown.insert({int(g), int(i)});
+                            }
+                        }
+                    }
+                    EXPECT_TRUE(found) << surface->unit().toStdString() << " display group "
+                                       << view->tag() << " cell " << cell.display << " bank "
+                                       << bank << ": " << tip.toStdString();
+                }
+            }
+            view->setBank(0);
+        }
+    }
+    size_t displays = 0;
+    for (const TVKControlGroup& group : layer.displayGroups())
+        displays += group.size();
+    EXPECT_EQ(shown.size(), displays) << "displays drawn in no window, of " << cells << " cells";
+
+    // The virtual surface describes what the service would do: its own copy of the keyset.
+    for (const Placement& p : placements) {
+        if (p.bank > 0)
+            continue; // the virtual NV shows the first bank until one of its keys is touched
+        const QPoint point = p.inSurface();
+        const qsizetype from = mark();
+        service->command(QStringLiteral("tooltip %1 %2 %3")
+                             .arg(p.surface->unit())
+                             .arg(point.x())
+                             .arg(point.y()));
+        const auto line = service->waitFor(
+            [](const QJsonObject& l) { return l.contains(QStringLiteral("tooltip")); }, 5000, from);
+        ASSERT_TRUE(line.has_value()) << p;
+        const TVKControl& control = *layer.groups()[size_t(p.model.group)][size_t(p.model.index)];
+        EXPECT_EQ(line->value(QStringLiteral("tooltip")).toString().toStdString(),
+                  expectedToolTip(control).toStdString())
+            << p;
     }
 }

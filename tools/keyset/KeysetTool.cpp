@@ -1,6 +1,7 @@
 #include "KeysetTool.h"
 
 #include "KeysetSheetCommand.h"
+#include "actions/ActionDescription.h"
 #include "actions/TVKAction.h"
 #include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
@@ -37,7 +38,7 @@ bool looksLikeConfiguration(const PlistValue& root)
 }
 
 void describeGroups(QTextStream& out, const QString& keysetField, int layerNumber,
-                    const std::vector<TVKControlGroup>& groups, bool displays)
+                    const std::vector<TVKControlGroup>& groups, bool displays, bool readable)
 {
     const QString noAction =
         displays ? QStringLiteral("No Function Assigned") : QStringLiteral("No Action Assigned");
@@ -48,7 +49,9 @@ void describeGroups(QTextStream& out, const QString& keysetField, int layerNumbe
             if (!control)
                 continue;
             const TVKAction* action = control->action();
-            const QString description = action ? action->actionDescriptor() : noAction;
+            QString description = action ? action->actionDescriptor() : noAction;
+            if (readable)
+                description = isAssigned(action) ? describeAction(*action, Detail::Full) : noAction;
             out << keysetField << '\t' << layerNumber << '\t' << groupField << '\t'
                 << KeysetTool::escapeField(control->name()) << '\t'
                 << KeysetTool::escapeField(control->userName()) << '\t'
@@ -63,6 +66,8 @@ struct CommandLine
     QStringList files;
     PlistFormat format = PlistFormat::Xml;
     bool formatGiven = false;
+    bool readable = false; // describe: the human description in place of the descriptor
+    bool force = false;    // export-all: replace files that are there
     bool help = false;
     bool version = false;
     QString error;
@@ -94,6 +99,10 @@ CommandLine parseCommandLine(const QStringList& arguments)
             }
             line.format = format;
             line.formatGiven = true;
+        } else if (argument == u"--readable") {
+            line.readable = true;
+        } else if (argument == u"--force") {
+            line.force = true;
         } else if (argument == u"--store") {
             // The user's own preference store, wherever the desktop keeps it.
             if (line.command.isEmpty()) {
@@ -222,7 +231,7 @@ PlistValue KeysetTool::archiveDocument(const KeysetDocument& document)
     return PlistValue();
 }
 
-void KeysetTool::describe(TVKModelData& model, QTextStream& out)
+void KeysetTool::describe(TVKModelData& model, QTextStream& out, bool readable)
 {
     const int previousSelection = model.selectedKeysetIndex();
     for (int k = 0; k < model.numberOfKeysets(); ++k) {
@@ -235,8 +244,9 @@ void KeysetTool::describe(TVKModelData& model, QTextStream& out)
         for (const auto& layer : keyset->layers()) {
             if (!layer)
                 continue;
-            describeGroups(out, keysetField, layer->index() + 1, layer->groups(), false);
-            describeGroups(out, keysetField, layer->index() + 1, layer->displayGroups(), true);
+            describeGroups(out, keysetField, layer->index() + 1, layer->groups(), false, readable);
+            describeGroups(out, keysetField, layer->index() + 1, layer->displayGroups(), true,
+                           readable);
         }
     }
     model.setSelectedKeysetIndex(previousSelection);
@@ -291,14 +301,19 @@ QString KeysetTool::usage()
                "the user's preference store ($XDG_CONFIG_HOME/Tavrik/com.tavrik.CorvaneRS.plist).\n"
                "\n"
                "Commands:\n"
-               "  describe FILE             one line per control and display of every keyset:\n"
+               "  describe FILE [--readable]\n"
+               "                            one line per control and display of every keyset:\n"
                "                            KEYSET, LAYER (1-4), GROUP (model-data group, or D "
                "and\n"
                "                            the display group), CONTROL, USERNAME and "
                "DESCRIPTION,\n"
                "                            separated by tabs. Tabs and newlines inside a field "
                "are\n"
-               "                            written as \\t and \\n.\n"
+               "                            written as \\t and \\n. With --readable, DESCRIPTION "
+               "is\n"
+               "                            what the action does in full (\"Ctrl+Shift+S\",\n"
+               "                            \"Note On C4 (60) vel 100 · ch 1\") in place of its\n"
+               "                            descriptor.\n"
                "  convert IN OUT [--xml|--binary]\n"
                "                            reads IN into the model and writes the model back to\n"
                "                            OUT (XML unless --binary), replacing OUT atomically.\n"
@@ -314,6 +329,13 @@ QString KeysetTool::usage()
                "                            be restored, controls of unknown type and the "
                "controls\n"
                "                            after them, missing groups and controls.\n"
+               "  export-all STORE DIR [--force]\n"
+               "                            writes every keyset of STORE but keyset 0 as a keyset\n"
+               "                            file (NAME.CvKs, made safe and unique) into DIR, "
+               "making\n"
+               "                            DIR when it is missing, and prints each file written.\n"
+               "                            Files that are there already are replaced only with\n"
+               "                            --force; without it nothing is written.\n"
                "\n"
                "Options:\n"
                "  --help                    show this help and exit\n"
@@ -323,8 +345,11 @@ QString KeysetTool::usage()
                "  0   success (check: the file reads with nothing put right)\n"
                "  1   check: the file reads, but something was put right\n"
                "  2   the input file could not be read\n"
-               "  3   convert, sheet: the output file could not be written (it is left as it was)\n"
+               "  3   convert, sheet, export-all: an output file could not be written (it is\n"
+               "      left as it was)\n"
                "  4   sheet: the file holds no such keyset, or several and none was named\n"
+               "  5   export-all: files are in the way and --force was not given; nothing was\n"
+               "      written\n"
                "  64  the command line is not valid\n");
 }
 
@@ -374,16 +399,37 @@ int KeysetTool::run(const QStringList& arguments, QTextStream& out, QTextStream&
         return read;
     };
 
+    if (line.readable && line.command != u"describe")
+        return usageError(err, QStringLiteral("--readable belongs to describe"));
+    if (line.force && line.command != u"export-all")
+        return usageError(err, QStringLiteral("--force belongs to export-all"));
+
     if (line.command == u"describe") {
         if (line.formatGiven)
             return usageError(err, QStringLiteral("--xml and --binary belong to convert"));
-        if (!expectFiles(1, QStringLiteral("describe FILE")))
+        if (!expectFiles(1, QStringLiteral("describe FILE [--readable]")))
             return ExitUsage;
         KeysetReadResult read = readOrReport(line.files.first());
         if (!read.ok)
             return ExitUnreadable;
-        describe(*read.document.model, out);
+        describe(*read.document.model, out, line.readable);
         return ExitOk;
+    }
+
+    if (line.command == u"export-all") {
+        if (line.formatGiven)
+            return usageError(err, QStringLiteral("--xml and --binary belong to convert"));
+        if (!expectFiles(2, QStringLiteral("export-all STORE DIR [--force]")))
+            return ExitUsage;
+        KeysetReadResult read = readOrReport(line.files.at(0));
+        if (!read.ok)
+            return ExitUnreadable;
+        if (read.document.kind == KeysetDocumentKind::Keyset) {
+            err << kProgram << ": " << line.files.at(0)
+                << " is a keyset file, not a store of keysets\n";
+            return ExitUnreadable;
+        }
+        return exportAll(*read.document.model, line.files.at(1), line.force, out, err);
     }
 
     if (line.command == u"convert") {

@@ -53,11 +53,13 @@ public:
     enum ExitCode
     {
         ExitOk = 0,
-        ExitRepaired = 1,     // check: the file reads, but the model had to put something right
-        ExitUnreadable = 2,   // the input could not be read at all
-        ExitWriteFailed = 3,  // convert: the output could not be written (it is left as it was)
-        ExitNoSuchKeyset = 4, // sheet: the file holds no such keyset, or several and none named
-        ExitUsage = 64,       // bad command line
+        ExitRepaired = 1,      // check: the file reads, but the model had to put something right
+        ExitUnreadable = 2,    // the input could not be read at all
+        ExitWriteFailed = 3,   // convert, export-all: an output could not be written (it is left
+                               // as it was)
+        ExitNoSuchKeyset = 4,  // sheet: the file holds no such keyset, or several and none named
+        ExitFilesInTheWay = 5, // export-all: files are there and --force was not given
+        ExitUsage = 64,        // bad command line
     };
 
     static KeysetReadResult readDocument(const QString& path);
@@ -65,8 +67,13 @@ public:
     // a configuration, and a preference store keeps its other entries.
     static PlistValue archiveDocument(const KeysetDocument& document);
 
-    // One line per control and display of every keyset, layer and group, in model order.
-    static void describe(TVKModelData& model, QTextStream& out);
+    // One line per control and display of every keyset, layer and group, in model order; the
+    // human description of each action in place of its descriptor when readable.
+    static void describe(TVKModelData& model, QTextStream& out, bool readable = false);
+    // Every keyset but keyset 0 as a keyset file in the folder, which is made when missing. Files
+    // in the way are replaced only when forced; otherwise nothing is written.
+    static int exportAll(const TVKModelData& model, const QString& folder, bool force,
+                         QTextStream& out, QTextStream& err);
     // A repair as one line naming keyset, layer, group and control.
     static QString describeRepair(const ArchiveRepair& repair);
     // Tabs and newlines as \t and \n, so that every description stays one line of six

@@ -48,6 +48,10 @@ public:
     }
     // One JSON line on standard output.
     void emitLine(const QJsonObject& object);
+    // The configuration the service mirrors, and the keyset and layer it plays now.
+    ConfigMirror* mirror() const { return m_mirror.get(); }
+    std::uint32_t currentKeyset() const { return m_keyset; }
+    std::uint32_t currentLayer() const { return m_layer; }
 
 Q_SIGNALS:
     void finished();

@@ -1,10 +1,14 @@
 #include "VirtualSurface.h"
 
+#include "ConfigMirror.h"
 #include "ServiceSimulator.h"
+#include "views/ControlToolTips.h"
 #include "views/CorvaneSurfaceView.h"
+#include "views/TVKDisplayView.h"
 #include "views/TVKMultiStateButton.h"
 
 #include <QCoreApplication>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QScrollArea>
 
@@ -23,6 +27,8 @@ VirtualSurface::VirtualSurface(ServiceSimulator& simulator) : m_simulator(simula
             button->installEventFilter(this);
             button->setFocusPolicy(Qt::NoFocus);
         }
+        for (TVKDisplayView* display : surface->displays())
+            display->installEventFilter(this);
         auto* scroll = new QScrollArea;
         scroll->setWidget(surface);
         scroll->setAlignment(Qt::AlignCenter);
@@ -34,14 +40,42 @@ VirtualSurface::VirtualSurface(ServiceSimulator& simulator) : m_simulator(simula
     simulator.setExtraCommands([this](const QStringList& words) { return runCommand(words); });
 }
 
+TVKControl* VirtualSurface::controlUnder(QWidget* target, QPoint local) const
+{
+    ConfigMirror* mirror = m_simulator.mirror();
+    if (!mirror)
+        return nullptr;
+    const corvane::PictureScope scope{&mirror->modelData(), int(m_simulator.currentKeyset()),
+                                      int(m_simulator.currentLayer())};
+    if (auto* picture = qobject_cast<TVKMultiStateButton*>(target))
+        return corvane::controlAt(*picture, local, scope);
+    if (auto* view = qobject_cast<TVKDisplayView*>(target))
+        return corvane::displayAt(*view, local, scope);
+    return nullptr;
+}
+
+QString VirtualSurface::toolTipAt(const CorvaneSurfaceView& surface, QPoint point) const
+{
+    QWidget* target = surface.childAt(point);
+    const TVKControl* control =
+        target ? controlUnder(target, target->mapFrom(&surface, point)) : nullptr;
+    return control ? corvane::controlToolTip(*control) : QString();
+}
+
 bool VirtualSurface::runCommand(const QStringList& words)
 {
-    if (words.size() != 4 || words.at(0) != QLatin1String("click"))
+    if (words.size() != 4 ||
+        (words.at(0) != QLatin1String("click") && words.at(0) != QLatin1String("tooltip")))
         return false;
     for (CorvaneSurfaceView* surface : m_surfaces) {
         if (surface->unit() != words.at(1))
             continue;
         const QPoint at(words.at(2).toInt(), words.at(3).toInt());
+        if (words.at(0) == QLatin1String("tooltip")) {
+            m_simulator.emitLine({{QStringLiteral("tooltip"), toolTipAt(*surface, at)},
+                                  {QStringLiteral("unit"), surface->unit()}});
+            return true;
+        }
         QWidget* target = surface->childAt(at);
         if (!target)
             return true;
@@ -59,6 +93,13 @@ bool VirtualSurface::runCommand(const QStringList& words)
 
 bool VirtualSurface::eventFilter(QObject* watched, QEvent* event)
 {
+    // Tooltips describe what the service does with a control: its keyset's and layer's action.
+    if (event->type() == QEvent::ToolTip && watched->isWidgetType()) {
+        auto* widget = static_cast<QWidget*>(watched);
+        const auto* help = static_cast<const QHelpEvent*>(event);
+        corvane::showControlToolTip(*widget, *help, controlUnder(widget, help->pos()));
+        return true;
+    }
     auto* button = qobject_cast<TVKMultiStateButton*>(watched);
     if (!button ||
         (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::MouseButtonRelease &&

@@ -9,6 +9,7 @@
 
 class CorvaneSurfaceView;
 class ServiceSimulator;
+class TVKControl;
 class TVKMultiStateButton;
 
 // The surface without hardware: the same pictures as the application's windows, one tab per
@@ -21,8 +22,11 @@ public:
     explicit VirtualSurface(ServiceSimulator& simulator);
 
     // "click <unit> <x> <y>": a press and release at a point of a unit's picture, as the mouse
-    // gives them.
+    // gives them. "tooltip <unit> <x> <y>": the tooltip at that point, as a "tooltip" line.
     bool runCommand(const QStringList& words);
+    // The tooltip of the control or display at a point of a unit's picture, in the keyset and
+    // layer the service plays; empty off every control.
+    QString toolTipAt(const CorvaneSurfaceView& surface, QPoint point) const;
     // Lights the control (model-data group and index) and darkens the rest; the NV shows the
     // bank of the control lit.
     void light(std::uint32_t group, std::uint32_t control);
@@ -32,6 +36,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // The control or display under a point of a picture or display view of a unit.
+    TVKControl* controlUnder(QWidget* target, QPoint local) const;
     // The NV shows the bank of a key touched or lit there.
     void followNVBanks(int onscreenGroup, int onscreenControl);
 
