@@ -1,7 +1,7 @@
 // What a control does, in the desktop's words, where the user looks for it: the main window's
 // status line and the tooltips of the pictures, both following every edit, undo and layer.
-#include "ViewsFixture.h"
 #include "QtPrinters.h"
+#include "ViewsFixture.h"
 #include "actions/TVKKeySequenceAction.h"
 #include "actions/editors/KeyEventTranslator.h"
 #include "model/TVKControl.h"
