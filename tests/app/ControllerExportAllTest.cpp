@@ -158,25 +158,29 @@ TEST_F(ExportAllTest, AFileInTheWayIsReplacedOnlyWhenTheUserSaysSo)
             << files.at(f).toStdString();
     }
 
-    // Cancel stops the export where it is: what came before is written, nothing after.
+    // Every question comes before anything is written: Cancel leaves the folder as it was.
     QDir(folder).removeRecursively();
     QDir().mkpath(folder);
     put(path(files.at(2)), mine);
     views.alerts.clear();
+    views.progressReports.clear();
     views.folderAnswers.push_back(folder);
     views.alertAnswers = {1};
     controller->handleExportAllKeysets();
     EXPECT_EQ(views.alerts.size(), 1u);
-    EXPECT_TRUE(QFile::exists(path(files.at(0))));
-    EXPECT_TRUE(QFile::exists(path(files.at(1))));
+    EXPECT_EQ(QDir(folder).entryList(QDir::Files), QStringList{files.at(2)});
     EXPECT_EQ(contents(path(files.at(2))), mine);
-    EXPECT_EQ(QDir(folder).entryList(QDir::Files).size(), 3);
+    EXPECT_TRUE(views.progressReports.empty()) << "the progress ran before the questions";
 
-    // With no answer given the alert's default is taken: Skip.
+    // With no answer given the alert's default is taken: Skip. The progress counts only the
+    // files written.
     views.alerts.clear();
     views.folderAnswers.push_back(folder);
     controller->handleExportAllKeysets();
-    EXPECT_EQ(views.alerts.size(), 3u);
+    EXPECT_EQ(views.alerts.size(), 1u);
+    ASSERT_FALSE(views.progressReports.empty());
+    EXPECT_EQ(views.progressReports.back(),
+              std::make_pair(int(files.size()) - 1, int(files.size()) - 1));
     EXPECT_EQ(contents(path(files.at(2))), mine);
     EXPECT_EQ(QDir(folder).entryList(QDir::Files).size(), files.size());
 }
