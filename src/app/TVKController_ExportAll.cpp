@@ -64,7 +64,11 @@ void TVKController::handleExportAllKeysets()
     std::unique_ptr<TVKProgress> progress =
         m_views.dialogs->beginProgress(tr("Exporting keysets…"), int(toWrite.size()));
     for (size_t i = 0; i < toWrite.size(); ++i) {
-        const TVKKeyset* keyset = m_modelData->keysetAtIndex(toWrite[i]->keyset);
+        const TVKKeyset* keyset = toWrite[i]->keyset < m_modelData->numberOfKeysets()
+                                      ? m_modelData->keysetAtIndex(toWrite[i]->keyset)
+                                      : nullptr;
+        if (!keyset)
+            continue;
         if (progress) {
             // Showing the progress lets the dialog take the user's Cancel.
             progress->setProgress(int(i), tr("Exporting “%1”…").arg(keyset->name()));

@@ -228,7 +228,9 @@ public:
         : m_dialog(title, QObject::tr("Cancel"), 0, total, parent)
     {
         m_dialog.setWindowTitle(title);
-        m_dialog.setWindowModality(Qt::WindowModal);
+        // Nothing else is edited while the command runs: the keysets stay as they were asked
+        // about.
+        m_dialog.setWindowModality(Qt::ApplicationModal);
         m_dialog.setMinimumDuration(500);
         m_dialog.setAutoClose(true);
         m_dialog.setValue(0);

@@ -24,7 +24,7 @@ public:
     std::optional<QString> runTextInput(const QString& title, const QString& label,
                                         const QString& text) override;
     QString runFolderPanel(const QString& title) override;
-    // A progress dialog, modal to the window, shown once the work has taken half a second.
+    // A progress dialog, modal to the application, shown once the work has taken half a second.
     std::unique_ptr<TVKProgress> beginProgress(const QString& title, int total) override;
 
 private:
