@@ -8,6 +8,7 @@
 #include "surface/TVK_Constant_Server.h"
 #include "views/CorvaneSurfaceView.h"
 #include "views/TVKMenuBar.h"
+#include "views/TVKNextFrame.h"
 
 #include <QActionGroup>
 #include <QApplication>
@@ -169,10 +170,12 @@ TVKMainWindow::TVKMainWindow(CorvaneController& controller, TVKMenuBar* menuBar,
         updateLayerSelector();
         updateStatus();
     });
+    // The status line follows the selection on the next frame, not inside the touch's notice.
+    m_statusNextFrame = new TVKNextFrame(this, [this] { updateStatus(); });
     center.observeEach<note::SelectionChange, note::RemoteSelectionChange,
                        note::DisplaySelectionChange, note::RemoteDisplaySelectionChange,
                        note::UserNameChange, note::InspUpdate, note::UpdateKSum>(
-        m_observations, nullptr, [this] { updateStatus(); });
+        m_observations, nullptr, [this] { m_statusNextFrame->request(); });
     updateLayerSelector();
     updateConnection();
 }

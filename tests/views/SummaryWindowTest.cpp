@@ -60,6 +60,7 @@ TEST_F(SummaryTest, TheBrowserFollowsTheSelectionAndMovesIt)
     // A click on the picture: Play (group 1, control 3; the picture's fourth) of the keyset shown.
     TVKMultiStateButton& transport = button(mainSurface(), 1);
     clickSurface(mainSurface(), transport.geometry().topLeft() + insideControl(transport, 4));
+    nextFrame();
     EXPECT_EQ(browserPath(summary), (std::vector<int>{0, 0, 1, 3}));
 
     // Choosing another control in the browser selects it and tells the surface.
