@@ -184,10 +184,12 @@ TEST_F(SummaryTest, DeletingTheKeysetsTheSummaryShowsLeavesItOnTheNewSelection)
         const int group = count % 2;
         const int control = 3 * group;
         controller->selectionChangedInSummaryWindowToGroup(group, control);
+        nextFrame();
         ASSERT_EQ(browserPath(summary), (std::vector<int>{doomed, 0, group, control}));
         views.alertAnswers = {0};
         controller->handleDeleteKeyset();
         ASSERT_EQ(controller->modelData()->numberOfKeysets(), count - 1);
+        nextFrame();
         const std::vector<int> path = browserPath(summary);
         ASSERT_FALSE(path.empty());
         EXPECT_EQ(path.front(), controller->selectedKeyset());
