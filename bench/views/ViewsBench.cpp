@@ -1,6 +1,7 @@
 // The windows' costs: from the start of the program to the main window painted (with the sample
-// configuration and with fifty keysets), a touch on the surface to its picture repainted, and
-// the resident memory with every window open and fifty keysets.
+// configuration and with fifty keysets), a touch on the surface to its picture repainted, a touch
+// to its answer as the service sees it with every window open, the inspector's change of editor,
+// and the resident memory with every window open and fifty keysets.
 //
 // The start-up is measured on a child process (this program with --child), from the moment it
 // is launched to the first paint of the surface picture, the way a person sees it.
