@@ -96,8 +96,8 @@ NotificationCenter::Observation NotificationCenter::addObserver(QLatin1StringVie
     Observation observation;
     observation.m_center = this;
     observation.m_id = m_nextId++;
-    m_entries.push_back(
-        {observation.m_id, name, sender, std::make_shared<Handler>(std::move(handler))});
+    m_entries.push_back({observation.m_id, name, sender,
+                         std::make_shared<Registered>(Registered{std::move(handler)})});
     // The returned temporary is moved into the caller's variable; the move constructor keeps this
     // list pointing at wherever the observation finally lives.
     m_liveObservations.push_back(&observation);
@@ -106,9 +106,13 @@ NotificationCenter::Observation NotificationCenter::addObserver(QLatin1StringVie
 
 void NotificationCenter::remove(quint64 id)
 {
-    m_entries.erase(std::remove_if(m_entries.begin(), m_entries.end(),
-                                   [id](const Entry& e) { return e.id == id; }),
-                    m_entries.end());
+    const auto found =
+        std::lower_bound(m_entries.begin(), m_entries.end(), id,
+                         [](const Entry& e, quint64 wanted) { return e.id < wanted; });
+    if (found == m_entries.end() || found->id != id)
+        return;
+    found->registered->active = false;
+    m_entries.erase(found);
 }
 
 void NotificationCenter::deliver(QLatin1StringView name, const void* sender, const void* payload)
@@ -116,16 +120,16 @@ void NotificationCenter::deliver(QLatin1StringView name, const void* sender, con
     const Notification notification{name, sender, payload};
     // Deliver to the observers registered at the time of posting; one removed by an earlier
     // handler during this delivery is skipped.
-    std::vector<std::pair<quint64, std::shared_ptr<Handler>>> targets;
+    // A touch on the surface is answered from inside such a delivery, past a few thousand
+    // observers: each is found once, and one removed meanwhile is known by its flag.
+    std::vector<std::shared_ptr<Registered>> targets;
     for (const Entry& e : m_entries) {
         if ((e.name.isEmpty() || e.name == name) && (!e.sender || e.sender == sender))
-            targets.emplace_back(e.id, e.handler);
+            targets.push_back(e.registered);
     }
-    for (const auto& [id, handler] : targets) {
-        const bool stillRegistered = std::any_of(m_entries.begin(), m_entries.end(),
-                                                 [id = id](const Entry& e) { return e.id == id; });
-        if (stillRegistered)
-            (*handler)(notification);
+    for (const std::shared_ptr<Registered>& target : targets) {
+        if (target->active)
+            target->handler(notification);
     }
 }
 

@@ -131,12 +131,19 @@ public:
     std::size_t observerCount() const;
 
 private:
+    // Shared with the deliveries under way, which skip an observer removed meanwhile.
+    struct Registered
+    {
+        Handler handler;
+        bool active = true;
+    };
+    // In the order of their ids.
     struct Entry
     {
         quint64 id;
         QLatin1StringView name; // empty: every notice
         const void* sender;
-        std::shared_ptr<Handler> handler;
+        std::shared_ptr<Registered> registered;
     };
 
     Observation addObserver(QLatin1StringView name, const void* sender, Handler handler);

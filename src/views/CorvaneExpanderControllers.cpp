@@ -11,6 +11,7 @@
 #include "views/CorvaneSurfaceView.h"
 #include "views/TVKDisplayView.h"
 #include "views/TVKMenuBar.h"
+#include "views/TVKNextFrame.h"
 
 #include <QCloseEvent>
 #include <QLabel>
@@ -180,8 +181,10 @@ CorvaneNVController::CorvaneNVController(CorvaneController& master, TVKMenuBar* 
     });
 
     corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
+    // A bank change redraws the LCD buttons: on the next frame, after the touch is answered.
+    m_followNextFrame = new TVKNextFrame(this, [this] { followSelection(); });
     center.observeEach<note::SelectionChange, note::RemoteSelectionChange>(
-        m_observations, nullptr, [this] { followSelection(); });
+        m_observations, nullptr, [this] { m_followNextFrame->request(); });
     applyBanks();
 }
 

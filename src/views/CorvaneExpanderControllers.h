@@ -12,6 +12,7 @@ class CorvaneSurfaceView;
 class QLabel;
 class QMenu;
 class TVKMenuBar;
+class TVKNextFrame;
 
 // The window of one expander: the unit's picture, following the selection, the layer and the
 // finish, with a line naming the keyset and layer it shows. Made on first use by the main
@@ -124,4 +125,5 @@ private:
     QMenu* m_deleteMenu = nullptr;
     QMenu* m_selectMenu = nullptr;
     CorvaneNVBanks m_banks;
+    TVKNextFrame* m_followNextFrame = nullptr;
 };

@@ -15,6 +15,7 @@
 #include "model/TVKLayer.h"
 #include "model/TVKModelData.h"
 #include "views/TVKEditorView.h"
+#include "views/TVKNextFrame.h"
 #include "views/cpkr_ColorPicker.h"
 #include "views/editors/TVKBuiltInActionEditorView.h"
 #include "views/editors/TVKControlNamesEditorView.h"
@@ -42,8 +43,8 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QSlider>
-#include <QStackedLayout>
 #include <QVBoxLayout>
+#include <utility>
 
 namespace note = corvane::note;
 using corvane::ControlType::isDisplayType;
@@ -185,13 +186,16 @@ void InspectorController::awakeFromNib()
     column->addWidget(nameRow);
 
     m_editorContainer = new QWidget(m_panel);
-    m_editorStack = new QStackedLayout(m_editorContainer);
+    // Only the editor on screen stands in the container's layout: a layout holding all thirteen
+    // would measure every one of them, with every wrapped text, each time the panel is laid out.
+    m_editorLayout = new QVBoxLayout(m_editorContainer);
+    m_editorLayout->setContentsMargins(0, 0, 0, 0);
     m_placeholder =
         new QLabel(tr("Select a control or a display on the surface to edit it."), m_panel);
     m_placeholder->setAlignment(Qt::AlignCenter);
     m_placeholder->setWordWrap(true);
     m_placeholder->setForegroundRole(QPalette::PlaceholderText);
-    m_editorStack->addWidget(m_placeholder);
+    m_editorLayout->addWidget(m_placeholder);
     column->addWidget(m_editorContainer, 1);
 
     auto addSlider = [this](QWidget*& row, QSlider*& slider, const QString& title, int minimum,
@@ -266,18 +270,21 @@ void InspectorController::awakeFromNib()
             view = makeEditor(row.builtFor);
             if (row.iD)
                 view->setID(QString::fromLatin1(row.iD));
-            m_editorStack->addWidget(view);
             wireEditor(view);
         }
         m_editorList[size_t(type)] = view;
     }
     m_dzDisplayEditor = makeEditor(T::LCDDisplay);
-    m_editorStack->addWidget(m_dzDisplayEditor);
     wireEditor(m_dzDisplayEditor);
-    for (TVKEditorView* editor : m_editorList)
+    // The panel is as large as its largest editor from the start, so that it is placed whole on
+    // the screen and keeps its size whichever editor it shows.
+    QSize largest = m_placeholder->minimumSizeHint();
+    for (TVKEditorView* editor : m_editorList) {
         editor->hide();
+        largest = largest.expandedTo(editor->minimumSizeHint());
+    }
     m_dzDisplayEditor->hide();
-    m_editorStack->setCurrentWidget(m_placeholder);
+    m_editorContainer->setMinimumSize(largest.expandedTo(m_dzDisplayEditor->minimumSizeHint()));
 
     connect(m_userNameField, &QLineEdit::editingFinished, this,
             &InspectorController::handleUserNameChange);
@@ -306,6 +313,7 @@ void InspectorController::awakeFromNib()
             &InspectorController::handleCopyToAllLayersChange);
     updateDeleteActionButton();
     m_panel->resize(560, 600);
+    m_nextFrame = new TVKNextFrame(this, [this] { showEditedControl(); });
 }
 
 TVKEditorView* InspectorController::makeEditor(int kind)
@@ -471,16 +479,35 @@ QString InspectorController::pointerQueryProblem() const
 
 void InspectorController::updateForNewControl(TVKControl* control)
 {
+    // What is edited changes at once, so that an edit always reads the control it is for; the
+    // panel shows it on the next frame.
     m_theControl = control;
+    m_editedAction.setAction(control && control->action() ? control->action()->copyWithZone()
+                                                          : nullptr);
+    m_currentActionType = control ? m_editedAction.actionType() : 0;
+    m_wholePanelDue = true;
+    m_nextFrame->request();
+}
+
+void InspectorController::flushFrame()
+{
+    m_nextFrame->flush();
+}
+
+void InspectorController::showEditedControl()
+{
+    const bool whole = std::exchange(m_wholePanelDue, false);
+    const bool controlEditor = std::exchange(m_controlEditorDue, false);
+    if (!whole) {
+        if (controlEditor)
+            updateControlEditor();
+        return;
+    }
+    TVKControl* control = m_theControl;
     if (!control) {
-        m_editedAction.setAction(nullptr);
-        m_currentActionType = 0;
         updateDeleteActionButton();
         return;
     }
-    m_editedAction.setAction(control->action() ? control->action()->copyWithZone() : nullptr);
-    m_currentActionType = m_editedAction.actionType();
-
     QString prefix = QCoreApplication::translate("InfoPlist", "Inspector - ", "TVKInspectorName");
     if (prefix.isEmpty())
         prefix = QStringLiteral("This isn't working - ");
@@ -521,7 +548,8 @@ void InspectorController::handleControlPropertyChange(TVKControl* control, bool 
             m_controlIsADisplay = control && isDisplayType(control->tvkControlType());
         updateForNewControl(control);
     } else {
-        updateControlEditor();
+        m_controlEditorDue = true;
+        m_nextFrame->request();
     }
 }
 
@@ -536,10 +564,13 @@ void InspectorController::setEditor(int type)
 {
     if (type < 0 || type >= kEditorCount || type == m_selectedEditor)
         return;
-    if (TVKEditorView* old = currentEditor())
-        old->hide();
+    QWidget* old = currentEditor();
+    if (!old)
+        old = m_placeholder;
+    old->hide();
+    m_editorLayout->removeWidget(old);
     TVKEditorView* editor = m_editorList[size_t(type)];
-    m_editorStack->setCurrentWidget(editor);
+    m_editorLayout->addWidget(editor);
     editor->show();
     m_selectedEditor = type;
     m_brightnessRow->setVisible(type == corvane::ControlType::FourWay);

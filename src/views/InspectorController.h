@@ -15,10 +15,11 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 class QSlider;
-class QStackedLayout;
+class QVBoxLayout;
 class TVKController;
 class TVKEditorView;
 class TVKInstallation;
+class TVKNextFrame;
 
 // The inspector's floating panel. It never takes the keyboard from the surface windows by
 // appearing, and all of it is disabled while the keyset is locked.
@@ -51,8 +52,9 @@ public:
     InspectorPanel* panel() const { return m_panel; }
     const QString& nibName() const { return m_nibName; }
 
-    // Selection.
+    // Selection. The panel follows on the next frame; flushFrame() brings it up to date now.
     void updateForNewControl(TVKControl* control);
+    void flushFrame();
     void handleControlSelection(TVKControl* control);
     // visibleEditorUpdate: show the control afresh even when it is shown; fromSurface: the control
     // was touched on the surface.
@@ -116,6 +118,8 @@ private:
     class PointerQueries;
 
     void awakeFromNib();
+    // Shows what updateForNewControl() and the property changes asked for.
+    void showEditedControl();
     TVKEditorView* makeEditor(int kind);
     // Posts an edit for the controller, carrying the copy-to-all-layers choice.
     template <class Edit>
@@ -136,8 +140,11 @@ private:
     QWidget* m_sensitivityRow = nullptr;
     QWidget* m_joystickSensitivityRow = nullptr;
     QWidget* m_editorContainer = nullptr;
-    QStackedLayout* m_editorStack = nullptr;
+    QVBoxLayout* m_editorLayout = nullptr;
     QLabel* m_placeholder = nullptr;
+    TVKNextFrame* m_nextFrame = nullptr;
+    bool m_wholePanelDue = false;
+    bool m_controlEditorDue = false;
 
     // Indexed by control type; a view may stand at more than one index.
     std::array<TVKEditorView*, kEditorCount> m_editorList{};

@@ -10,6 +10,7 @@
 #include "model/TVKLayer.h"
 #include "surface/TVK_Constant_Server.h"
 #include "views/TVKBundle.h"
+#include "views/TVKNextFrame.h"
 
 #include <QAbstractScrollArea>
 #include <QColumnView>
@@ -460,8 +461,11 @@ KeysetSummaryController::KeysetSummaryController(TVKModelData& modelData, TVKCon
     });
 
     corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
+    // Going to the selection reads the columns again: done once per frame, after the touch has
+    // been answered.
+    m_followNextFrame = new TVKNextFrame(this, [this] { followSelection(); });
     center.observeEach<note::SelectionChange, note::RemoteSelectionChange>(
-        m_observations, nullptr, [this] { followSelection(); });
+        m_observations, nullptr, [this] { m_followNextFrame->request(); });
     center.observeEach<note::ControlPropertyChange, note::ShowUserNameChange, note::UpdateKSum,
                        note::KeysetCountChange>(m_observations, nullptr,
                                                 [this] { revalidateColumns(); });

@@ -12,6 +12,7 @@
 class QColumnView;
 class QLineEdit;
 class QTimer;
+class TVKNextFrame;
 class QTreeWidget;
 class QTreeWidgetItem;
 class TVKControl;
@@ -147,6 +148,7 @@ private:
     QLineEdit* m_search = nullptr;
     QTreeWidget* m_results = nullptr;
     QTimer* m_searchDelay = nullptr;
+    TVKNextFrame* m_followNextFrame = nullptr;
     bool m_following = false;
     // The selection the browser last went to.
     TVKSelection m_followed;

@@ -9,6 +9,7 @@
 #include "surface/TVK_Constant_Server.h"
 #include "views/CorvaneSurfaceView.h"
 #include "views/TVKMenuBar.h"
+#include "views/TVKNextFrame.h"
 
 #include <QActionGroup>
 #include <QApplication>
@@ -170,12 +171,14 @@ TVKMainWindow::TVKMainWindow(CorvaneController& controller, TVKMenuBar* menuBar,
         updateLayerSelector();
         updateStatus();
     });
+    // The status line follows the selection on the next frame, not inside the touch's notice.
+    m_statusNextFrame = new TVKNextFrame(this, [this] { updateStatus(); });
     center.observeEach<note::SelectionChange, note::RemoteSelectionChange,
                        note::DisplaySelectionChange, note::RemoteDisplaySelectionChange,
                        note::UserNameChange, note::InspUpdate, note::UpdateKSum,
                        note::ControlPropertyChange, note::ShowUserNameChange, note::EmulChg,
                        note::KeysetCountChange>(m_observations, nullptr,
-                                                [this] { updateStatus(); });
+                                                [this] { m_statusNextFrame->request(); });
     updateLayerSelector();
     updateConnection();
 }

@@ -12,6 +12,7 @@ class CorvaneSurfaceView;
 class QLabel;
 class QToolButton;
 class TVKMenuBar;
+class TVKNextFrame;
 
 // The main window: the keyset's name and icon, the layer selector, the lock and the connection
 // indicator above the picture of the RS main unit, and a status line that names the selected
@@ -66,5 +67,6 @@ private:
     QLabel* m_connectionText = nullptr;
     QToolButton* m_reconnect = nullptr;
     QLabel* m_status = nullptr;
+    TVKNextFrame* m_statusNextFrame = nullptr;
     std::vector<corvane::NotificationCenter::Observation> m_observations;
 };

@@ -32,8 +32,9 @@ namespace {
 
 // Whether the picture of an on-screen group shows the selected control: the selection is in that
 // group, or the group draws the selected control's model group a second time (the function keys
-// of the TLW and TLW2 beside the main unit's).
-bool showsSelection(const TVKController& controller, qint64 tag)
+// of the TLW and TLW2 beside the main unit's). `drawn` is the group's controls as the picture
+// keeps them: every picture asks on every touch, before the touch is answered.
+bool showsSelection(const TVKController& controller, qint64 tag, const QList<int>& drawn)
 {
     if (controller.displaySelected())
         return false;
@@ -41,7 +42,7 @@ bool showsSelection(const TVKController& controller, qint64 tag)
         return true;
     const TVK_Constant_Server* constants = controller.constantServer();
     const qint64 control = controller.selectedControl();
-    if (!constants || !constants->onscreenControlsInGroup(int(tag)).contains(int(control)))
+    if (!constants || !drawn.contains(int(control)))
         return false;
     int group = 0;
     int index = 0;
@@ -131,7 +132,7 @@ void TVKMultiStateButtonCell::stopTracking(QPointF point, bool mouseIsUp)
 void TVKMultiStateButtonCell::handleSelectedGroupChange()
 {
     const TVKController* controller = TVKController::c();
-    if (controller && !showsSelection(*controller, m_tag))
+    if (controller && !showsSelection(*controller, m_tag, m_button.groupControls()))
         setState(0);
 }
 
@@ -140,7 +141,7 @@ void TVKMultiStateButtonCell::remoteSelectionChange()
     const TVKController* controller = TVKController::c();
     if (!controller)
         return;
-    if (!showsSelection(*controller, m_tag)) {
+    if (!showsSelection(*controller, m_tag, m_button.groupControls())) {
         setState(0);
         return;
     }
@@ -477,7 +478,7 @@ qint64 TVKMultiStateButton::focusControl() const
     // While the picture shows the selection, the keyboard is on the selected control, even when
     // the selection moved here from elsewhere.
     const TVKController* controller = TVKController::c();
-    if (controller && m_cell->state() != 0 && showsSelection(*controller, m_tag) &&
+    if (controller && m_cell->state() != 0 && showsSelection(*controller, m_tag, m_controls) &&
         m_controls.contains(int(controller->selectedControl())))
         return controller->selectedControl();
     return controlForImageIndex(quint64(focusIndex()));

@@ -63,6 +63,7 @@ protected:
     template <typename Editor>
     Editor& tab(InspectorController& inspector, const char (&identifier)[5])
     {
+        nextFrame();
         TVKEditorView& view = *inspector.currentEditor();
         view.selectActionEditorWithIdentifier(fourCC(identifier));
         EXPECT_EQ(view.currentTabID(), fourCC(identifier));
@@ -166,6 +167,7 @@ TEST_F(InspectorTest, KeystrokesTypedIntoTheBoxAreEditsOfTheModelAndTheService)
     sequence = dynamic_cast<const TVKButtonKeySequenceAction*>(button->action());
     ASSERT_NE(sequence, nullptr);
     EXPECT_EQ(sequence->sequence()[1].character(), QStringLiteral("q"));
+    nextFrame();
     EXPECT_EQ(inspector.currentEditor()->actionDescriptor(), button->action()->actionDescriptor());
     ASSERT_TRUE(waitForCount(QStringLiteral("InAc"), 1, from));
     EXPECT_TRUE(serviceInStep());
@@ -222,6 +224,7 @@ TEST_F(InspectorTest, MIDIMouseSpecialAndBuiltInEditors)
     choose(midi.commandPopUp(), 0xC0);
     EXPECT_FALSE(midi.data2()->isVisibleTo(&midi));
     controller->undoManager().undo();
+    nextFrame();
     EXPECT_TRUE(midi.data2()->isVisibleTo(&midi)) << "the inspector shows the undone message";
 
     TVKControl* button = selectFirstOfType(ControlType::Button);
@@ -411,6 +414,7 @@ TEST_F(InspectorTest, TypedNumbersAreOneEditWhenTheFieldIsLeft)
     custom = dynamic_cast<const TVKEncoderMIDIAction*>(encoder->action());
     ASSERT_NE(custom, nullptr);
     EXPECT_EQ(custom->message()[1], 0);
+    nextFrame();
     EXPECT_EQ(midi.data1()->value(), 0);
     EXPECT_TRUE(serviceInStep());
 }
@@ -487,6 +491,7 @@ TEST_F(InspectorTest, ABuiltInCommandAndTheNameItGivesAreOneStep)
     EXPECT_EQ(stack.index(), steps);
     EXPECT_EQ(button->action(), nullptr);
     EXPECT_EQ(button->userName(), before);
+    nextFrame();
     EXPECT_EQ(inspector.userNameField()->text(), before);
     ASSERT_TRUE(waitForCount(QStringLiteral("InAc"), 1, mark2));
     ASSERT_TRUE(waitForCount(QStringLiteral("ChUN"), 1, mark2));
@@ -495,6 +500,7 @@ TEST_F(InspectorTest, ABuiltInCommandAndTheNameItGivesAreOneStep)
     // Redo gives both again, and a name typed afterwards is still no undo step.
     controller->undoManager().redo();
     EXPECT_EQ(button->userName(), name);
+    nextFrame();
     EXPECT_EQ(inspector.userNameField()->text(), name);
     ASSERT_NE(button->action(), nullptr);
     EXPECT_EQ(button->action()->actionType(), TVKButtonBuiltInAction::kActionType);

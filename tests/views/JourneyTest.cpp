@@ -210,6 +210,7 @@ protected:
     template <typename Editor>
     Editor& tab(const char (&identifier)[5])
     {
+        nextFrame();
         TVKEditorView& view = *app->inspector()->currentEditor();
         view.selectActionEditorWithIdentifier(fourCC(identifier));
         EXPECT_EQ(view.currentTabID(), fourCC(identifier));

@@ -143,6 +143,7 @@ TEST_F(ViewsTest, Screens)
     // Something selected, as a person would have it: the Play key, touched on the surface.
     service->command(QStringLiteral("send TCtl 1 3 0 1"));
     ASSERT_TRUE(spinUntil([&] { return controller->selectedGroup() == 1; }));
+    nextFrame();
 
     TVKMultiStateButton& play = *mainSurface().buttonWithTag(1);
     // The selection stays lit through every window and finish, at every scale.

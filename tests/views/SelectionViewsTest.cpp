@@ -72,12 +72,14 @@ protected:
             return !controller->displaySelected() && controller->modelDataGroupIndex() == group &&
                    controller->modelDataControlIndex() == index;
         }));
+        nextFrame();
     }
 
     // The controller, the inspector, the status line, the pictures and the surface name the
     // edited control or display after a step that began at `from`.
     void expectEverywhere(const Edit& edit, qsizetype from, const std::vector<qint64>& darkened)
     {
+        nextFrame();
         const TVKSelection s = controller->selection();
         TVKModelData& model = *controller->modelData();
         TVKControl* object =

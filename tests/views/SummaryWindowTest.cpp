@@ -65,6 +65,7 @@ TEST_F(SummaryTest, TheBrowserFollowsTheSelectionAndMovesIt)
     // A click on the picture: Play (group 1, control 3; the picture's fourth) of the keyset shown.
     TVKMultiStateButton& transport = button(mainSurface(), 1);
     clickSurface(mainSurface(), transport.geometry().topLeft() + insideControl(transport, 4));
+    nextFrame();
     EXPECT_EQ(browserPath(summary), (std::vector<int>{0, 0, 1, 3}));
 
     // Choosing another control in the browser selects it and tells the surface.
@@ -188,10 +189,12 @@ TEST_F(SummaryTest, DeletingTheKeysetsTheSummaryShowsLeavesItOnTheNewSelection)
         const int group = count % 2;
         const int control = 3 * group;
         controller->selectionChangedInSummaryWindowToGroup(group, control);
+        nextFrame();
         ASSERT_EQ(browserPath(summary), (std::vector<int>{doomed, 0, group, control}));
         views.alertAnswers = {0};
         controller->handleDeleteKeyset();
         ASSERT_EQ(controller->modelData()->numberOfKeysets(), count - 1);
+        nextFrame();
         const std::vector<int> path = browserPath(summary);
         ASSERT_FALSE(path.empty());
         EXPECT_EQ(path.front(), controller->selectedKeyset());

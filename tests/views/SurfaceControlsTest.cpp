@@ -299,6 +299,8 @@ TEST_F(SurfaceControlsTest, ATouchOfEveryControlOnTheSurfaceLightsItsPicture)
     for (const ModelControl& model : everyControl()) {
         service->command(QStringLiteral("send TCtl %1 %2 0 1").arg(model.group).arg(model.index));
         ASSERT_TRUE(spinUntil([&] { return selected(model); })) << model << " was not selected";
+        // The NV shows the touched control's bank on the next frame.
+        nextFrame();
         // Every picture that draws the control lights it: the TLW's function keys beside the
         // main unit's.
         std::set<const TVKMultiStateButton*> lit;

@@ -8,6 +8,7 @@
 #include "views/CorvaneSurfaceView.h"
 #include "views/TVKMainWindow.h"
 #include "views/TVKMultiStateButton.h"
+#include "views/TVKNextFrame.h"
 
 #include <QApplication>
 #include <QDir>
@@ -113,6 +114,12 @@ void ViewsTest::installCatalogue()
         target));
 }
 
+void ViewsTest::nextFrame()
+{
+    ASSERT_TRUE(spinUntil([] { return TVKNextFrame::pendingCount() == 0; }));
+    QCoreApplication::processEvents();
+}
+
 TVKControl* ViewsTest::selectFirstOfType(int type)
 {
     TVKModelData* model = controller->modelData();
@@ -129,6 +136,7 @@ TVKControl* ViewsTest::selectFirstOfType(int type)
                 controller->handleDisplay(qint64(index), qint64(group));
             else
                 controller->selectionChangedInSummaryWindowToGroup(qint64(group), qint64(index));
+            nextFrame();
             return groups[group][index].get();
         }
     return nullptr;

@@ -33,6 +33,9 @@ protected:
     // Selects the first control (or display) of a control type in the selected layer as a touch
     // on the surface (a click on a display) does; none when the surface has no such control.
     TVKControl* selectFirstOfType(int type);
+    // Lets the windows draw their next frame: they follow a selection or an edit there, not
+    // inside its notice, so a step taken without the event loop waits for it.
+    void nextFrame();
     // Puts the shipped built-in command catalogue where the editors read it, as the installer
     // does; call before the application starts.
     void installCatalogue();

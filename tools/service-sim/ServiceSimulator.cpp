@@ -10,6 +10,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSocketNotifier>
+#include <chrono>
 #include <cstdio>
 #include <unistd.h>
 #include <utility>
@@ -111,8 +112,17 @@ bool ServiceSimulator::start()
     return true;
 }
 
-void ServiceSimulator::emitLine(const QJsonObject& object)
+qint64 ServiceSimulator::now()
 {
+    return std::chrono::duration_cast<std::chrono::microseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+void ServiceSimulator::emitLine(QJsonObject object, qint64 at)
+{
+    if (m_options.timestamps)
+        object.insert(QStringLiteral("us"), at < 0 ? now() : at);
     const QByteArray line = QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
     std::fwrite(line.constData(), 1, std::size_t(line.size()), stdout);
     std::fflush(stdout);
@@ -125,6 +135,7 @@ void ServiceSimulator::error(const QString& text)
 
 QByteArray ServiceSimulator::receive(const MessageFrame& frame)
 {
+    const qint64 at = m_options.timestamps ? now() : -1;
     const bool request = frame.flags & MessageFrame::WantsReply;
     if (!m_options.quiet) {
         QJsonObject line{{QStringLiteral("code"), codeForJson(frame.code)}};
@@ -149,7 +160,7 @@ QByteArray ServiceSimulator::receive(const MessageFrame& frame)
         } else {
             line.insert(QStringLiteral("data"), QString::fromLatin1(frame.body.toBase64()));
         }
-        emitLine(line);
+        emitLine(line, at);
     }
 
     if (request) {
@@ -255,10 +266,12 @@ bool ServiceSimulator::sendToApplication(MessageID id, const QByteArray& body)
 bool ServiceSimulator::touch(std::uint32_t group, std::uint32_t control, std::uint32_t value)
 {
     const TVK_OutgoingControlStateSpec body{group, control, 0, value};
+    const qint64 at = m_options.timestamps ? now() : -1;
     if (!sendToApplication(msg::TCtl, body.data()))
         return false;
     emitLine(
-        {{QStringLiteral("touched"), QJsonArray{qint64(group), qint64(control), qint64(value)}}});
+        {{QStringLiteral("touched"), QJsonArray{qint64(group), qint64(control), qint64(value)}}},
+        at);
     return true;
 }
 
@@ -301,8 +314,10 @@ bool ServiceSimulator::runCommand(const QString& line)
             // reply: what a busy service does when a touch and a request cross.
             m_beforeReply.push_back(*message);
             emitLine({{QStringLiteral("held"), code}});
-        } else if (sendToApplication(message->id, message->body)) {
-            emitLine({{QStringLiteral("sent"), code}});
+        } else {
+            const qint64 at = m_options.timestamps ? now() : -1;
+            if (sendToApplication(message->id, message->body))
+                emitLine({{QStringLiteral("sent"), code}}, at);
         }
         return true;
     }

@@ -30,6 +30,7 @@ public:
         bool surfaceConnected = true;
         bool quiet = false;       // no line per frame (throughput measurements)
         bool readCommands = true; // false: run until terminated, whatever standard input does
+        bool timestamps = false;  // every line says when it happened ("us")
     };
 
     ServiceSimulator(const Options& options, std::unique_ptr<ConfigMirror> mirror);
@@ -46,8 +47,10 @@ public:
     {
         m_extraCommands = std::move(handler);
     }
-    // One JSON line on standard output.
-    void emitLine(const QJsonObject& object);
+    // One JSON line on standard output; `at` is when it happened (now when not given), in
+    // microseconds of the system's monotonic clock, which every process reads alike.
+    void emitLine(QJsonObject object, qint64 at = -1);
+    static qint64 now();
     // The configuration the service mirrors, and the keyset and layer it plays now.
     ConfigMirror* mirror() const { return m_mirror.get(); }
     std::uint32_t currentKeyset() const { return m_keyset; }

@@ -61,8 +61,13 @@ int main(int argc, char** argv)
     const QCommandLineOption backgroundOption(
         QStringLiteral("background"),
         QStringLiteral("Read no commands: run until terminated, as a background service does."));
-    parser.addOptions(
-        {configOption, disconnectedOption, quietOption, windowOption, backgroundOption});
+    const QCommandLineOption timestampsOption(
+        QStringLiteral("timestamps"),
+        QStringLiteral("Say on every line when it happened: \"us\", microseconds of the "
+                       "system's monotonic clock (a message received: when it arrived; one sent: "
+                       "when its sending began)."));
+    parser.addOptions({configOption, disconnectedOption, quietOption, windowOption,
+                       backgroundOption, timestampsOption});
     parser.process(app);
 
     ServiceSimulator::Options options;
@@ -71,6 +76,7 @@ int main(int argc, char** argv)
     options.surfaceConnected = !parser.isSet(disconnectedOption);
     options.quiet = parser.isSet(quietOption);
     options.readCommands = !parser.isSet(backgroundOption);
+    options.timestamps = parser.isSet(timestampsOption);
 
     auto mirror = std::make_unique<ConfigMirror>();
     QString reason;
