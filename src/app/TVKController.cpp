@@ -270,11 +270,13 @@ void TVKController::replayJournal()
     QString error;
     // Not over a damaged journal that could not be moved aside: its edits are worth more than
     // the protection of this run's.
-    if (keptAs.isNull() && (!contents.damaged.isEmpty() || !contents.error.isEmpty()))
-        corvane::log(QStringLiteral("recovery journal left as it is; this run's edits are not "
-                                    "journaled"));
-    else if (!m_journal->open(&error))
-        corvane::log(QStringLiteral("recovery journal cannot be opened: %1").arg(error));
+    if (keptAs.isNull() && (!contents.damaged.isEmpty() || !contents.error.isEmpty())) {
+        // Tried again later: once it can go aside, a new journal takes its place.
+        m_journalMustGoAside = true;
+        setEditsUnprotected(tr("the damaged recovery journal could not be moved aside"));
+    } else if (!m_journal->open(&error)) {
+        setEditsUnprotected(error);
+    }
     const bool damaged = !contents.damaged.isEmpty();
     if (applied == 0 && refused == 0 && !damaged) {
         if (alreadyStored)
@@ -400,18 +402,6 @@ void TVKController::awakeFromNib()
     m_amIAwake = true;
     if (m_isWindowAwake)
         windowAndControllerAwake(true);
-}
-
-void TVKController::journal(corvane::MessageID id, const QByteArray& body)
-{
-    if (!m_journalPaused && m_journal && m_journal->isOpen() && isConfigurationMessage(id))
-        m_journal->append(id, int(selectedKeyset()), body);
-}
-
-void TVKController::journalChange(corvane::MessageID id, qint64 keyset, quint32 state)
-{
-    if (m_journal && m_journal->isOpen())
-        m_journal->append(id, int(keyset), TVK_OneIntSpec(state).data());
 }
 
 void TVKController::windowAndControllerAwake(bool secondInspector)
@@ -578,11 +568,13 @@ bool TVKController::writeDataToDefaults()
     if (stored)
         m_storedConfiguration = written;
     else
-        corvane::log(QStringLiteral("the configuration could not be saved: %1").arg(error));
+        m_storeFailure = QStringLiteral("the configuration could not be saved: %1").arg(error);
+    if (!stored && !m_quietStoreFailure)
+        corvane::log(m_storeFailure);
     saveGlobalDefaults();
     // Only a written store makes the journal's records redundant.
-    if (stored && m_journal && m_journal->isOpen())
-        m_journal->clear();
+    if (stored)
+        journalEmptied();
     return stored;
 }
 

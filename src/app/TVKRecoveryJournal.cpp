@@ -245,6 +245,7 @@ bool TVKRecoveryJournal::open(QString* error)
     m_fd = fd;
     // A torn record is cut off, so the next record follows the last whole one. (A journal with
     // damage in it was moved aside before it is opened again.)
+    m_size = keep;
     bool ok = ::ftruncate(fd, keep) == 0 && ::lseek(fd, keep, SEEK_SET) == keep;
     if (ok && keep == 0)
         ok = writeHeader();
@@ -255,6 +256,7 @@ bool TVKRecoveryJournal::open(QString* error)
         ::close(fd);
         return false;
     }
+    m_failure.clear();
     return true;
 }
 
@@ -272,12 +274,11 @@ bool TVKRecoveryJournal::append(corvane::MessageID id, int editedKeyset, const Q
     put32(out, quint32(payload));
     put32(out + 4, crc32(out + kRecordHeaderSize, payload));
     if (!writeAll(m_fd, record.constData(), record.size())) {
-        corvane::log(QStringLiteral("recovery journal %1: %2")
-                         .arg(m_path, QString::fromLocal8Bit(strerror(errno))));
-        close();
+        fail(QString::fromLocal8Bit(strerror(errno)));
         return false;
     }
     ++m_records;
+    m_size += record.size();
     scheduleSync();
     return true;
 }
@@ -288,10 +289,13 @@ bool TVKRecoveryJournal::clear()
     m_dirty = false;
     if (m_fd < 0)
         return QFile::remove(m_path) || !QFile::exists(m_path);
-    const bool ok = ::ftruncate(m_fd, 0) == 0 && ::lseek(m_fd, 0, SEEK_SET) == 0 && writeHeader();
-    if (ok)
-        ::fdatasync(m_fd);
-    return ok;
+    m_size = 0;
+    if (::ftruncate(m_fd, 0) != 0 || ::lseek(m_fd, 0, SEEK_SET) != 0 || !writeHeader()) {
+        fail(QString::fromLocal8Bit(strerror(errno)));
+        return false;
+    }
+    ::fdatasync(m_fd);
+    return true;
 }
 
 void TVKRecoveryJournal::sync()
@@ -323,7 +327,22 @@ bool TVKRecoveryJournal::writeHeader()
     std::memcpy(header, kMagic, sizeof(kMagic));
     put32(header + sizeof(kMagic), quint32(m_epoch));
     put32(header + sizeof(kMagic) + 4, quint32(m_epoch >> 32));
-    return writeAll(m_fd, header, kHeaderSize);
+    if (!writeAll(m_fd, header, kHeaderSize))
+        return false;
+    m_size += kHeaderSize;
+    return true;
+}
+
+void TVKRecoveryJournal::fail(const QString& what)
+{
+    // What part of the record reached the file is taken back: the next record, once the journal
+    // is writable again, follows the last whole one. A journal that cannot even be cut back is
+    // read up to its last whole record all the same.
+    if (::ftruncate(m_fd, m_size) != 0)
+        m_size = ::lseek(m_fd, 0, SEEK_END);
+    m_failure = what;
+    corvane::log(QStringLiteral("recovery journal %1: %2").arg(m_path, what));
+    close();
 }
 
 void TVKRecoveryJournal::close()

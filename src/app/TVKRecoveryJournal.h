@@ -66,14 +66,22 @@ public:
     // Opens the file for appending, keeping the whole records it holds and dropping a torn tail.
     bool open(QString* error = nullptr);
     bool isOpen() const { return m_fd >= 0; }
-    // Appends one record; false when it could not be written (the journal is then closed, and
-    // the edit lives on in memory and in the service as before).
+    // Appends one record; false when it could not be written (a full disk, a file size limit):
+    // what was written of it is taken back, so that the file still ends in a whole record, and
+    // the journal is closed with the reason in failure(). The edit lives on in memory and in the
+    // service; open() makes the journal writable again.
     bool append(corvane::MessageID id, int editedKeyset, const QByteArray& body);
-    // Empties the journal: the store now holds everything it had.
+    // Empties the journal: the store now holds everything it had. False (and closed, as after a
+    // failed append) when the file could not be emptied.
     bool clear();
     // Flushes what was appended to the disk now.
     void sync();
+    void close();
     qint64 recordCount() const { return m_records; }
+    // The file's length: its header and every record appended.
+    qint64 size() const { return m_size; }
+    // Why the last append or clear failed; empty once the journal is opened again.
+    const QString& failure() const { return m_failure; }
     // Stored with the configuration when it is written: a store that carries the journal's
     // epoch already holds every record of it (the run ended between writing the store and
     // emptying the journal), so they are not applied twice.
@@ -83,12 +91,15 @@ public:
 
 private:
     void scheduleSync();
-    void close();
     bool writeHeader();
+    // Closes the journal after a write that failed with errno.
+    void fail(const QString& what);
 
     QString m_path;
     int m_fd = -1;
     qint64 m_records = 0;
+    qint64 m_size = 0;
+    QString m_failure;
     quint64 m_epoch = 0;
     bool m_dirty = false;
     QTimer* m_syncTimer = nullptr;

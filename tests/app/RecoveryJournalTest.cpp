@@ -1,3 +1,4 @@
+#include "FileSizeLimit.h"
 #include "app/TVKRecoveryJournal.h"
 #include "service/MessageCatalogue.h"
 
@@ -149,4 +150,54 @@ TEST(RecoveryJournal, EmptiedWithANewEpochAndNeverReadFromAStranger)
     other.write("<?xml version=\"1.0\"?>\n<plist/>\n");
     other.close();
     EXPECT_FALSE(TVKRecoveryJournal(other.fileName()).read().error.isEmpty());
+}
+
+// A write that does not fit (a full disk; here the file size limit, which holds for root too)
+// fails after writing part of the record: that part is taken back, so the file still ends in a
+// whole record, the journal closes with the reason, and opened again it goes on after the last
+// whole record.
+TEST(RecoveryJournal, AFailedWriteLeavesTheFileWholeAndOpensAgain)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("journal"));
+    TVKRecoveryJournal journal(path);
+    ASSERT_TRUE(journal.open());
+    ASSERT_TRUE(journal.append(corvane::messageID("ChLa"), 1, QByteArray("kept")));
+    const qint64 whole = QFileInfo(path).size();
+    EXPECT_EQ(journal.size(), whole);
+    for (const qint64 room : {qint64(0), qint64(5), qint64(40)}) {
+        SCOPED_TRACE(room);
+        {
+            FileSizeLimit full(rlim_t(whole + room));
+            ASSERT_TRUE(full.lowered());
+            EXPECT_FALSE(journal.append(msg::Emul, 2, QByteArray(64, 'x')));
+        }
+        EXPECT_FALSE(journal.isOpen());
+        EXPECT_TRUE(journal.failure().contains(QStringLiteral("large")))
+            << qPrintable(journal.failure());
+        EXPECT_EQ(QFileInfo(path).size(), whole) << "part of the failed record stayed";
+        EXPECT_EQ(journal.size(), whole);
+        // Closed, it refuses quietly until it is opened again.
+        EXPECT_FALSE(journal.append(msg::Emul, 2, QByteArray("while closed")));
+        const TVKRecoveryJournal::Contents contents = journal.read();
+        EXPECT_FALSE(contents.tornTail);
+        EXPECT_TRUE(contents.damaged.isEmpty());
+        ASSERT_EQ(contents.records.size(), 1u);
+        ASSERT_TRUE(journal.open());
+        EXPECT_TRUE(journal.failure().isEmpty());
+    }
+    ASSERT_TRUE(journal.append(corvane::messageID("ChCo"), 3, QByteArray("after")));
+    const TVKRecoveryJournal::Contents contents = journal.read();
+    ASSERT_EQ(contents.records.size(), 2u);
+    EXPECT_EQ(contents.records[1].body, QByteArray("after"));
+    EXPECT_EQ(journal.size(), QFileInfo(path).size());
+
+    // Emptying it needs room for its header; without, it closes as well.
+    {
+        FileSizeLimit full(0);
+        ASSERT_TRUE(full.lowered());
+        EXPECT_FALSE(journal.clear());
+    }
+    EXPECT_FALSE(journal.isOpen());
+    EXPECT_TRUE(journal.read().records.empty());
 }
