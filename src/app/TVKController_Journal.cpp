@@ -23,10 +23,10 @@ namespace {
 // doubles what is written to the disk.
 constexpr qint64 kCompactionRecords = 1000;
 constexpr qint64 kCompactionMinBytes = 1 << 20;
-// Written when the edits pause for this long, never inside an edit or a touch; a journal four
-// times over its limit is compacted at the next turn of the event loop, pause or not.
+// Written when the edits pause for this long, never inside an edit or a touch; a journal twice
+// over its limit is compacted at the next turn of the event loop, pause or not.
 constexpr int kCompactionPauseMs = 1000;
-constexpr int kCompactionOverdue = 4;
+constexpr int kCompactionOverdue = 2;
 // How soon a journal that cannot be written is tried again, doubling up to the longest wait.
 constexpr int kRetryFirstMs = 1000;
 constexpr int kRetryLongestMs = 8000;

@@ -1,4 +1,5 @@
 // The windows driven as a person drives them, against the real simulated service.
+#include "FileSizeLimit.h"
 #include "ViewsFixture.h"
 #include "core/Notifications.h"
 #include "core/StoredKeys.h"
@@ -14,6 +15,7 @@
 #include "views/TVKMultiStateButton.h"
 
 #include <QAction>
+#include <QLabel>
 #include <QMenu>
 #include <QScreen>
 #include <QTest>
@@ -323,4 +325,29 @@ TEST_F(ViewsTest, WindowsComeBackWhereTheyWereAndTheDisplaysStayOpen)
     EXPECT_EQ(app->mainWindow()->geometry(), frame);
     // None of it is configuration.
     EXPECT_FALSE(controller->defaults().objectForKey(key::ModelData).contains(key::WindowFrames));
+}
+
+// A journal write that fails (a full disk, here the file size limit) puts a warning in the main
+// window's status line, with the reason in its tooltip, until the journal is writable again.
+TEST_F(ViewsTest, TheStatusLineSaysWhileEditsAreNotProtected)
+{
+    startApplication();
+    TVKMainWindow& main = *app->mainWindow();
+    EXPECT_TRUE(main.protectionText().isEmpty());
+    const auto* warning = main.findChild<QLabel*>(QStringLiteral("EditsUnprotected"));
+    ASSERT_NE(warning, nullptr);
+    {
+        FileSizeLimit full(0);
+        ASSERT_TRUE(full.lowered());
+        controller->undoableSetUserName(QStringLiteral("Punch"), 0, 0, 0, 0, false);
+        EXPECT_FALSE(main.protectionText().isEmpty());
+        EXPECT_TRUE(warning->toolTip().contains(QStringLiteral("large")))
+            << qPrintable(warning->toolTip());
+        // Another edit says nothing new.
+        const QString said = main.protectionText();
+        controller->undoableSetUserName(QStringLiteral("Punch 2"), 0, 0, 0, 0, false);
+        EXPECT_EQ(main.protectionText(), said);
+    }
+    ASSERT_TRUE(spinUntil([&] { return main.protectionText().isEmpty(); }, 4000));
+    EXPECT_TRUE(warning->isHidden());
 }
