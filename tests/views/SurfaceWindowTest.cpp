@@ -1,11 +1,14 @@
 // The windows driven as a person drives them, against the real simulated service.
 #include "FileSizeLimit.h"
 #include "ViewsFixture.h"
+#include "app/TVKRecoveryJournal.h"
 #include "core/Notifications.h"
 #include "core/StoredKeys.h"
+#include "core/TVKUserDefaults.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
+#include "service/ConfigurationEdits.h"
 #include "views/CorvaneExpanderControllers.h"
 #include "views/CorvanePictures.h"
 #include "views/CorvaneSurfaceView.h"
@@ -276,6 +279,24 @@ TEST_F(ViewsTest, TheNVShowsTheBankOfTheButtonTouchedAndGroupsItsButtons)
     EXPECT_EQ(model->corvaneNVGroupForButtonWithID(26), 0);
     ASSERT_EQ(controller->selectGroupMenu().size(), 1u);
     EXPECT_EQ(controller->selectGroupMenu().front()->text(), QStringLiteral("Strings"));
+
+    // The group reached the service, and the recovery journal keeps it: the stored
+    // configuration with the journal applied, as the next start after a crash reads it, has it.
+    EXPECT_TRUE(waitForCount(QStringLiteral("TUNV"), 2, 0));
+    EXPECT_TRUE(serviceInStep());
+    const PlistValue stored = TVKUserDefaults(storePath).objectForKey(key::ModelData);
+    std::unique_ptr<TVKModelData> recovered = stored.isDict()
+                                                  ? controller->makeModelDataWithArchive(stored)
+                                                  : controller->makeModelData();
+    for (const TVKRecoveryJournal::Record& record :
+         TVKRecoveryJournal(TVKRecoveryJournal::pathBeside(storePath)).read().records)
+        ASSERT_TRUE(applyConfigurationMessage(*recovered, record.id, record.body,
+                                              record.editedKeyset, nullptr));
+    PlistValue mine = PlistValue::makeDict();
+    controller->modelData()->writeTo(mine);
+    PlistValue theirs = PlistValue::makeDict();
+    recovered->writeTo(theirs);
+    EXPECT_EQ(theirs.value(key::Keysets), mine.value(key::Keysets));
 }
 
 TEST_F(ViewsTest, TheVirtualSurfaceTouchesControlsAndLightsTheSelection)
