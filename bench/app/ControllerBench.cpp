@@ -263,10 +263,13 @@ void BM_CatchUpFiftyKeysets(benchmark::State& state)
         sim.waitForReadyRead(100);
     CorvaneController controller;
     controller.awakeFromNib();
-    TVKModelData& model = *controller.modelData();
+    const int keysets = controller.modelData()->numberOfKeysets();
     const int changed = int(state.range(0));
-    for (int k = 0; k < changed; ++k)
-        model.keysetAtIndex(k * model.numberOfKeysets() / std::max(changed, 1))->setLocked(true);
+    // Changed as the user changes them, through the recovery journal.
+    for (int k = 0; k < changed; ++k) {
+        controller.setSelectedKeyset(k * keysets / std::max(changed, 1));
+        controller.setKeysetLockState(true);
+    }
     std::vector<double> micros;
     for (auto _ : state) {
         const Clock::time_point start = Clock::now();
@@ -335,7 +338,7 @@ void BM_JournalThousandEdits(benchmark::State& state)
     state.counters["journal_largest_MB"] = double(largest) / 1e6;
     state.counters["store_MB"] = double(QFileInfo(controller.defaults().path()).size()) / 1e6;
     state.counters["compactions_without_pause"] = compactions;
-    // The pause: the compaction runs and the journal is left with its header.
+    // The pause: the compaction runs when the journal is over its limit, leaving the snapshot.
     const QDeadlineTimer pause(2500);
     while (!pause.hasExpired())
         QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
@@ -343,39 +346,44 @@ void BM_JournalThousandEdits(benchmark::State& state)
 }
 BENCHMARK(BM_JournalThousandEdits)->Arg(0)->Arg(1)->Iterations(1)->Unit(benchmark::kMillisecond);
 
-// What a compaction costs the window: the turn of the event loop in which the store is written
-// once the edits have paused, on the sample configuration and on fifty keysets.
+// What a compaction costs the window: the turn of the event loop in which the journal is replaced
+// by a snapshot once the edits have paused, on the sample configuration and on fifty keysets.
 void compactionStall(benchmark::State& state, const corvane::PlistValue& configuration)
 {
     Home home(configuration);
     CorvaneController controller;
     controller.awakeFromNib();
     const QString journal = TVKRecoveryJournal::pathBeside(controller.defaults().path());
+    const qint64 store = QFileInfo(controller.defaults().path()).size();
     controller.setSelectedKeyset(1);
     controller.handleCopyKeyset();
     std::vector<double> stalls;
+    qint64 snapshot = 0;
     for (auto _ : state) {
         state.PauseTiming();
-        // Whole-keyset edits until the journal is as large as the store, then the pause.
-        const qint64 store = QFileInfo(controller.defaults().path()).size();
-        for (int n = 0; QFileInfo(journal).size() < store; ++n) {
+        // Whole-keyset edits until the journal has grown by the store's size, then the pause.
+        const qint64 start = QFileInfo(journal).size();
+        for (int n = 0; QFileInfo(journal).size() < start + store; ++n) {
             controller.setSelectedKeyset(2 + n % 2);
             controller.handlePasteKeyset();
         }
+        const qint64 grown = QFileInfo(journal).size();
         state.ResumeTiming();
         double longest = 0;
         const QDeadlineTimer pause(5000);
-        while (QFileInfo(journal).size() > 16 && !pause.hasExpired()) {
-            const Clock::time_point start = Clock::now();
+        while (QFileInfo(journal).size() >= grown && !pause.hasExpired()) {
+            const Clock::time_point begin = Clock::now();
             QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-            longest = std::max(longest, since(start));
+            longest = std::max(longest, since(begin));
         }
-        if (QFileInfo(journal).size() > 16)
+        if (QFileInfo(journal).size() >= grown)
             state.SkipWithError("the journal was not compacted");
+        snapshot = QFileInfo(journal).size();
         stalls.push_back(longest);
     }
     percentiles(state, stalls);
-    state.counters["store_MB"] = double(QFileInfo(controller.defaults().path()).size()) / 1e6;
+    state.counters["store_MB"] = double(store) / 1e6;
+    state.counters["snapshot_MB"] = double(snapshot) / 1e6;
 }
 
 void BM_CompactionStallSample(benchmark::State& state)

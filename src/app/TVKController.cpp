@@ -5,6 +5,7 @@
 #include "core/Log.h"
 #include "core/MoveAside.h"
 #include "core/Notifications.h"
+#include "core/PlistCodec.h"
 #include "core/StoredKeys.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
@@ -257,7 +258,23 @@ void TVKController::replayJournal()
     if (m_modelData && !alreadyStored) {
         for (const TVKRecoveryJournal::Record& record : contents.records) {
             QString reason;
-            if (applyJournalRecord(record.id, record.editedKeyset, record.body, &reason)) {
+            if (record.id == TVKRecoveryJournal::Snapshot) {
+                // A compacted journal: the configuration as it was then, with the edits it holds.
+                const corvane::PlistReadResult snapshot = corvane::PlistCodec::read(record.body);
+                const PlistValue& configuration =
+                    snapshot.ok ? snapshot.value.value(key::ModelData) : PlistValue();
+                if (configuration.isDict()) {
+                    m_modelData = makeModelDataWithArchive(configuration);
+                    updateKeysetsMenu();
+                    applied += int(snapshot.value.value(key::Count).toInteger());
+                } else {
+                    ++refused;
+                    corvane::log(QStringLiteral("recovery journal: the snapshot could not be "
+                                                "read: %1")
+                                     .arg(snapshot.ok ? QStringLiteral("no configuration")
+                                                      : snapshot.error.toString()));
+                }
+            } else if (applyJournalRecord(record.id, record.editedKeyset, record.body, &reason)) {
                 ++applied;
             } else {
                 ++refused;
@@ -568,9 +585,7 @@ bool TVKController::writeDataToDefaults()
     if (stored)
         m_storedConfiguration = written;
     else
-        m_storeFailure = QStringLiteral("the configuration could not be saved: %1").arg(error);
-    if (!stored && !m_quietStoreFailure)
-        corvane::log(m_storeFailure);
+        corvane::log(QStringLiteral("the configuration could not be saved: %1").arg(error));
     saveGlobalDefaults();
     // Only a written store makes the journal's records redundant.
     if (stored)

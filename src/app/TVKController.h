@@ -439,8 +439,11 @@ protected:
     void appendToJournal(corvane::MessageID id, qint64 keyset, const QByteArray& body);
     void journalEmptied();
     void compactJournal();
+    bool writeJournalSnapshot(QString* error);
     void retryJournal();
     void setEditsUnprotected(const QString& reason);
+    // The keyset and owner messages that turn the stored configuration into the model's.
+    void sendChangesSinceStored();
     // Applies one journaled change over the model at start-up.
     bool applyJournalRecord(corvane::MessageID id, int editedKeyset, const QByteArray& body,
                             QString* reason);
@@ -514,8 +517,7 @@ protected:
     bool m_terminated = false;
     bool m_journalPaused = false;
     bool m_journalMustGoAside = false;
-    bool m_quietStoreFailure = false;
-    QString m_storeFailure;
+    qint64 m_editsSinceStored = 0;
     QString m_editsUnprotected;
     qint64 m_storedSize = 0;
     int m_journalRetryMs = 0;

@@ -1,12 +1,19 @@
-// The recovery journal as the controller keeps it: every edit of the user's goes in; the store is
-// written when the journal has grown as large as a written store would be, once the edits pause,
-// so that the journal stays short and a crash costs little to recover; and a journal that cannot
-// be written (a full disk) is made writable again as soon as it can be, the user being told
-// meanwhile that the edits are not protected.
+// The recovery journal as the controller keeps it: every edit of the user's goes in; once the
+// journal has grown as large as the stored configuration and the edits pause, it is compacted into
+// one snapshot of the configuration, so that it stays short and a crash costs little to recover;
+// and a journal that cannot be written (a full disk) is made writable again as soon as it can be,
+// the user being told meanwhile that the edits are not protected.
+//
+// Compacting writes a snapshot, not the store: a service reads the store when it starts, and the
+// application brings a returning service in step from the store it last wrote, so the store
+// changes only when the application saves (on quit, when the port sheet closes).
 #include "app/TVKController.h"
 #include "app/TVKRecoveryJournal.h"
 #include "core/Log.h"
 #include "core/MoveAside.h"
+#include "core/PlistCodec.h"
+#include "core/StoredKeys.h"
+#include "model/TVKModelData.h"
 #include "service/ConfigurationEdits.h"
 #include "service/TVK_MessageSpecs.h"
 
@@ -15,15 +22,18 @@
 #include <QTimer>
 #include <algorithm>
 
+namespace key = corvane::key;
+using corvane::PlistValue;
+
 namespace {
 
-// The store is written once the journal holds this many records, or as many bytes as the store
-// itself (at least kCompactionMinBytes): replaying a journal longer than that would cost more
-// than reading the store, and writing the store once per store's worth of journal at most
-// doubles what is written to the disk.
+// The journal is compacted once it holds this many records, or as many bytes as the store (at
+// least kCompactionMinBytes), beyond its last snapshot: replaying more would cost more than
+// reading a snapshot, and writing one per snapshot's worth of journal at most doubles what is
+// written to the disk.
 constexpr qint64 kCompactionRecords = 1000;
 constexpr qint64 kCompactionMinBytes = 1 << 20;
-// Written when the edits pause for this long, never inside an edit or a touch; a journal twice
+// Compacted when the edits pause for this long, never inside an edit or a touch; a journal twice
 // over its limit is compacted at the next turn of the event loop, pause or not.
 constexpr int kCompactionPauseMs = 1000;
 constexpr int kCompactionOverdue = 2;
@@ -46,7 +56,9 @@ void TVKController::journalChange(corvane::MessageID id, qint64 keyset, quint32 
 
 void TVKController::appendToJournal(corvane::MessageID id, qint64 keyset, const QByteArray& body)
 {
-    // A journal that is not open is being tried again; the edit is in the model and the service.
+    ++m_editsSinceStored;
+    // A journal that is not open is being tried again; the edit is in the model and the service,
+    // and the snapshot that opens the journal again will hold it.
     if (!m_journal || !m_journal->isOpen())
         return;
     if (!m_journal->append(id, int(keyset), body)) {
@@ -54,8 +66,8 @@ void TVKController::appendToJournal(corvane::MessageID id, qint64 keyset, const 
         return;
     }
     const qint64 byteLimit = std::max(kCompactionMinBytes, m_storedSize);
-    const qint64 records = m_journal->recordCount();
-    const qint64 bytes = m_journal->size();
+    const qint64 records = m_journal->recordCount() - m_journal->baseRecords();
+    const qint64 bytes = m_journal->size() - m_journal->baseSize();
     if (records < kCompactionRecords && bytes < byteLimit)
         return;
     if (!m_journalCompaction) {
@@ -71,16 +83,33 @@ void TVKController::appendToJournal(corvane::MessageID id, qint64 keyset, const 
         m_journalCompaction->start(0);
 }
 
+bool TVKController::writeJournalSnapshot(QString* error)
+{
+    if (!m_journal || !m_modelData)
+        return false;
+    PlistValue snapshot = PlistValue::makeDict(2);
+    PlistValue configuration = PlistValue::makeDict();
+    m_modelData->writeTo(configuration);
+    snapshot.insert(key::ModelData, std::move(configuration));
+    snapshot.insert(key::Count, PlistValue(m_editsSinceStored));
+    return m_journal->compact(corvane::PlistCodec::write(snapshot, corvane::PlistFormat::Binary),
+                              error);
+}
+
 void TVKController::compactJournal()
 {
-    if (m_terminated || !m_journal || !m_journal->isOpen() || m_journal->recordCount() == 0)
+    if (m_terminated || !m_journal || !m_journal->isOpen() ||
+        m_journal->recordCount() == m_journal->baseRecords())
         return;
-    // A store that cannot be written now leaves the journal as it is; the next edit tries again.
-    writeDataToDefaults();
+    // A journal that cannot be compacted now stays as it is; the next edit tries again.
+    QString error;
+    if (!writeJournalSnapshot(&error))
+        corvane::log(QStringLiteral("recovery journal not compacted: %1").arg(error));
 }
 
 void TVKController::journalEmptied()
 {
+    m_editsSinceStored = 0;
     if (m_defaults)
         m_storedSize = QFileInfo(m_defaults->path()).size();
     if (m_journalCompaction)
@@ -103,23 +132,13 @@ void TVKController::retryJournal()
         }
         m_journalMustGoAside = false;
     }
-    if (!m_journal->open(&error)) {
+    // The edits made while the journal was closed are in no journal: a snapshot takes them all,
+    // and the journal goes on from it.
+    if (!writeJournalSnapshot(&error)) {
         setEditsUnprotected(error);
         return;
     }
-    // The edits made while the journal was closed are in no journal: the store takes them all,
-    // and the journal starts again from it. Until the store can be written, a journal without
-    // them would replay later edits over a configuration that lacks them, so it stays closed.
-    m_quietStoreFailure = true;
-    const bool stored = writeDataToDefaults();
-    m_quietStoreFailure = false;
-    if (!stored) {
-        m_journal->close();
-        setEditsUnprotected(m_storeFailure);
-        return;
-    }
-    if (m_journal->isOpen())
-        setEditsUnprotected(QString());
+    setEditsUnprotected(QString());
 }
 
 void TVKController::setEditsUnprotected(const QString& reason)

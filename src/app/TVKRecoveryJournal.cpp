@@ -257,6 +257,8 @@ bool TVKRecoveryJournal::open(QString* error)
         return false;
     }
     m_failure.clear();
+    m_baseSize = m_size;
+    m_baseRecords = m_records;
     return true;
 }
 
@@ -264,15 +266,7 @@ bool TVKRecoveryJournal::append(corvane::MessageID id, int editedKeyset, const Q
 {
     if (m_fd < 0)
         return false;
-    const qsizetype payload = kPayloadHeaderSize + body.size();
-    QByteArray record(kRecordHeaderSize + payload, Qt::Uninitialized);
-    char* out = record.data();
-    put32(out + kRecordHeaderSize, quint32(id));
-    put32(out + kRecordHeaderSize + 4, quint32(qint32(editedKeyset)));
-    std::memcpy(out + kRecordHeaderSize + kPayloadHeaderSize, body.constData(),
-                size_t(body.size()));
-    put32(out, quint32(payload));
-    put32(out + 4, crc32(out + kRecordHeaderSize, payload));
+    const QByteArray record = encodeRecord(id, editedKeyset, body);
     if (!writeAll(m_fd, record.constData(), record.size())) {
         fail(QString::fromLocal8Bit(strerror(errno)));
         return false;
@@ -283,9 +277,55 @@ bool TVKRecoveryJournal::append(corvane::MessageID id, int editedKeyset, const Q
     return true;
 }
 
+QByteArray TVKRecoveryJournal::encodeRecord(corvane::MessageID id, int editedKeyset,
+                                            const QByteArray& body)
+{
+    const qsizetype payload = kPayloadHeaderSize + body.size();
+    QByteArray record(kRecordHeaderSize + payload, Qt::Uninitialized);
+    char* out = record.data();
+    put32(out + kRecordHeaderSize, quint32(id));
+    put32(out + kRecordHeaderSize + 4, quint32(qint32(editedKeyset)));
+    std::memcpy(out + kRecordHeaderSize + kPayloadHeaderSize, body.constData(),
+                size_t(body.size()));
+    put32(out, quint32(payload));
+    put32(out + 4, crc32(out + kRecordHeaderSize, payload));
+    return record;
+}
+
+bool TVKRecoveryJournal::compact(const QByteArray& snapshot, QString* error)
+{
+    // Written beside the journal and renamed over it once it is on the disk, so that a crash at
+    // any moment leaves either the old journal or the new one, whole.
+    const QString next = m_path + QStringLiteral(".new");
+    const QByteArray nextName = QFile::encodeName(next);
+    const int fd = ::open(nextName.constData(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    const quint64 epoch = QRandomGenerator::system()->generate64();
+    const QByteArray record = encodeRecord(Snapshot, -1, snapshot);
+    const bool written = fd >= 0 && writeHeader(fd, epoch) &&
+                         writeAll(fd, record.constData(), record.size()) && ::fdatasync(fd) == 0 &&
+                         ::rename(nextName.constData(), QFile::encodeName(m_path).constData()) == 0;
+    if (!written) {
+        if (error)
+            *error = QStringLiteral("%1: %2").arg(next, QString::fromLocal8Bit(strerror(errno)));
+        if (fd >= 0)
+            ::close(fd);
+        ::unlink(nextName.constData());
+        return false;
+    }
+    close();
+    m_fd = fd;
+    m_epoch = epoch;
+    m_records = m_baseRecords = 1;
+    m_size = m_baseSize = kHeaderSize + record.size();
+    m_dirty = false;
+    m_failure.clear();
+    return true;
+}
+
 bool TVKRecoveryJournal::clear()
 {
     m_records = 0;
+    m_baseRecords = 0;
     m_dirty = false;
     if (m_fd < 0)
         return QFile::remove(m_path) || !QFile::exists(m_path);
@@ -295,6 +335,7 @@ bool TVKRecoveryJournal::clear()
         return false;
     }
     ::fdatasync(m_fd);
+    m_baseSize = m_size;
     return true;
 }
 
@@ -323,14 +364,19 @@ void TVKRecoveryJournal::scheduleSync()
 bool TVKRecoveryJournal::writeHeader()
 {
     m_epoch = QRandomGenerator::system()->generate64();
-    char header[kHeaderSize];
-    std::memcpy(header, kMagic, sizeof(kMagic));
-    put32(header + sizeof(kMagic), quint32(m_epoch));
-    put32(header + sizeof(kMagic) + 4, quint32(m_epoch >> 32));
-    if (!writeAll(m_fd, header, kHeaderSize))
+    if (!writeHeader(m_fd, m_epoch))
         return false;
     m_size += kHeaderSize;
     return true;
+}
+
+bool TVKRecoveryJournal::writeHeader(int fd, quint64 epoch)
+{
+    char header[kHeaderSize];
+    std::memcpy(header, kMagic, sizeof(kMagic));
+    put32(header + sizeof(kMagic), quint32(epoch));
+    put32(header + sizeof(kMagic) + 4, quint32(epoch >> 32));
+    return writeAll(fd, header, kHeaderSize);
 }
 
 void TVKRecoveryJournal::fail(const QString& what)

@@ -201,3 +201,44 @@ TEST(RecoveryJournal, AFailedWriteLeavesTheFileWholeAndOpensAgain)
     EXPECT_FALSE(journal.isOpen());
     EXPECT_TRUE(journal.read().records.empty());
 }
+
+// Compacting replaces the journal by one snapshot record under a new epoch, and opens it even
+// after a failed write had closed it; a compaction that cannot be written keeps the old journal.
+TEST(RecoveryJournal, CompactedIntoOneSnapshotOrKeptAsItWas)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("journal"));
+    TVKRecoveryJournal journal(path);
+    ASSERT_TRUE(journal.open());
+    ASSERT_TRUE(journal.append(corvane::messageID("ChLa"), 1, QByteArray("one")));
+    const QByteArray before = [&] {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }();
+    {
+        FileSizeLimit full(rlim_t(QFileInfo(path).size()));
+        ASSERT_TRUE(full.lowered());
+        EXPECT_FALSE(journal.compact(QByteArray(4096, 's')));
+        EXPECT_FALSE(journal.append(corvane::messageID("ChLa"), 1, QByteArray(4096, 'x')));
+    }
+    EXPECT_FALSE(journal.isOpen());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), before) << "the old journal was not kept as it was";
+    file.close();
+    EXPECT_FALSE(QFileInfo::exists(path + QStringLiteral(".new")));
+
+    const quint64 epoch = journal.epoch();
+    ASSERT_TRUE(journal.compact(QByteArray("snapshot")));
+    EXPECT_TRUE(journal.isOpen());
+    EXPECT_NE(journal.epoch(), epoch);
+    EXPECT_EQ(journal.baseSize(), journal.size());
+    ASSERT_TRUE(journal.append(corvane::messageID("ChCo"), 2, QByteArray("after")));
+    const TVKRecoveryJournal::Contents contents = journal.read();
+    ASSERT_EQ(contents.records.size(), 2u);
+    EXPECT_EQ(contents.records[0].id, TVKRecoveryJournal::Snapshot);
+    EXPECT_EQ(contents.records[0].body, QByteArray("snapshot"));
+    EXPECT_EQ(contents.records[1].body, QByteArray("after"));
+    EXPECT_EQ(contents.epoch, journal.epoch());
+    EXPECT_EQ(journal.recordCount() - journal.baseRecords(), 1);
+}
