@@ -171,6 +171,7 @@ void TVKController::readStoredModel()
 {
     m_defaults = std::make_unique<corvane::TVKUserDefaults>(m_storePath);
     m_journal = std::make_unique<TVKRecoveryJournal>(TVKRecoveryJournal::pathBeside(m_storePath));
+    m_storedSize = QFileInfo(m_defaults->path()).size();
 
     QString damage;
     if (m_defaults->state() == corvane::TVKUserDefaults::State::Unreadable) {
