@@ -3,6 +3,7 @@
 #include "ViewsFixture.h"
 #include "app/TVKRecoveryJournal.h"
 #include "core/Notifications.h"
+#include "core/PlistCodec.h"
 #include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 #include "model/CorvaneModelData.h"
@@ -289,9 +290,17 @@ TEST_F(ViewsTest, TheNVShowsTheBankOfTheButtonTouchedAndGroupsItsButtons)
                                                   ? controller->makeModelDataWithArchive(stored)
                                                   : controller->makeModelData();
     for (const TVKRecoveryJournal::Record& record :
-         TVKRecoveryJournal(TVKRecoveryJournal::pathBeside(storePath)).read().records)
+         TVKRecoveryJournal(TVKRecoveryJournal::pathBeside(storePath)).read().records) {
+        // A compacted journal starts from its snapshot of the configuration.
+        if (record.id == TVKRecoveryJournal::Snapshot) {
+            const PlistReadResult snapshot = PlistCodec::read(record.body);
+            ASSERT_TRUE(snapshot.ok);
+            recovered = controller->makeModelDataWithArchive(snapshot.value.value(key::ModelData));
+            continue;
+        }
         ASSERT_TRUE(applyConfigurationMessage(*recovered, record.id, record.body,
                                               record.editedKeyset, nullptr));
+    }
     PlistValue mine = PlistValue::makeDict();
     controller->modelData()->writeTo(mine);
     PlistValue theirs = PlistValue::makeDict();
