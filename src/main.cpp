@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QIcon>
 #include <QTimer>
+#include <csignal>
 #include <cstdio>
 #include <memory>
 
@@ -78,6 +79,9 @@ int main(int argc, char** argv)
         // A termination signal from now on is kept until the program can honour it.
         corvane::TerminationSignals::catchEarly();
     }
+    // A file size limit (ulimit -f) makes a write that passes it fail, like a full disk, rather
+    // than end the program: the recovery journal and the store report it and carry on.
+    std::signal(SIGXFSZ, SIG_IGN);
     std::unique_ptr<QCoreApplication> application =
         windowless ? std::make_unique<QGuiApplication>(argc, argv)
                    : std::make_unique<QApplication>(argc, argv);

@@ -1,7 +1,8 @@
 // The controller against a service over the real sockets: how long start-up takes to the first
 // connection check, how fast a touch on the surface comes back as the two highlight messages,
 // what an edit copied to all layers and its undo cost, how long quitting takes with fifty
-// keysets, bringing a service that came back in step, and one record of the recovery journal.
+// keysets, bringing a service that came back in step, and the recovery journal: one record, a
+// thousand edits with the journal kept short, and what keeping it short costs the window.
 #include "ConfigGenerator.h"
 #include "actions/TVKMIDIAction.h"
 #include "app/CorvaneController.h"
@@ -20,6 +21,7 @@
 
 #include <QDeadlineTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -261,10 +263,13 @@ void BM_CatchUpFiftyKeysets(benchmark::State& state)
         sim.waitForReadyRead(100);
     CorvaneController controller;
     controller.awakeFromNib();
-    TVKModelData& model = *controller.modelData();
+    const int keysets = controller.modelData()->numberOfKeysets();
     const int changed = int(state.range(0));
-    for (int k = 0; k < changed; ++k)
-        model.keysetAtIndex(k * model.numberOfKeysets() / std::max(changed, 1))->setLocked(true);
+    // Changed as the user changes them, through the recovery journal.
+    for (int k = 0; k < changed; ++k) {
+        controller.setSelectedKeyset(k * keysets / std::max(changed, 1));
+        controller.setKeysetLockState(true);
+    }
     std::vector<double> micros;
     for (auto _ : state) {
         const Clock::time_point start = Clock::now();
@@ -288,6 +293,110 @@ BENCHMARK(BM_CatchUpFiftyKeysets)
     ->Arg(50)
     ->Iterations(5)
     ->Unit(benchmark::kMillisecond);
+
+// A thousand edits in a row on the sample configuration, each followed by one turn of the event
+// loop (never the pause the compaction waits for): small edits (a control's user name, Arg 0) or
+// whole-keyset edits (a keyset pasted over another, Arg 1). Reports each edit's cost, the longest
+// turn of the loop after an edit (where a compaction that could not wait runs), the journal's
+// largest size and its size once the edits have paused (the compaction having run).
+void BM_JournalThousandEdits(benchmark::State& state)
+{
+    Home home(sample());
+    CorvaneController controller;
+    controller.awakeFromNib();
+    const QString journal = TVKRecoveryJournal::pathBeside(controller.defaults().path());
+    const bool keysets = state.range(0) == 1;
+    if (keysets) {
+        controller.setSelectedKeyset(1);
+        controller.handleCopyKeyset();
+    }
+    std::vector<double> edits;
+    std::vector<double> turns;
+    qint64 largest = 0;
+    int compactions = 0;
+    for (auto _ : state) {
+        for (int n = 0; n < 1000; ++n) {
+            Clock::time_point start = Clock::now();
+            if (keysets) {
+                controller.setSelectedKeyset(2 + n % 2);
+                controller.handlePasteKeyset();
+            } else {
+                controller.undoableSetUserName(QStringLiteral("Edit %1").arg(n), 1, 0, 0, n % 8,
+                                               false);
+            }
+            edits.push_back(since(start));
+            const qint64 size = QFileInfo(journal).size();
+            largest = std::max(largest, size);
+            start = Clock::now();
+            QCoreApplication::processEvents();
+            turns.push_back(since(start));
+            compactions += QFileInfo(journal).size() < size;
+        }
+    }
+    percentiles(state, edits, "edit_");
+    state.counters["longest_turn_ms"] = *std::max_element(turns.begin(), turns.end()) / 1000;
+    state.counters["journal_largest_MB"] = double(largest) / 1e6;
+    state.counters["store_MB"] = double(QFileInfo(controller.defaults().path()).size()) / 1e6;
+    state.counters["compactions_without_pause"] = compactions;
+    // The pause: the compaction runs when the journal is over its limit, leaving the snapshot.
+    const QDeadlineTimer pause(2500);
+    while (!pause.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    state.counters["journal_after_pause_B"] = double(QFileInfo(journal).size());
+}
+BENCHMARK(BM_JournalThousandEdits)->Arg(0)->Arg(1)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+// What a compaction costs the window: the turn of the event loop in which the journal is replaced
+// by a snapshot once the edits have paused, on the sample configuration and on fifty keysets.
+void compactionStall(benchmark::State& state, const corvane::PlistValue& configuration)
+{
+    Home home(configuration);
+    CorvaneController controller;
+    controller.awakeFromNib();
+    const QString journal = TVKRecoveryJournal::pathBeside(controller.defaults().path());
+    const qint64 store = QFileInfo(controller.defaults().path()).size();
+    controller.setSelectedKeyset(1);
+    controller.handleCopyKeyset();
+    std::vector<double> stalls;
+    qint64 snapshot = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        // Whole-keyset edits until the journal has grown by the store's size, then the pause.
+        const qint64 start = QFileInfo(journal).size();
+        for (int n = 0; QFileInfo(journal).size() < start + store; ++n) {
+            controller.setSelectedKeyset(2 + n % 2);
+            controller.handlePasteKeyset();
+        }
+        const qint64 grown = QFileInfo(journal).size();
+        state.ResumeTiming();
+        double longest = 0;
+        const QDeadlineTimer pause(5000);
+        while (QFileInfo(journal).size() >= grown && !pause.hasExpired()) {
+            const Clock::time_point begin = Clock::now();
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+            longest = std::max(longest, since(begin));
+        }
+        if (QFileInfo(journal).size() >= grown)
+            state.SkipWithError("the journal was not compacted");
+        snapshot = QFileInfo(journal).size();
+        stalls.push_back(longest);
+    }
+    percentiles(state, stalls);
+    state.counters["store_MB"] = double(store) / 1e6;
+    state.counters["snapshot_MB"] = double(snapshot) / 1e6;
+}
+
+void BM_CompactionStallSample(benchmark::State& state)
+{
+    compactionStall(state, sample());
+}
+BENCHMARK(BM_CompactionStallSample)->Iterations(3)->Unit(benchmark::kMillisecond);
+
+void BM_CompactionStallFiftyKeysets(benchmark::State& state)
+{
+    compactionStall(state, fiftyKeysets());
+}
+BENCHMARK(BM_CompactionStallFiftyKeysets)->Iterations(2)->Unit(benchmark::kMillisecond);
 
 void BM_JournalAppend(benchmark::State& state)
 {

@@ -243,6 +243,27 @@ void CorvaneController::handleCorvaneNVMenuItems(QAction* item)
         window->handleCorvaneNVMenuItem(item);
 }
 
+void CorvaneController::changeCorvaneNVGroups(const std::function<void(CorvaneModelData&)>& change)
+{
+    CorvaneModelData* model = corvaneModelData();
+    const qint64 index = selectedKeyset();
+    const auto* keyset = dynamic_cast<const CorvaneKeyset*>(keysetAt(index));
+    if (!model || !keyset || keyset->locked())
+        return;
+    change(*model);
+    if (CorvaneMessenger* messenger = corvaneMessenger()) {
+        PlistValue groups = PlistValue::makeArray();
+        if (const std::vector<PlistValue>* list = keyset->corvaneNVGroups()) {
+            for (const PlistValue& group : *list)
+                groups.append(group);
+        }
+        // The groups message names no layer, so the journal keeps the whole keyset instead.
+        tellServiceUnjournaled(
+            [&] { messenger->sendUpdateCorvaneNVGroupsMessage(groups, int(index)); });
+        messenger->sendUpdateKeysetMessage(int(index), keyset);
+    }
+}
+
 void CorvaneController::updateCorvaneNVGroupMenus()
 {
     const CorvaneModelData* model = corvaneModelData();

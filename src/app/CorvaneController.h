@@ -3,6 +3,7 @@
 #include "app/TVKController.h"
 
 #include <QStringList>
+#include <functional>
 
 class CorvaneMessenger;
 class CorvaneModelData;
@@ -58,6 +59,10 @@ public:
     const std::vector<QAction*>& addToGroupMenu() const { return m_addToGroupMenu; }
     const std::vector<QAction*>& deleteGroupMenu() const { return m_deleteGroupMenu; }
     const std::vector<QAction*>& selectGroupMenu() const { return m_selectGroupMenu; }
+    // A change of the selected keyset's NV button groups (the NV window's commands), made here so
+    // that it reaches the service and the recovery journal: "TUNV" with the groups, then the
+    // keyset itself ("TUpK"), which the journal keeps. Nothing changes in a locked keyset.
+    void changeCorvaneNVGroups(const std::function<void(CorvaneModelData&)>& change);
     void handleAddToGroupMenu(QAction* item);
     void handleDeleteGroupMenu(QAction* item);
     void handleSelectGroupMenu(QAction* item);

@@ -5,6 +5,7 @@
 #include "core/Log.h"
 #include "core/MoveAside.h"
 #include "core/Notifications.h"
+#include "core/PlistCodec.h"
 #include "core/StoredKeys.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
@@ -170,6 +171,7 @@ void TVKController::readStoredModel()
 {
     m_defaults = std::make_unique<corvane::TVKUserDefaults>(m_storePath);
     m_journal = std::make_unique<TVKRecoveryJournal>(TVKRecoveryJournal::pathBeside(m_storePath));
+    m_storedSize = QFileInfo(m_defaults->path()).size();
 
     QString damage;
     if (m_defaults->state() == corvane::TVKUserDefaults::State::Unreadable) {
@@ -257,7 +259,23 @@ void TVKController::replayJournal()
     if (m_modelData && !alreadyStored) {
         for (const TVKRecoveryJournal::Record& record : contents.records) {
             QString reason;
-            if (applyJournalRecord(record.id, record.editedKeyset, record.body, &reason)) {
+            if (record.id == TVKRecoveryJournal::Snapshot) {
+                // A compacted journal: the configuration as it was then, with the edits it holds.
+                const corvane::PlistReadResult snapshot = corvane::PlistCodec::read(record.body);
+                const PlistValue& configuration =
+                    snapshot.ok ? snapshot.value.value(key::ModelData) : PlistValue();
+                if (configuration.isDict()) {
+                    m_modelData = makeModelDataWithArchive(configuration);
+                    updateKeysetsMenu();
+                    applied += int(snapshot.value.value(key::Count).toInteger());
+                } else {
+                    ++refused;
+                    corvane::log(QStringLiteral("recovery journal: the snapshot could not be "
+                                                "read: %1")
+                                     .arg(snapshot.ok ? QStringLiteral("no configuration")
+                                                      : snapshot.error.toString()));
+                }
+            } else if (applyJournalRecord(record.id, record.editedKeyset, record.body, &reason)) {
                 ++applied;
             } else {
                 ++refused;
@@ -270,11 +288,13 @@ void TVKController::replayJournal()
     QString error;
     // Not over a damaged journal that could not be moved aside: its edits are worth more than
     // the protection of this run's.
-    if (keptAs.isNull() && (!contents.damaged.isEmpty() || !contents.error.isEmpty()))
-        corvane::log(QStringLiteral("recovery journal left as it is; this run's edits are not "
-                                    "journaled"));
-    else if (!m_journal->open(&error))
-        corvane::log(QStringLiteral("recovery journal cannot be opened: %1").arg(error));
+    if (keptAs.isNull() && (!contents.damaged.isEmpty() || !contents.error.isEmpty())) {
+        // Tried again later: once it can go aside, a new journal takes its place.
+        m_journalMustGoAside = true;
+        setEditsUnprotected(tr("the damaged recovery journal could not be moved aside"));
+    } else if (!m_journal->open(&error)) {
+        setEditsUnprotected(error);
+    }
     const bool damaged = !contents.damaged.isEmpty();
     if (applied == 0 && refused == 0 && !damaged) {
         if (alreadyStored)
@@ -400,18 +420,6 @@ void TVKController::awakeFromNib()
     m_amIAwake = true;
     if (m_isWindowAwake)
         windowAndControllerAwake(true);
-}
-
-void TVKController::journal(corvane::MessageID id, const QByteArray& body)
-{
-    if (!m_journalPaused && m_journal && m_journal->isOpen() && isConfigurationMessage(id))
-        m_journal->append(id, int(selectedKeyset()), body);
-}
-
-void TVKController::journalChange(corvane::MessageID id, qint64 keyset, quint32 state)
-{
-    if (m_journal && m_journal->isOpen())
-        m_journal->append(id, int(keyset), TVK_OneIntSpec(state).data());
 }
 
 void TVKController::windowAndControllerAwake(bool secondInspector)
@@ -581,8 +589,8 @@ bool TVKController::writeDataToDefaults()
         corvane::log(QStringLiteral("the configuration could not be saved: %1").arg(error));
     saveGlobalDefaults();
     // Only a written store makes the journal's records redundant.
-    if (stored && m_journal && m_journal->isOpen())
-        m_journal->clear();
+    if (stored)
+        journalEmptied();
     return stored;
 }
 

@@ -95,6 +95,9 @@ public:
     void triggerAXAlert();
     // Writes the model and the global settings to the store and flushes it.
     bool writeDataToDefaults();
+    // Why the user's edits are not protected against a crash now (the recovery journal cannot be
+    // written); empty while they are.
+    const QString& editsUnprotected() const { return m_editsUnprotected; }
 
     bool isAwake() const { return m_amIAwake; }
     bool installDone() const { return m_installDone; }
@@ -342,6 +345,8 @@ Q_SIGNALS:
     void keysetsMenuChanged();
     // The application has written everything and may quit.
     void terminated();
+    // editsUnprotected() changed.
+    void journalProtectionChanged();
 
 protected:
     // Reads the store and the recovery journal into the model; start-up step 1.
@@ -432,6 +437,16 @@ protected:
     void journal(corvane::MessageID id, const QByteArray& body);
     // Journals a change the service is not told about (TVKRecoveryJournal's own IDs).
     void journalChange(corvane::MessageID id, qint64 keyset, quint32 state);
+    // The recovery journal kept short and kept writable (TVKController_Journal.cpp): every
+    // record goes through appendToJournal; a written store empties the journal.
+    void appendToJournal(corvane::MessageID id, qint64 keyset, const QByteArray& body);
+    void journalEmptied();
+    void compactJournal();
+    bool writeJournalSnapshot(QString* error);
+    void retryJournal();
+    void setEditsUnprotected(const QString& reason);
+    // The keyset and owner messages that turn the stored configuration into the model's.
+    void sendChangesSinceStored();
     // Applies one journaled change over the model at start-up.
     bool applyJournalRecord(corvane::MessageID id, int editedKeyset, const QByteArray& body,
                             QString* reason);
@@ -504,6 +519,13 @@ protected:
     bool m_installDone = false;
     bool m_terminated = false;
     bool m_journalPaused = false;
+    bool m_journalMustGoAside = false;
+    qint64 m_editsSinceStored = 0;
+    QString m_editsUnprotected;
+    qint64 m_storedSize = 0;
+    int m_journalRetryMs = 0;
+    QTimer* m_journalCompaction = nullptr;
+    QTimer* m_journalRetry = nullptr;
 
     // What start-up has to tell the user once the application runs.
     std::vector<TVKAlert> m_startupNotices;

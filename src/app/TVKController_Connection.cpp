@@ -1,6 +1,7 @@
 // The controller's side of the conversation with the service: the three messages it sends us,
 // and the loop that learns whether the surface is connected.
 #include "app/TVKController.h"
+#include "app/TVKRecoveryJournal.h"
 #include "core/Log.h"
 #include "core/Notifications.h"
 #include "core/StoredKeys.h"
@@ -417,32 +418,43 @@ bool TVKController::startBackgroundService(bool restoreLoginItem)
     return true;
 }
 
+void TVKController::sendChangesSinceStored()
+{
+    PlistValue current = PlistValue::makeDict();
+    m_modelData->writeTo(current);
+    for (const KeysetStep& step :
+         keysetSteps(m_storedConfiguration.value(key::Keysets), current.value(key::Keysets))) {
+        switch (step.kind) {
+        case KeysetStep::Update:
+            m_messenger->sendUpdateKeysetMessage(step.index, keysetAt(step.keyset));
+            break;
+        case KeysetStep::Add:
+            m_messenger->sendAddKeysetMessage(step.index, keysetAt(step.keyset));
+            break;
+        case KeysetStep::Delete:
+            m_messenger->sendDeleteKeysetMessage(step.index);
+            break;
+        }
+    }
+    if (!sameOwner(m_storedConfiguration, current)) {
+        m_messenger->sendOwnerKeysetChange(m_modelData->controlSurfaceHasOwnerKeyset(),
+                                           m_modelData->ownerKeysetBundleID(),
+                                           m_modelData->ownerKeysetSignature());
+    }
+}
+
 void TVKController::bringServiceInStep()
 {
     if (!m_messenger || !m_modelData)
         return;
-    PlistValue current = PlistValue::makeDict();
-    m_modelData->writeTo(current);
+    // Every edit of the user's goes into the recovery journal, and writing the store empties it:
+    // an empty journal that has been writable all along means the keysets are as stored, and
+    // they need not be written out and compared (most of a second with fifty keysets).
+    const bool asStored = m_journal && m_journal->isOpen() && m_editsUnprotected.isEmpty() &&
+                          m_journal->recordCount() == 0;
     tellServiceUnjournaled([&] {
-        for (const KeysetStep& step :
-             keysetSteps(m_storedConfiguration.value(key::Keysets), current.value(key::Keysets))) {
-            switch (step.kind) {
-            case KeysetStep::Update:
-                m_messenger->sendUpdateKeysetMessage(step.index, keysetAt(step.keyset));
-                break;
-            case KeysetStep::Add:
-                m_messenger->sendAddKeysetMessage(step.index, keysetAt(step.keyset));
-                break;
-            case KeysetStep::Delete:
-                m_messenger->sendDeleteKeysetMessage(step.index);
-                break;
-            }
-        }
-        if (!sameOwner(m_storedConfiguration, current)) {
-            m_messenger->sendOwnerKeysetChange(m_modelData->controlSurfaceHasOwnerKeyset(),
-                                               m_modelData->ownerKeysetBundleID(),
-                                               m_modelData->ownerKeysetSignature());
-        }
+        if (!asStored)
+            sendChangesSinceStored();
         // A service knows nothing of what was selected here before it started.
         const TVKSelection now = selection();
         m_messenger->sendChangeEditKeysetMessage(now.keyset);

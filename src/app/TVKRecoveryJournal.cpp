@@ -245,6 +245,7 @@ bool TVKRecoveryJournal::open(QString* error)
     m_fd = fd;
     // A torn record is cut off, so the next record follows the last whole one. (A journal with
     // damage in it was moved aside before it is opened again.)
+    m_size = keep;
     bool ok = ::ftruncate(fd, keep) == 0 && ::lseek(fd, keep, SEEK_SET) == keep;
     if (ok && keep == 0)
         ok = writeHeader();
@@ -255,6 +256,9 @@ bool TVKRecoveryJournal::open(QString* error)
         ::close(fd);
         return false;
     }
+    m_failure.clear();
+    m_baseSize = m_size;
+    m_baseRecords = m_records;
     return true;
 }
 
@@ -262,6 +266,20 @@ bool TVKRecoveryJournal::append(corvane::MessageID id, int editedKeyset, const Q
 {
     if (m_fd < 0)
         return false;
+    const QByteArray record = encodeRecord(id, editedKeyset, body);
+    if (!writeAll(m_fd, record.constData(), record.size())) {
+        fail(QString::fromLocal8Bit(strerror(errno)));
+        return false;
+    }
+    ++m_records;
+    m_size += record.size();
+    scheduleSync();
+    return true;
+}
+
+QByteArray TVKRecoveryJournal::encodeRecord(corvane::MessageID id, int editedKeyset,
+                                            const QByteArray& body)
+{
     const qsizetype payload = kPayloadHeaderSize + body.size();
     QByteArray record(kRecordHeaderSize + payload, Qt::Uninitialized);
     char* out = record.data();
@@ -271,27 +289,54 @@ bool TVKRecoveryJournal::append(corvane::MessageID id, int editedKeyset, const Q
                 size_t(body.size()));
     put32(out, quint32(payload));
     put32(out + 4, crc32(out + kRecordHeaderSize, payload));
-    if (!writeAll(m_fd, record.constData(), record.size())) {
-        corvane::log(QStringLiteral("recovery journal %1: %2")
-                         .arg(m_path, QString::fromLocal8Bit(strerror(errno))));
-        close();
+    return record;
+}
+
+bool TVKRecoveryJournal::compact(const QByteArray& snapshot, QString* error)
+{
+    // Written beside the journal and renamed over it once it is on the disk, so that a crash at
+    // any moment leaves either the old journal or the new one, whole.
+    const QString next = m_path + QStringLiteral(".new");
+    const QByteArray nextName = QFile::encodeName(next);
+    const int fd = ::open(nextName.constData(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    const quint64 epoch = QRandomGenerator::system()->generate64();
+    const QByteArray record = encodeRecord(Snapshot, -1, snapshot);
+    const bool written = fd >= 0 && writeHeader(fd, epoch) &&
+                         writeAll(fd, record.constData(), record.size()) && ::fdatasync(fd) == 0 &&
+                         ::rename(nextName.constData(), QFile::encodeName(m_path).constData()) == 0;
+    if (!written) {
+        if (error)
+            *error = QStringLiteral("%1: %2").arg(next, QString::fromLocal8Bit(strerror(errno)));
+        if (fd >= 0)
+            ::close(fd);
+        ::unlink(nextName.constData());
         return false;
     }
-    ++m_records;
-    scheduleSync();
+    close();
+    m_fd = fd;
+    m_epoch = epoch;
+    m_records = m_baseRecords = 1;
+    m_size = m_baseSize = kHeaderSize + record.size();
+    m_dirty = false;
+    m_failure.clear();
     return true;
 }
 
 bool TVKRecoveryJournal::clear()
 {
     m_records = 0;
+    m_baseRecords = 0;
     m_dirty = false;
     if (m_fd < 0)
         return QFile::remove(m_path) || !QFile::exists(m_path);
-    const bool ok = ::ftruncate(m_fd, 0) == 0 && ::lseek(m_fd, 0, SEEK_SET) == 0 && writeHeader();
-    if (ok)
-        ::fdatasync(m_fd);
-    return ok;
+    m_size = 0;
+    if (::ftruncate(m_fd, 0) != 0 || ::lseek(m_fd, 0, SEEK_SET) != 0 || !writeHeader()) {
+        fail(QString::fromLocal8Bit(strerror(errno)));
+        return false;
+    }
+    ::fdatasync(m_fd);
+    m_baseSize = m_size;
+    return true;
 }
 
 void TVKRecoveryJournal::sync()
@@ -319,11 +364,31 @@ void TVKRecoveryJournal::scheduleSync()
 bool TVKRecoveryJournal::writeHeader()
 {
     m_epoch = QRandomGenerator::system()->generate64();
+    if (!writeHeader(m_fd, m_epoch))
+        return false;
+    m_size += kHeaderSize;
+    return true;
+}
+
+bool TVKRecoveryJournal::writeHeader(int fd, quint64 epoch)
+{
     char header[kHeaderSize];
     std::memcpy(header, kMagic, sizeof(kMagic));
-    put32(header + sizeof(kMagic), quint32(m_epoch));
-    put32(header + sizeof(kMagic) + 4, quint32(m_epoch >> 32));
-    return writeAll(m_fd, header, kHeaderSize);
+    put32(header + sizeof(kMagic), quint32(epoch));
+    put32(header + sizeof(kMagic) + 4, quint32(epoch >> 32));
+    return writeAll(fd, header, kHeaderSize);
+}
+
+void TVKRecoveryJournal::fail(const QString& what)
+{
+    // What part of the record reached the file is taken back: the next record, once the journal
+    // is writable again, follows the last whole one. A journal that cannot even be cut back is
+    // read up to its last whole record all the same.
+    if (::ftruncate(m_fd, m_size) != 0)
+        m_size = ::lseek(m_fd, 0, SEEK_END);
+    m_failure = what;
+    corvane::log(QStringLiteral("recovery journal %1: %2").arg(m_path, what));
+    close();
 }
 
 void TVKRecoveryJournal::close()

@@ -32,6 +32,10 @@ public:
     static constexpr corvane::MessageID OneTouchRecord = corvane::messageID("CvOT");
     static constexpr corvane::MessageID OneTouchRecordDefault = corvane::messageID("CvOD");
     static constexpr corvane::MessageID HardwareStyle = corvane::messageID("CvHS");
+    // The whole configuration, which the records after it apply to instead of the store: what a
+    // compaction leaves. The body is a binary property list, the configuration under
+    // "TVKModelData" and the number of edits it holds under "TVKCount".
+    static constexpr corvane::MessageID Snapshot = corvane::messageID("CvSn");
 
     struct Record
     {
@@ -66,14 +70,31 @@ public:
     // Opens the file for appending, keeping the whole records it holds and dropping a torn tail.
     bool open(QString* error = nullptr);
     bool isOpen() const { return m_fd >= 0; }
-    // Appends one record; false when it could not be written (the journal is then closed, and
-    // the edit lives on in memory and in the service as before).
+    // Appends one record; false when it could not be written (a full disk, a file size limit):
+    // what was written of it is taken back, so that the file still ends in a whole record, and
+    // the journal is closed with the reason in failure(). The edit lives on in memory and in the
+    // service; open() makes the journal writable again.
     bool append(corvane::MessageID id, int editedKeyset, const QByteArray& body);
-    // Empties the journal: the store now holds everything it had.
+    // Empties the journal: the store now holds everything it had. False (and closed, as after a
+    // failed append) when the file could not be emptied.
     bool clear();
+    // Replaces the journal, atomically, by one with a new epoch that holds only the snapshot
+    // record with this body; it is open for appending afterwards, even if it was closed before.
+    // False with the reason when the new journal could not be written: the old one is then kept
+    // as it was, open or closed.
+    bool compact(const QByteArray& snapshot, QString* error = nullptr);
     // Flushes what was appended to the disk now.
     void sync();
+    void close();
     qint64 recordCount() const { return m_records; }
+    // The file's length: its header and every record appended.
+    qint64 size() const { return m_size; }
+    // The file's length and its records when it was last compacted, emptied or opened: what was
+    // appended since is size() - baseSize() in recordCount() - baseRecords() records.
+    qint64 baseSize() const { return m_baseSize; }
+    qint64 baseRecords() const { return m_baseRecords; }
+    // Why the last append or clear failed; empty once the journal is opened again.
+    const QString& failure() const { return m_failure; }
     // Stored with the configuration when it is written: a store that carries the journal's
     // epoch already holds every record of it (the run ended between writing the store and
     // emptying the journal), so they are not applied twice.
@@ -83,12 +104,19 @@ public:
 
 private:
     void scheduleSync();
-    void close();
     bool writeHeader();
+    bool writeHeader(int fd, quint64 epoch);
+    static QByteArray encodeRecord(corvane::MessageID id, int editedKeyset, const QByteArray& body);
+    // Closes the journal after a write that failed with errno.
+    void fail(const QString& what);
 
     QString m_path;
     int m_fd = -1;
     qint64 m_records = 0;
+    qint64 m_size = 0;
+    qint64 m_baseSize = 0;
+    qint64 m_baseRecords = 0;
+    QString m_failure;
     quint64 m_epoch = 0;
     bool m_dirty = false;
     QTimer* m_syncTimer = nullptr;

@@ -263,15 +263,17 @@ void CorvaneNVController::addSelectionToGroup(int group)
     const int button = selectedButton();
     if (!model || button < 0)
         return;
-    model->addButtonID(button, group);
+    m_master.changeCorvaneNVGroups(
+        [&](CorvaneModelData& groups) { groups.addButtonID(button, group); });
     m_surface->update();
     corvane::NotificationCenter::defaultCenter().post(note::CorvaneNVSelectGroup{}, this);
 }
 
 void CorvaneNVController::deleteGroup(int group)
 {
-    if (auto* model = m_master.corvaneModelData()) {
-        model->deleteCorvaneNVGroup(group);
+    if (m_master.corvaneModelData()) {
+        m_master.changeCorvaneNVGroups(
+            [&](CorvaneModelData& groups) { groups.deleteCorvaneNVGroup(group); });
         m_master.updateCorvaneNVGroupMenus();
         corvane::NotificationCenter::defaultCenter().post(note::CorvaneNVSelectGroup{}, this);
     }
@@ -325,7 +327,8 @@ void CorvaneNVController::handleCorvaneNVMenuItem(QAction* item)
                                    tr("Group %1").arg(model->numCorvaneNVGroups() + 1));
         if (!name || name->trimmed().isEmpty())
             return;
-        model->createCorvaneNVGroupNamed(name->trimmed());
+        m_master.changeCorvaneNVGroups(
+            [&](CorvaneModelData& groups) { groups.createCorvaneNVGroupNamed(name->trimmed()); });
         m_master.updateCorvaneNVGroupMenus();
         // The selected button joins the group it was made for.
         if (selectedButton() >= 0)
@@ -336,7 +339,8 @@ void CorvaneNVController::handleCorvaneNVMenuItem(QAction* item)
         const int button = selectedButton();
         const int group = button >= 0 ? model->corvaneNVGroupForButtonWithID(button) : -1;
         if (group >= 0) {
-            model->deleteButtonID(button, group);
+            m_master.changeCorvaneNVGroups(
+                [&](CorvaneModelData& groups) { groups.deleteButtonID(button, group); });
             m_master.updateCorvaneNVGroupMenus();
             m_surface->update();
             corvane::NotificationCenter::defaultCenter().post(note::CorvaneNVSelectGroup{}, this);

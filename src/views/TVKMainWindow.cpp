@@ -164,6 +164,15 @@ TVKMainWindow::TVKMainWindow(CorvaneController& controller, TVKMenuBar* menuBar,
     m_status = new QLabel(this);
     m_status->setTextInteractionFlags(Qt::TextSelectableByMouse);
     statusBar()->addWidget(m_status, 1);
+    // While the recovery journal cannot be written, the status line says so, until it can.
+    m_unprotected = new QLabel(this);
+    m_unprotected->setObjectName(QStringLiteral("EditsUnprotected"));
+    m_unprotected->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_unprotected->setStyleSheet(QStringLiteral("color: #b3261e; font-weight: bold;"));
+    statusBar()->addPermanentWidget(m_unprotected);
+    connect(&m_controller, &TVKController::journalProtectionChanged, this,
+            [this] { updateProtection(); });
+    updateProtection();
 
     corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
     center.observeEach<note::SelectedLayerChange, note::RemoteLayerChange,
@@ -260,6 +269,22 @@ QString TVKMainWindow::connectionText() const
 QString TVKMainWindow::statusText() const
 {
     return m_status->text();
+}
+
+QString TVKMainWindow::protectionText() const
+{
+    return m_unprotected->isHidden() ? QString() : m_unprotected->text();
+}
+
+void TVKMainWindow::updateProtection()
+{
+    const QString& reason = m_controller.editsUnprotected();
+    m_unprotected->setVisible(!reason.isEmpty());
+    m_unprotected->setText(tr("Edits not protected against a crash"));
+    m_unprotected->setToolTip(
+        tr("The recovery journal cannot be written (%1). Edits made now are lost if Corvane ends "
+           "without saving; Corvane keeps trying and saves them as soon as it can.")
+            .arg(reason));
 }
 
 void TVKMainWindow::updateStatus()

@@ -44,6 +44,8 @@ public:
     QWidget* connectionIndicator() const { return m_connectionIndicator; }
     QString connectionText() const;
     QString statusText() const;
+    // What the status line says while edits are not protected against a crash; empty otherwise.
+    QString protectionText() const;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -52,6 +54,7 @@ private:
     void updateLayerSelector();
     void updateStatus();
     void updateConnection();
+    void updateProtection();
 
     CorvaneController& m_controller;
     TVKMenuBar* m_menuBar;
@@ -68,5 +71,6 @@ private:
     QToolButton* m_reconnect = nullptr;
     QLabel* m_status = nullptr;
     TVKNextFrame* m_statusNextFrame = nullptr;
+    QLabel* m_unprotected = nullptr;
     std::vector<corvane::NotificationCenter::Observation> m_observations;
 };

@@ -107,11 +107,6 @@ protected:
     }
 
     int count(const QString& code) { return int(received(code, 0).size()); }
-
-    qint64 journalSize() const
-    {
-        return QFileInfo(TVKRecoveryJournal::pathBeside(storePath)).size();
-    }
 };
 
 } // namespace
@@ -166,7 +161,8 @@ TEST_F(ServiceReturnTest, AServiceStartedAgainFromTheStoreIsBroughtInStep)
     ASSERT_EQ(c.modelData()->numberOfKeysets(), 5);
     c.setSelectedLayer(1);
 
-    const qint64 journalled = journalSize();
+    const size_t journalled =
+        TVKRecoveryJournal(TVKRecoveryJournal::pathBeside(storePath)).read().records.size();
     startServiceAgain();
     EXPECT_TRUE(serviceInStep());
     // Each changed keyset once (Default and KS0001); KS0003 and KS0004 moved up unchanged and
@@ -179,7 +175,12 @@ TEST_F(ServiceReturnTest, AServiceStartedAgainFromTheStoreIsBroughtInStep)
               (QJsonArray{0}));
     EXPECT_EQ(received(QStringLiteral("ChEL"), 0).back().value(u"words").toArray(),
               (QJsonArray{1}));
-    EXPECT_EQ(journalSize(), journalled) << "the catch-up is not the user's edit";
+    // Nothing was added (the journal may have been compacted into its snapshot meanwhile).
+    const TVKRecoveryJournal::Contents after =
+        TVKRecoveryJournal(TVKRecoveryJournal::pathBeside(storePath)).read();
+    EXPECT_TRUE(after.records.size() == journalled ||
+                (after.records.size() == 1 && after.records[0].id == TVKRecoveryJournal::Snapshot))
+        << "the catch-up is not the user's edit";
 
     // The store written (at quit, here by hand): the next service starts from it and needs no
     // keyset.

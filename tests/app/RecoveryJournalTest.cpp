@@ -1,3 +1,4 @@
+#include "FileSizeLimit.h"
 #include "app/TVKRecoveryJournal.h"
 #include "service/MessageCatalogue.h"
 
@@ -149,4 +150,95 @@ TEST(RecoveryJournal, EmptiedWithANewEpochAndNeverReadFromAStranger)
     other.write("<?xml version=\"1.0\"?>\n<plist/>\n");
     other.close();
     EXPECT_FALSE(TVKRecoveryJournal(other.fileName()).read().error.isEmpty());
+}
+
+// A write that does not fit (a full disk; here the file size limit, which holds for root too)
+// fails after writing part of the record: that part is taken back, so the file still ends in a
+// whole record, the journal closes with the reason, and opened again it goes on after the last
+// whole record.
+TEST(RecoveryJournal, AFailedWriteLeavesTheFileWholeAndOpensAgain)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("journal"));
+    TVKRecoveryJournal journal(path);
+    ASSERT_TRUE(journal.open());
+    ASSERT_TRUE(journal.append(corvane::messageID("ChLa"), 1, QByteArray("kept")));
+    const qint64 whole = QFileInfo(path).size();
+    EXPECT_EQ(journal.size(), whole);
+    for (const qint64 room : {qint64(0), qint64(5), qint64(40)}) {
+        SCOPED_TRACE(room);
+        {
+            FileSizeLimit full(rlim_t(whole + room));
+            ASSERT_TRUE(full.lowered());
+            EXPECT_FALSE(journal.append(msg::Emul, 2, QByteArray(64, 'x')));
+        }
+        EXPECT_FALSE(journal.isOpen());
+        EXPECT_TRUE(journal.failure().contains(QStringLiteral("large")))
+            << qPrintable(journal.failure());
+        EXPECT_EQ(QFileInfo(path).size(), whole) << "part of the failed record stayed";
+        EXPECT_EQ(journal.size(), whole);
+        // Closed, it refuses quietly until it is opened again.
+        EXPECT_FALSE(journal.append(msg::Emul, 2, QByteArray("while closed")));
+        const TVKRecoveryJournal::Contents contents = journal.read();
+        EXPECT_FALSE(contents.tornTail);
+        EXPECT_TRUE(contents.damaged.isEmpty());
+        ASSERT_EQ(contents.records.size(), 1u);
+        ASSERT_TRUE(journal.open());
+        EXPECT_TRUE(journal.failure().isEmpty());
+    }
+    ASSERT_TRUE(journal.append(corvane::messageID("ChCo"), 3, QByteArray("after")));
+    const TVKRecoveryJournal::Contents contents = journal.read();
+    ASSERT_EQ(contents.records.size(), 2u);
+    EXPECT_EQ(contents.records[1].body, QByteArray("after"));
+    EXPECT_EQ(journal.size(), QFileInfo(path).size());
+
+    // Emptying it needs room for its header; without, it closes as well.
+    {
+        FileSizeLimit full(0);
+        ASSERT_TRUE(full.lowered());
+        EXPECT_FALSE(journal.clear());
+    }
+    EXPECT_FALSE(journal.isOpen());
+    EXPECT_TRUE(journal.read().records.empty());
+}
+
+// Compacting replaces the journal by one snapshot record under a new epoch, and opens it even
+// after a failed write had closed it; a compaction that cannot be written keeps the old journal.
+TEST(RecoveryJournal, CompactedIntoOneSnapshotOrKeptAsItWas)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("journal"));
+    TVKRecoveryJournal journal(path);
+    ASSERT_TRUE(journal.open());
+    ASSERT_TRUE(journal.append(corvane::messageID("ChLa"), 1, QByteArray("one")));
+    const QByteArray before = [&] {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }();
+    {
+        FileSizeLimit full(rlim_t(QFileInfo(path).size()));
+        ASSERT_TRUE(full.lowered());
+        EXPECT_FALSE(journal.compact(QByteArray(4096, 's')));
+        EXPECT_FALSE(journal.append(corvane::messageID("ChLa"), 1, QByteArray(4096, 'x')));
+    }
+    EXPECT_FALSE(journal.isOpen());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), before) << "the old journal was not kept as it was";
+    file.close();
+    EXPECT_FALSE(QFileInfo::exists(path + QStringLiteral(".new")));
+
+    const quint64 epoch = journal.epoch();
+    ASSERT_TRUE(journal.compact(QByteArray("snapshot")));
+    EXPECT_TRUE(journal.isOpen());
+    EXPECT_NE(journal.epoch(), epoch);
+    EXPECT_EQ(journal.baseSize(), journal.size());
+    ASSERT_TRUE(journal.append(corvane::messageID("ChCo"), 2, QByteArray("after")));
+    const TVKRecoveryJournal::Contents contents = journal.read();
+    ASSERT_EQ(contents.records.size(), 2u);
+    EXPECT_EQ(contents.records[0].id, TVKRecoveryJournal::Snapshot);
+    EXPECT_EQ(contents.records[0].body, QByteArray("snapshot"));
+    EXPECT_EQ(contents.records[1].body, QByteArray("after"));
+    EXPECT_EQ(contents.epoch, journal.epoch());
+    EXPECT_EQ(journal.recordCount() - journal.baseRecords(), 1);
 }

@@ -132,20 +132,29 @@ protected:
     {
         TVKUserDefaults store(storePath);
         const PlistValue& archive = store.objectForKey(u"TVKModelData");
-        CorvaneModelData model(archive.isDict() ? archive : PlistValue::makeDict());
+        auto model =
+            std::make_unique<CorvaneModelData>(archive.isDict() ? archive : PlistValue::makeDict());
         TVKRecoveryJournal journal(TVKRecoveryJournal::pathBeside(storePath));
         const TVKRecoveryJournal::Contents contents = journal.read();
         const QString epoch = store.objectForKey(u"TVKJournalEpoch").toString();
         if (epoch.isEmpty() || epoch != QString::number(contents.epoch)) {
             for (const TVKRecoveryJournal::Record& record : contents.records) {
+                // A compacted journal starts from its snapshot of the configuration.
+                if (record.id == TVKRecoveryJournal::Snapshot) {
+                    const PlistReadResult snapshot = PlistCodec::read(record.body);
+                    EXPECT_TRUE(snapshot.ok);
+                    model =
+                        std::make_unique<CorvaneModelData>(snapshot.value.value(u"TVKModelData"));
+                    continue;
+                }
                 QString reason;
-                EXPECT_TRUE(applyConfigurationMessage(model, record.id, record.body,
+                EXPECT_TRUE(applyConfigurationMessage(*model, record.id, record.body,
                                                       record.editedKeyset, &reason))
                     << reason.toStdString();
             }
         }
         PlistValue dict = PlistValue::makeDict();
-        model.writeTo(dict);
+        model->writeTo(dict);
         return servicePart(dict);
     }
 

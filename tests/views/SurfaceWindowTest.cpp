@@ -1,10 +1,15 @@
 // The windows driven as a person drives them, against the real simulated service.
+#include "FileSizeLimit.h"
 #include "ViewsFixture.h"
+#include "app/TVKRecoveryJournal.h"
 #include "core/Notifications.h"
+#include "core/PlistCodec.h"
 #include "core/StoredKeys.h"
+#include "core/TVKUserDefaults.h"
 #include "model/CorvaneModelData.h"
 #include "model/TVKControl.h"
 #include "model/TVKKeyset.h"
+#include "service/ConfigurationEdits.h"
 #include "views/CorvaneExpanderControllers.h"
 #include "views/CorvanePictures.h"
 #include "views/CorvaneSurfaceView.h"
@@ -14,6 +19,7 @@
 #include "views/TVKMultiStateButton.h"
 
 #include <QAction>
+#include <QLabel>
 #include <QMenu>
 #include <QScreen>
 #include <QTest>
@@ -274,6 +280,32 @@ TEST_F(ViewsTest, TheNVShowsTheBankOfTheButtonTouchedAndGroupsItsButtons)
     EXPECT_EQ(model->corvaneNVGroupForButtonWithID(26), 0);
     ASSERT_EQ(controller->selectGroupMenu().size(), 1u);
     EXPECT_EQ(controller->selectGroupMenu().front()->text(), QStringLiteral("Strings"));
+
+    // The group reached the service, and the recovery journal keeps it: the stored
+    // configuration with the journal applied, as the next start after a crash reads it, has it.
+    EXPECT_TRUE(waitForCount(QStringLiteral("TUNV"), 2, 0));
+    EXPECT_TRUE(serviceInStep());
+    const PlistValue stored = TVKUserDefaults(storePath).objectForKey(key::ModelData);
+    std::unique_ptr<TVKModelData> recovered = stored.isDict()
+                                                  ? controller->makeModelDataWithArchive(stored)
+                                                  : controller->makeModelData();
+    for (const TVKRecoveryJournal::Record& record :
+         TVKRecoveryJournal(TVKRecoveryJournal::pathBeside(storePath)).read().records) {
+        // A compacted journal starts from its snapshot of the configuration.
+        if (record.id == TVKRecoveryJournal::Snapshot) {
+            const PlistReadResult snapshot = PlistCodec::read(record.body);
+            ASSERT_TRUE(snapshot.ok);
+            recovered = controller->makeModelDataWithArchive(snapshot.value.value(key::ModelData));
+            continue;
+        }
+        ASSERT_TRUE(applyConfigurationMessage(*recovered, record.id, record.body,
+                                              record.editedKeyset, nullptr));
+    }
+    PlistValue mine = PlistValue::makeDict();
+    controller->modelData()->writeTo(mine);
+    PlistValue theirs = PlistValue::makeDict();
+    recovered->writeTo(theirs);
+    EXPECT_EQ(theirs.value(key::Keysets), mine.value(key::Keysets));
 }
 
 TEST_F(ViewsTest, TheVirtualSurfaceTouchesControlsAndLightsTheSelection)
@@ -323,4 +355,29 @@ TEST_F(ViewsTest, WindowsComeBackWhereTheyWereAndTheDisplaysStayOpen)
     EXPECT_EQ(app->mainWindow()->geometry(), frame);
     // None of it is configuration.
     EXPECT_FALSE(controller->defaults().objectForKey(key::ModelData).contains(key::WindowFrames));
+}
+
+// A journal write that fails (a full disk, here the file size limit) puts a warning in the main
+// window's status line, with the reason in its tooltip, until the journal is writable again.
+TEST_F(ViewsTest, TheStatusLineSaysWhileEditsAreNotProtected)
+{
+    startApplication();
+    TVKMainWindow& main = *app->mainWindow();
+    EXPECT_TRUE(main.protectionText().isEmpty());
+    const auto* warning = main.findChild<QLabel*>(QStringLiteral("EditsUnprotected"));
+    ASSERT_NE(warning, nullptr);
+    {
+        FileSizeLimit full(0);
+        ASSERT_TRUE(full.lowered());
+        controller->undoableSetUserName(QStringLiteral("Punch"), 0, 0, 0, 0, false);
+        EXPECT_FALSE(main.protectionText().isEmpty());
+        EXPECT_TRUE(warning->toolTip().contains(QStringLiteral("large")))
+            << qPrintable(warning->toolTip());
+        // Another edit says nothing new.
+        const QString said = main.protectionText();
+        controller->undoableSetUserName(QStringLiteral("Punch 2"), 0, 0, 0, 0, false);
+        EXPECT_EQ(main.protectionText(), said);
+    }
+    ASSERT_TRUE(spinUntil([&] { return main.protectionText().isEmpty(); }, 4000));
+    EXPECT_TRUE(warning->isHidden());
 }
