@@ -266,6 +266,16 @@ public:
                             const QString& actionName);
     void handleEndCapture();
 
+    // --- One control's action -----------------------------------------------------------------
+    // Edit → Copy, Paste and Clear Action, on the selected control or display. Paste and Clear
+    // reach every layer while the inspector applies edits to all layers (a display's action
+    // never leaves its layer), each as one undo step.
+    void handleCopyAction();
+    void handlePasteAction();
+    void handleClearAction();
+    // Why the command cannot act on the selection now; empty when it can.
+    QString actionCommandProblem(TVKMenuCommand command) const;
+
     // --- Menus ------------------------------------------------------------------------------
     // The controller's menu items; the views put them into their menus.
     QAction* menuItem(TVKMenuCommand command, qint64 tag = 0) const;
@@ -451,6 +461,10 @@ protected:
     bool applyJournalRecord(corvane::MessageID id, int editedKeyset, const QByteArray& body,
                             QString* reason);
     void validateTitledKeysetItem(QAction* item, const QString& verb, bool enabled);
+    void makeActionCommandItems();
+    bool validateActionCommandItem(QAction* item);
+    // The selected control, or the selected display: what the action commands act on.
+    TVKControl* actionCommandTarget() const;
 
     // Edit notifications (posted by the inspector).
     void handleUserNameChange(const corvane::note::UserNameChange& notice);

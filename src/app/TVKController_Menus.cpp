@@ -73,6 +73,7 @@ void TVKController::makeMenuItems()
     m_connectionMenu = addMenuItem(Command::ConnectionIndicator, tr("Surface"));
     m_connectionMenuItem = addMenuItem(Command::AttemptReconnect, tr("reconnect"));
     addMenuItem(Command::StartBackgroundService, tr("Start Background Service"));
+    makeActionCommandItems();
 
     // Undo and Redo follow the stack, and refuse a step whose keyset is locked.
     m_undoManager.setLockTest([this](qint64 index) {
@@ -266,6 +267,10 @@ bool TVKController::validateMenuItem(QAction* item)
     }
     case Command::ConnectionIndicator:
         return true;
+    case Command::HandleCopyAction:
+    case Command::HandlePasteAction:
+    case Command::HandleClearAction:
+        return validateActionCommandItem(item);
     default:
         return true;
     }
@@ -358,6 +363,15 @@ void TVKController::perform(QAction* item)
         break;
     case Command::StartBackgroundService:
         startBackgroundService();
+        break;
+    case Command::HandleCopyAction:
+        handleCopyAction();
+        break;
+    case Command::HandlePasteAction:
+        handlePasteAction();
+        break;
+    case Command::HandleClearAction:
+        handleClearAction();
         break;
     default:
         break;

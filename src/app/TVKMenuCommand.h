@@ -39,6 +39,10 @@ enum class TVKMenuCommand
     HandleUninstall,
     ConnectionIndicator,
     StartBackgroundService,
+    // One control's action.
+    HandleCopyAction,
+    HandlePasteAction,
+    HandleClearAction,
     // The surface family's own.
     ReverseRBButtons,
     ShowExpander,

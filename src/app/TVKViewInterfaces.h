@@ -152,6 +152,8 @@ public:
     // The action the inspector is editing, posted with "TVKInsertEditedAction" and
     // "TVKInsertEditedDisplayAction"; none without an inspector.
     virtual const TVKAction* inspectorEditedAction() const = 0;
+    // Whether the inspector applies edits to all layers ("Apply edits to all layers").
+    virtual bool inspectorCopiesToAllLayers() const { return false; }
     // The NV window's controller, when that window exists.
     virtual CorvaneNVWindowCommands* corvaneNVWindow() const = 0;
 };

@@ -388,6 +388,11 @@ const TVKAction* CorvaneViews::inspectorEditedAction() const
     return m_inspector ? m_inspector->editedAction().action() : nullptr;
 }
 
+bool CorvaneViews::inspectorCopiesToAllLayers() const
+{
+    return m_inspector && m_inspector->copyToAllLayers();
+}
+
 void CorvaneViews::showDZ(bool shown)
 {
     if (shown && !m_dz) {

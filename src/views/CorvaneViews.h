@@ -91,6 +91,7 @@ public:
     void showHardwareImage(const QString& imageName) override;
     void showCorvaneNVMenu(bool shown) override;
     const TVKAction* inspectorEditedAction() const override;
+    bool inspectorCopiesToAllLayers() const override;
     CorvaneNVWindowCommands* corvaneNVWindow() const override;
 
     // TVKSheets

@@ -9,6 +9,7 @@
 #include "surface/TVK_Constant_Server.h"
 #include "views/ControlToolTips.h"
 #include "views/CorvaneNVLayout.h"
+#include "views/TVKPictureKeys.h"
 #include "views/editors/CorvaneROMIcons.h"
 
 #include <QFontDatabase>
@@ -25,6 +26,7 @@ TVKDisplayView::TVKDisplayView(int group, Kind kind, int characters, std::vector
 {
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_TranslucentBackground);
+    TVKPictureKeys::install(this);
     corvane::NotificationCenter& center = corvane::NotificationCenter::defaultCenter();
     center.observeEach<note::SelectionChange, note::DisplaySelectionChange,
                        note::RemoteSelectionChange, note::RemoteDisplaySelectionChange,

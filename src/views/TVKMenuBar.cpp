@@ -50,6 +50,12 @@ TVKMenuBar::TVKMenuBar(CorvaneController& controller, const std::vector<QAction*
     edit->addAction(controller.undoMenuItem());
     edit->addAction(controller.redoMenuItem());
     edit->addSeparator();
+    // The action items say why they are greyed.
+    edit->setToolTipsVisible(true);
+    for (const Command command :
+         {Command::HandleCopyAction, Command::HandlePasteAction, Command::HandleClearAction})
+        edit->addAction(item(command));
+    edit->addSeparator();
     edit->addAction(item(Command::HandleCopyKeyset));
     edit->addAction(item(Command::HandlePasteKeyset));
     edit->addAction(item(Command::HandleClearKeyset));

@@ -8,6 +8,7 @@
 #include "surface/TVK_Constant_Server.h"
 #include "views/ControlToolTips.h"
 #include "views/TVKBundle.h"
+#include "views/TVKPictureKeys.h"
 
 #include <QHelpEvent>
 #include <QKeyEvent>
@@ -176,6 +177,7 @@ TVKMultiStateButton::TVKMultiStateButton(const QString& key, QWidget* parent)
 {
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_NoSystemBackground);
+    TVKPictureKeys::install(this);
 }
 
 TVKMultiStateButton::~TVKMultiStateButton() = default;

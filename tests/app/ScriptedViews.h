@@ -115,6 +115,7 @@ public:
     std::vector<QString> hardwareImages;
     bool nvMenuShown = false;
     const TVKAction* editedAction = nullptr;
+    bool copyToAllLayers = false;
     CorvaneNVWindowCommands* nvWindow = nullptr;
 
     bool exists(TVKWindow w) const override { return existing.count(w) != 0; }
@@ -148,6 +149,7 @@ public:
     void showHardwareImage(const QString& name) override { hardwareImages.push_back(name); }
     void showCorvaneNVMenu(bool on) override { nvMenuShown = on; }
     const TVKAction* inspectorEditedAction() const override { return editedAction; }
+    bool inspectorCopiesToAllLayers() const override { return copyToAllLayers; }
     CorvaneNVWindowCommands* corvaneNVWindow() const override { return nvWindow; }
 
     // Sheets.

@@ -8,6 +8,8 @@
 #include "model/TVKKeyset.h"
 #include "model/TVKModelData.h"
 
+#include <QCoreApplication>
+
 namespace corvane {
 
 BuiltInActionEditor::BuiltInActionEditor(TVKActionContainer& container, qint32 actionType,
@@ -43,6 +45,7 @@ void BuiltInActionEditor::loadCommandList(const TVKKeyset* keyset,
     if (keyset)
         m_groups = catalogue.commandsFor(BuiltInCommandCatalogue::lookupKey(*keyset), m_usage);
     const QString name = keyset ? keyset->name() : QString();
+    m_keysetName = name;
     m_title = m_groups.empty()
                   ? fillFormat(QStringLiteral("No Built In Commands available for %@"), {name}, {})
                   : fillFormat(QStringLiteral("Built In Commands for %@:"), {name}, {});
@@ -110,6 +113,25 @@ QString BuiltInActionEditor::browserPath() const
     const auto* action = static_cast<const TVKBuiltInAction*>(m_container.action());
     return pathSeparator() + objectText(action->commandGroupName()) + pathSeparator() +
            objectText(action->commandName());
+}
+
+QString BuiltInActionEditor::unavailableNotice() const
+{
+    if (m_container.actionType() != m_actionType || m_keysetName.isNull())
+        return {};
+    const auto* action = static_cast<const TVKBuiltInAction*>(m_container.action());
+    for (const BuiltInCommandGroup& group : m_groups) {
+        if (group.isSeparator() || group.name != action->commandGroupName())
+            continue;
+        for (const BuiltInCommand& command : group.commands)
+            if (command.name == action->commandName())
+                return {};
+    }
+    return QCoreApplication::translate("BuiltInActionEditor",
+                                       "Not available for %1: “%2: %3” is not one of the built-in "
+                                       "commands for %1.")
+        .arg(m_keysetName, objectText(action->commandGroupName()),
+             objectText(action->commandName()));
 }
 
 } // namespace corvane

@@ -51,6 +51,12 @@ public:
     QString browserPath() const;
     static QString pathSeparator() { return QStringLiteral("|"); }
 
+    // Why the held command does not belong to the keyset's application: a command pasted from
+    // another application's keyset, or a keyset pasted over one for another application. Empty
+    // when the application's list holds it for this control, or when the action is of another
+    // type.
+    QString unavailableNotice() const;
+
 private:
     void loadForSelectedKeyset();
 
@@ -61,6 +67,7 @@ private:
     NotificationCenter::Observation m_keysetChangeObservation;
     std::vector<BuiltInCommandGroup> m_groups;
     QString m_title;
+    QString m_keysetName; // null without a keyset
 };
 
 } // namespace corvane

@@ -49,6 +49,13 @@ TVKBuiltInActionEditorView::TVKBuiltInActionEditorView(TVKActionEditorHost& host
     m_title = new QLabel(this);
     m_title->setWordWrap(true);
     column->addWidget(m_title);
+    m_unavailable = new QLabel(this);
+    m_unavailable->setWordWrap(true);
+    m_unavailable->setFrameShape(QFrame::StyledPanel);
+    m_unavailable->setMargin(6);
+    m_unavailable->setAccessibleName(tr("Command not available"));
+    m_unavailable->hide();
+    column->addWidget(m_unavailable);
     m_search = new QLineEdit(this);
     m_search->setPlaceholderText(tr("Search commands"));
     m_search->setClearButtonEnabled(true);
@@ -141,8 +148,16 @@ void TVKBuiltInActionEditorView::updateForNewAction()
     showHeldAction();
 }
 
+void TVKBuiltInActionEditorView::showAvailability()
+{
+    const QString notice = m_logic.unavailableNotice();
+    m_unavailable->setText(notice);
+    m_unavailable->setVisible(!notice.isEmpty());
+}
+
 void TVKBuiltInActionEditorView::showHeldAction()
 {
+    showAvailability();
     const QString path = m_logic.browserPath();
     if (path.isNull())
         return;

@@ -22,6 +22,8 @@ public:
     QTreeWidget* browser() const { return m_browser; }
     QLineEdit* searchField() const { return m_search; }
     QLabel* titleLabel() const { return m_title; }
+    // Shown while the held command is not one of the application's.
+    QLabel* unavailableLabel() const { return m_unavailable; }
     // Chooses the command at the rows of the unfiltered list, as a double click does.
     void chooseCommand(int groupRow, int commandRow);
 
@@ -30,9 +32,11 @@ private:
     void filter(const QString& text);
     void itemActivated(QTreeWidgetItem* item);
     void showHeldAction();
+    void showAvailability();
 
     corvane::BuiltInActionEditor m_logic;
     QLabel* m_title = nullptr;
+    QLabel* m_unavailable = nullptr;
     QLineEdit* m_search = nullptr;
     QTreeWidget* m_browser = nullptr;
 };
