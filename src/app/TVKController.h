@@ -540,6 +540,9 @@ protected:
     int m_journalRetryMs = 0;
     QTimer* m_journalCompaction = nullptr;
     QTimer* m_journalRetry = nullptr;
+    // An action edit made by a menu command, not by the inspector: the inspector, which does not
+    // hold the new action yet, shows the control afresh.
+    bool m_editFromMenuCommand = false;
 
     // What start-up has to tell the user once the application runs.
     std::vector<TVKAlert> m_startupNotices;

@@ -17,6 +17,7 @@
 #include <QGuiApplication>
 #include <QKeySequence>
 #include <QMimeData>
+#include <QScopedValueRollback>
 
 using Command = TVKMenuCommand;
 namespace ActionClipboard = corvane::ActionClipboard;
@@ -144,6 +145,7 @@ void TVKController::handlePasteAction()
         TVKStandardActionTypes::createActionFromArchive(content.archive, target);
     if (!action)
         return;
+    const QScopedValueRollback fromMenu(m_editFromMenuCommand, true);
     const TVKSelection at = selection();
     if (at.displaySelected) {
         undoableInsertDisplayAction(std::move(action), at.keyset, at.layer, at.displayGroup,
@@ -160,6 +162,7 @@ void TVKController::handleClearAction()
 {
     if (!actionCommandProblem(Command::HandleClearAction).isEmpty())
         return;
+    const QScopedValueRollback fromMenu(m_editFromMenuCommand, true);
     const TVKSelection at = selection();
     if (at.displaySelected) {
         undoableInsertDisplayAction(nullptr, at.keyset, at.layer, at.displayGroup, at.display,

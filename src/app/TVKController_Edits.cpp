@@ -492,8 +492,9 @@ void TVKController::undoableInsertAction(const ActionList& actions, qint64 keyse
         undoName, keyset);
     TVKControl* edited = visited.empty() ? nullptr : visited.back();
     const bool isSelected = isSelectedControl(edited);
-    const bool visibleEditorUpdate =
-        !isSelected || m_undoManager.isUndoing() || m_undoManager.isRedoing() || storedNone;
+    const bool visibleEditorUpdate = !isSelected || m_undoManager.isUndoing() ||
+                                     m_undoManager.isRedoing() || storedNone ||
+                                     m_editFromMenuCommand;
     if (m_modelData && !isSelected)
         selectEditedControl(keyset, layer, group, control);
     if (m_messenger) {
@@ -535,6 +536,7 @@ void TVKController::undoableInsertDisplayAction(std::shared_ptr<const TVKAction>
     if (m_messenger)
         m_messenger->updateDisplayAction(target ? target->action() : action.get(), int(keyset),
                                          int(layer), int(group), int(display));
-    notifyOfRemoteDisplayChange(
-        display, group, !isSelected || m_undoManager.isUndoing() || m_undoManager.isRedoing());
+    notifyOfRemoteDisplayChange(display, group,
+                                !isSelected || m_undoManager.isUndoing() ||
+                                    m_undoManager.isRedoing() || m_editFromMenuCommand);
 }

@@ -92,6 +92,7 @@ TEST_F(ActionKeysTest, PicturesCopyPasteAndClearWhileTextFieldsKeepTheirKeys)
               QKeySequence(QKeySequence::Paste));
     EXPECT_TRUE(app->mainWindow()->menuBar()->actions()[1]->menu()->toolTipsVisible());
 
+    controller->showInspector();
     TVKControl* source = selectFirstOfType(T::Button);
     ASSERT_NE(source, nullptr);
     PlistValue special = actionOfType(0x105);
@@ -113,9 +114,15 @@ TEST_F(ActionKeysTest, PicturesCopyPasteAndClearWhileTextFieldsKeepTheirKeys)
     ASSERT_NE(target->action(), nullptr);
     EXPECT_EQ(target->action()->actionDescriptor(), QStringLiteral("Layer 3 Selector"));
     EXPECT_EQ(controller->undoMenuItem()->text(), QStringLiteral("Undo Paste Action"));
+    EXPECT_EQ(app->inspector()->currentEditor()->actionDescriptor(),
+              QStringLiteral("Layer 3 Selector"))
+        << "the inspector shows the pasted action";
+    EXPECT_EQ(app->inspector()->currentEditor()->currentTabID(), fourCC("SPEC"));
     ASSERT_TRUE(waitForCount(QStringLiteral("InAc"), 1, from));
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
     EXPECT_EQ(target->action(), nullptr);
+    EXPECT_EQ(app->inspector()->currentEditor()->actionDescriptor(),
+              QStringLiteral("No Action Assigned"));
     EXPECT_EQ(controller->undoMenuItem()->text(), QStringLiteral("Undo Clear Action"));
     ASSERT_TRUE(waitForCount(QStringLiteral("InAc"), 2, from));
     EXPECT_TRUE(serviceInStep());
@@ -166,6 +173,9 @@ TEST_F(ActionKeysTest, ABuiltInCommandTheApplicationLacksIsFlaggedInTheInspector
     record.insert(QStringLiteral("GroupName"), PlistValue(QStringLiteral("Transport")));
     record.insert(QStringLiteral("CommandName"), PlistValue(QStringLiteral("Record")));
     giveSelected(record);
+    // Shown afresh, as after any edit the inspector did not make itself.
+    ASSERT_NE(selectFirstOfType(T::Encoder), nullptr);
+    ASSERT_NE(selectFirstOfType(T::Button), nullptr);
     TVKBuiltInActionEditorView* editor = builtInEditor();
     ASSERT_NE(editor, nullptr);
     EXPECT_EQ(app->inspector()->currentEditor()->currentTabID(), fourCC("BILT"));
