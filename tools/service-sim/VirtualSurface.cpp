@@ -2,11 +2,15 @@
 
 #include "ServiceSimulator.h"
 #include "views/CorvaneSurfaceView.h"
+#include "views/SurfaceScrollArea.h"
 #include "views/TVKMultiStateButton.h"
+#include "views/WindowPlacement.h"
 
 #include <QCoreApplication>
+#include <QJsonArray>
 #include <QMouseEvent>
-#include <QScrollArea>
+#include <QScreen>
+#include <QScrollBar>
 
 VirtualSurface::VirtualSurface(ServiceSimulator& simulator) : m_simulator(simulator)
 {
@@ -23,19 +27,48 @@ VirtualSurface::VirtualSurface(ServiceSimulator& simulator) : m_simulator(simula
             button->installEventFilter(this);
             button->setFocusPolicy(Qt::NoFocus);
         }
-        auto* scroll = new QScrollArea;
+        auto* scroll = new SurfaceScrollArea;
         scroll->setWidget(surface);
-        scroll->setAlignment(Qt::AlignCenter);
         addTab(scroll, title);
         m_surfaces.push_back(surface);
     }
-    resize(m_surfaces.front()->size() + QSize(40, 60));
     connect(&simulator, &ServiceSimulator::controlLit, this, &VirtualSurface::light);
     simulator.setExtraCommands([this](const QStringList& words) { return runCommand(words); });
 }
 
+void VirtualSurface::showOnScreen()
+{
+    // The whole unit where the screen has room; on a smaller screen the window fits the screen
+    // and the unit scrolls.
+    resize(sizeHint());
+    if (const QScreen* shown = screen())
+        move(corvane::placeWindow(size(), shown->availableGeometry(), {}).topLeft());
+    show();
+    corvane::keepOnScreen(this);
+}
+
+namespace {
+
+QJsonArray rectArray(const QRect& r)
+{
+    return QJsonArray{r.x(), r.y(), r.width(), r.height()};
+}
+
+} // namespace
+
 bool VirtualSurface::runCommand(const QStringList& words)
 {
+    if (words.size() == 1 && words.at(0) == QLatin1String("window")) {
+        // Where the window lies, on what room, and how far the unit shown scrolls each way.
+        const auto* scroll = qobject_cast<const QScrollArea*>(currentWidget());
+        m_simulator.emitLine({{QStringLiteral("frame"), rectArray(frameGeometry())},
+                              {QStringLiteral("available"),
+                               rectArray(screen() ? screen()->availableGeometry() : QRect())},
+                              {QStringLiteral("scrolls"),
+                               QJsonArray{scroll ? scroll->horizontalScrollBar()->maximum() : 0,
+                                          scroll ? scroll->verticalScrollBar()->maximum() : 0}}});
+        return true;
+    }
     if (words.size() != 4 || words.at(0) != QLatin1String("click"))
         return false;
     for (CorvaneSurfaceView* surface : m_surfaces) {

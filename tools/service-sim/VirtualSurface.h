@@ -19,9 +19,11 @@ class VirtualSurface : public QTabWidget
     Q_OBJECT
 public:
     explicit VirtualSurface(ServiceSimulator& simulator);
+    // Shows the window on the screen, as large as the units where there is room.
+    void showOnScreen();
 
     // "click <unit> <x> <y>": a press and release at a point of a unit's picture, as the mouse
-    // gives them.
+    // gives them. "window": where the window lies and how far the unit shown scrolls.
     bool runCommand(const QStringList& words);
     // Lights the control (model-data group and index) and darkens the rest; the NV shows the
     // bank of the control lit.
