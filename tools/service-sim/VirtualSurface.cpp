@@ -11,6 +11,7 @@
 #include <QMouseEvent>
 #include <QScreen>
 #include <QScrollBar>
+#include <QStyle>
 
 VirtualSurface::VirtualSurface(ServiceSimulator& simulator) : m_simulator(simulator)
 {
@@ -40,9 +41,12 @@ void VirtualSurface::showOnScreen()
 {
     // The whole unit where the screen has room; on a smaller screen the window fits the screen
     // and the unit scrolls.
+    // Until the desktop frames the window, a title bar's height stands for its frame.
+    const QMargins frame(0, style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this), 0, 0);
     resize(sizeHint());
     if (const QScreen* shown = screen())
-        move(corvane::placeWindow(size(), shown->availableGeometry(), {}).topLeft());
+        setGeometry(corvane::placeWindow(size().grownBy(frame), shown->availableGeometry(), {})
+                        .marginsRemoved(frame));
     show();
     corvane::keepOnScreen(this);
 }
