@@ -7,6 +7,7 @@
 #include "model/TVKModelData.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QKeySequence>
 #include <QUndoStack>
 
@@ -50,8 +51,14 @@ void TVKController::makeMenuItems()
         ->setCheckable(true);
     const QString emulationTitles[] = {tr("No Emulation"), tr("Emulation Mode A"),
                                        tr("Emulation Mode B"), tr("Emulation Mode C")};
-    for (int mode = 0; mode < 4; ++mode)
-        addMenuItem(Command::HandleEmulationMenu, emulationTitles[mode], mode)->setCheckable(true);
+    // A keyset has one emulation mode: the items are one exclusive group and show radio marks.
+    auto* emulationModes = new QActionGroup(this);
+    emulationModes->setExclusive(true);
+    for (int mode = 0; mode < 4; ++mode) {
+        QAction* modeItem = addMenuItem(Command::HandleEmulationMenu, emulationTitles[mode], mode);
+        modeItem->setCheckable(true);
+        emulationModes->addAction(modeItem);
+    }
     const QString setAllTitles[] = {
         tr("Set All Controls to Developer Mode"), tr("Set All Controls to Native MIDI"),
         tr("Set All Controls to Emulation"), tr("Set All Controls to Raw Ethernet")};

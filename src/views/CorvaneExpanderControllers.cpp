@@ -9,6 +9,7 @@
 #include "views/CorvaneNVLayout.h"
 #include "views/CorvanePictures.h"
 #include "views/CorvaneSurfaceView.h"
+#include "views/SurfaceScrollArea.h"
 #include "views/TVKDisplayView.h"
 #include "views/TVKMenuBar.h"
 #include "views/TVKNextFrame.h"
@@ -16,10 +17,7 @@
 #include <QCloseEvent>
 #include <QLabel>
 #include <QMenu>
-#include <QScreen>
-#include <QScrollArea>
 #include <QStatusBar>
-#include <QStyle>
 #include <QVBoxLayout>
 
 namespace note = corvane::note;
@@ -32,36 +30,6 @@ QString unitForNib(const QString& nibName)
     return nibName == QStringLiteral("ExpanderNib") ? QStringLiteral("Expander") : nibName;
 }
 
-// The unit's picture scrolls where the screen is smaller than the unit; the window still asks
-// for the whole picture, and gets it wherever the screen has room.
-class SurfaceScrollArea : public QScrollArea
-{
-public:
-    using QScrollArea::QScrollArea;
-    QSize sizeHint() const override
-    {
-        const QWidget* contents = widget();
-        if (!contents)
-            return QScrollArea::sizeHint();
-        const int frame = 2 * frameWidth();
-        QSize hint =
-            contents->sizeHint().expandedTo(contents->minimumSizeHint()) + QSize(frame, frame);
-        // A screen that cannot hold the unit across shows a scroll bar below it: the window
-        // asks for its height too, so that no second bar is needed down the side (and the
-        // same the other way round).
-        if (const QScreen* shown = screen()) {
-            const QSize room = shown->availableGeometry().size();
-            const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
-            const QSize whole = hint;
-            if (whole.width() > room.width())
-                hint.rheight() += bar;
-            if (whole.height() > room.height())
-                hint.rwidth() += bar;
-        }
-        return hint;
-    }
-};
-
 } // namespace
 
 CorvaneExpanderWindowController::CorvaneExpanderWindowController(CorvaneController& master,
@@ -72,10 +40,6 @@ CorvaneExpanderWindowController::CorvaneExpanderWindowController(CorvaneControll
     setObjectName(nibName);
     setMenuBar(menuBar);
     auto* scroll = new SurfaceScrollArea(this);
-    scroll->setObjectName(QStringLiteral("SurfaceScroll"));
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setAlignment(Qt::AlignCenter);
-    scroll->setWidgetResizable(false);
     auto* central = new QWidget(scroll);
     auto* column = new QVBoxLayout(central);
     column->setContentsMargins(10, 10, 10, 6);

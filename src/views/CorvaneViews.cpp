@@ -154,7 +154,7 @@ void CorvaneViews::start()
     applyShowAssignments();
     placeWindow(m_main);
     m_main->show();
-    keepOnScreen(m_main);
+    corvane::keepOnScreen(m_main);
     m_controller.windowIsAwake();
     m_controller.applicationDidFinishLaunching();
     const PlistValue& open = m_controller.defaults().objectForKey(key::OpenWindows);
@@ -301,19 +301,6 @@ void CorvaneViews::placeWindow(QWidget* window)
     window->setGeometry(frame.marginsRemoved(margins));
 }
 
-void CorvaneViews::keepOnScreen(QWidget* window)
-{
-    // Once shown, the window's frame is known: pull it back where the guess fell short.
-    if (!window || !window->isVisible() || !window->screen())
-        return;
-    const QRect frame = window->frameGeometry();
-    const QRect inside = corvane::clampToScreen(frame, window->screen()->availableGeometry());
-    if (inside == frame)
-        return;
-    window->setGeometry(QRect(window->geometry().topLeft() + (inside.topLeft() - frame.topLeft()),
-                              window->size() - (frame.size() - inside.size())));
-}
-
 QWidget* CorvaneViews::window(TVKWindow window) const
 {
     switch (window) {
@@ -405,7 +392,7 @@ void CorvaneViews::showDZ(bool shown)
     if (m_dz) {
         if (shown) {
             m_dz->showWindow();
-            keepOnScreen(m_dz);
+            corvane::keepOnScreen(m_dz);
         } else
             m_dz->hide();
     }
@@ -457,7 +444,7 @@ void CorvaneViews::show(TVKWindow window)
     const bool wasVisible = w->isVisible();
     w->show();
     if (!wasVisible)
-        keepOnScreen(w);
+        corvane::keepOnScreen(w);
     w->raise();
     // The inspector floats beside the surface without taking the keyboard from it.
     if (window != TVKWindow::Inspector)

@@ -114,7 +114,6 @@ private:
     void focusWindowChanged(QWindow* window);
     // Every window is placed here, remembered or for the first time (see WindowPlacement.h).
     void placeWindow(QWidget* window);
-    void keepOnScreen(QWidget* window);
     // Every picture made so far shows the labels or not, as View → Show Assignments says.
     void applyShowAssignments();
     QMargins frameMargins(const QWidget* window) const;

@@ -7,6 +7,7 @@
 #include "model/TVKControl.h"
 #include "model/TVKModelData.h"
 #include "surface/TVK_Constant_Server.h"
+#include "views/CheckedMark.h"
 #include "views/CorvaneSurfaceView.h"
 #include "views/TVKMenuBar.h"
 #include "views/TVKNextFrame.h"
@@ -103,6 +104,7 @@ TVKMainWindow::TVKMainWindow(CorvaneController& controller, TVKMenuBar* menuBar,
         button->setShortcut(QKeySequence(Qt::ALT | Qt::Key(Qt::Key_1 + layer)));
         button->setToolButtonStyle(Qt::ToolButtonTextOnly);
         button->setMinimumWidth(64);
+        markWhenChecked(button);
         layers->addButton(button, layer);
         layerRow->addWidget(button);
         m_layerButtons[size_t(layer)] = button;

@@ -85,11 +85,15 @@ void TVKMultiStateButtonCell::startObserving()
     NotificationCenter& center = NotificationCenter::defaultCenter();
     center.observeEach<note::SelectedGroupChange>(m_observations, nullptr,
                                                   [this] { handleSelectedGroupChange(); });
-    center.observeEach<note::RemoteSelectionChange>(m_observations, nullptr,
-                                                    [this] { handleRemoteSelectionChange(); });
+    // The picture shows the selected control lit whoever moved the selection: a touch, a click,
+    // the start-up's move to the NV.
+    center.observeEach<note::SelectionChange, note::RemoteSelectionChange>(
+        m_observations, nullptr, [this] { handleRemoteSelectionChange(); });
     // A display chosen on screen or reached by an undo: no control is lit.
     center.observeEach<note::DisplaySelectionChange, note::RemoteDisplaySelectionChange>(
         m_observations, nullptr, [this] { handleDisplayChange(); });
+    // A window opened later shows what is selected already.
+    handleRemoteSelectionChange();
 }
 
 void TVKMultiStateButtonCell::setState(int state)

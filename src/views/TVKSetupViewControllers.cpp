@@ -6,6 +6,7 @@
 #include "core/StoredKeys.h"
 #include "core/TVKUserDefaults.h"
 #include "model/CorvaneModelData.h"
+#include "views/CheckedMark.h"
 #include "views/TVKNetworkFields.h"
 
 #include <QButtonGroup>
@@ -97,6 +98,7 @@ void TVKSetupViewController::addHelpPage(int tag, const QString& title)
 {
     auto* button = new QPushButton(title, m_helpButtons);
     button->setCheckable(true);
+    markWhenChecked(button);
     button->setChecked(tag == m_currentHelpPage);
     m_helpIndex->addButton(button, tag);
     auto* layout = static_cast<QHBoxLayout*>(m_helpButtons->layout());

@@ -1,6 +1,8 @@
 #include "views/WindowPlacement.h"
 
+#include <QScreen>
 #include <QString>
+#include <QWidget>
 #include <algorithm>
 #include <cmath>
 #include <tuple>
@@ -128,6 +130,18 @@ std::optional<QRect> frameFromStore(const PlistValue& stored, qreal devicePixelR
     const qreal ratio = devicePixelRatio > 0 ? devicePixelRatio : 1.0;
     return QRect(int(std::lround(qreal(x) / ratio)), int(std::lround(qreal(y) / ratio)), int(width),
                  int(height));
+}
+
+void keepOnScreen(QWidget* window)
+{
+    if (!window || !window->isVisible() || !window->screen())
+        return;
+    const QRect frame = window->frameGeometry();
+    const QRect inside = clampToScreen(frame, window->screen()->availableGeometry());
+    if (inside == frame)
+        return;
+    window->setGeometry(QRect(window->geometry().topLeft() + (inside.topLeft() - frame.topLeft()),
+                              window->size() - (frame.size() - inside.size())));
 }
 
 } // namespace corvane

@@ -6,6 +6,8 @@
 #include <optional>
 #include <vector>
 
+class QWidget;
+
 namespace corvane {
 
 // Where a window opens, every window alike. A remembered frame stays where the user left it,
@@ -21,6 +23,10 @@ QRect placeWindow(QSize frameSize, const QRect& available, const std::vector<QRe
 
 // `frame` moved and shrunk as little as possible to lie inside `available`.
 QRect clampToScreen(const QRect& frame, const QRect& available);
+
+// A shown window pulled back onto its screen: once shown, its frame is known, and where it leaves
+// the available screen the window is moved and shrunk as little as it must be.
+void keepOnScreen(QWidget* window);
 
 // A window's place as the store keeps it: where its contents begin, in device pixels, which
 // name the same spot on the screen whatever the scale; and their size, in logical pixels, which

@@ -9,6 +9,7 @@
 #include "model/TVKKeyset.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QClipboard>
 #include <QDir>
 #include <QFile>
@@ -300,6 +301,18 @@ TEST_F(KeysetCommandTest, MenuItemsFollowTheSelectedKeysetAndItsLock)
     EXPECT_TRUE(item(TVKMenuCommand::HandleSetAllMenuItems, 2)->isEnabled());
     EXPECT_TRUE(item(TVKMenuCommand::HandleEmulationMenu, 2)->isChecked());
     ASSERT_TRUE(waitForCount(QStringLiteral("Emul"), 1, from));
+    // The modes are one choice: an exclusive group (drawn with radio marks), one mark at a time,
+    // also when the user picks one from the menu.
+    const QActionGroup* modes = item(TVKMenuCommand::HandleEmulationMenu, 0)->actionGroup();
+    ASSERT_NE(modes, nullptr);
+    EXPECT_TRUE(modes->isExclusive());
+    item(TVKMenuCommand::HandleEmulationMenu, 1)->trigger();
+    EXPECT_EQ(c().modelData()->selectedKeyset()->emulationMode(), corvane::EmulationMode::A);
+    for (qint64 mode = 0; mode < 4; ++mode) {
+        EXPECT_EQ(item(TVKMenuCommand::HandleEmulationMenu, mode)->actionGroup(), modes);
+        EXPECT_EQ(item(TVKMenuCommand::HandleEmulationMenu, mode)->isChecked(), mode == 1);
+    }
+    ASSERT_TRUE(waitForCount(QStringLiteral("Emul"), 2, from));
 
     c().handleLockUnlockMenu();
     EXPECT_TRUE(views.lockButton);

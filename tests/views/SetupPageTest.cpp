@@ -10,6 +10,7 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTextBrowser>
 #include <gtest/gtest.h>
@@ -190,4 +191,77 @@ TEST_F(EthernetSettingsTest, TheControllerAndTheSetupPageAgreeOnTheEthernetSetti
             controller.reset();
         }
     }
+}
+
+namespace {
+
+// The mean colour of a widget as drawn.
+QColor meanColour(QWidget& widget)
+{
+    const QImage image = widget.grab().toImage();
+    qint64 r = 0, g = 0, b = 0, n = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor c = image.pixelColor(x, y);
+            r += c.red();
+            g += c.green();
+            b += c.blue();
+            ++n;
+        }
+    return n ? QColor(int(r / n), int(g / n), int(b / n)) : QColor();
+}
+
+int distance(const QColor& a, const QColor& b)
+{
+    return std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) +
+           std::abs(a.blue() - b.blue());
+}
+
+} // namespace
+
+// The two help pages' buttons show which page is up, in a light and in a dark scheme alike.
+TEST_F(SetupPageTest, TheHelpPageShownIsMarkedInAnyPalette)
+{
+    QPalette dark;
+    for (const auto& [role, colour] : std::initializer_list<std::pair<QPalette::ColorRole, QColor>>{
+             {QPalette::Window, QColor(0x35, 0x35, 0x35)},
+             {QPalette::WindowText, Qt::white},
+             {QPalette::Button, QColor(0x35, 0x35, 0x35)},
+             {QPalette::ButtonText, Qt::white},
+             {QPalette::Base, QColor(0x2a, 0x2a, 0x2a)},
+             {QPalette::Text, Qt::white},
+             {QPalette::Highlight, QColor(0x2a, 0x82, 0xda)},
+             {QPalette::HighlightedText, Qt::white}})
+        dark.setColor(role, colour);
+    const QPalette before = QApplication::palette();
+    for (const QPalette& scheme : {before, dark}) {
+        QApplication::setPalette(scheme);
+        auto setup = page();
+        setup->resize(setup->sizeHint());
+        QPushButton* network = nullptr;
+        QPushButton* expanders = nullptr;
+        for (QPushButton* each : setup->findChildren<QPushButton*>()) {
+            if (each->text() == QStringLiteral("Network"))
+                network = each;
+            else if (each->text() == QStringLiteral("Expanders"))
+                expanders = each;
+        }
+        ASSERT_TRUE(network && expanders);
+        for (int round = 0; round < 2; ++round) {
+            QPushButton* on = round == 0 ? network : expanders;
+            QPushButton* off = round == 0 ? expanders : network;
+            if (round == 1)
+                expanders->click();
+            SCOPED_TRACE(on->text().toStdString() + (scheme == dark ? " dark" : " light"));
+            EXPECT_TRUE(on->isChecked());
+            EXPECT_FALSE(off->isChecked());
+            EXPECT_TRUE(on->font().bold());
+            EXPECT_FALSE(off->font().bold());
+            EXPECT_EQ(on->palette().color(QPalette::Button), scheme.color(QPalette::Highlight));
+            EXPECT_EQ(off->palette().color(QPalette::Button), scheme.color(QPalette::Button));
+            // As drawn, the two differ plainly, not by a shade.
+            EXPECT_GT(distance(meanColour(*on), meanColour(*off)), 60);
+        }
+    }
+    QApplication::setPalette(before);
 }

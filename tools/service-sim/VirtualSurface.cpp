@@ -4,13 +4,18 @@
 #include "ServiceSimulator.h"
 #include "views/ControlToolTips.h"
 #include "views/CorvaneSurfaceView.h"
+#include "views/SurfaceScrollArea.h"
 #include "views/TVKDisplayView.h"
 #include "views/TVKMultiStateButton.h"
+#include "views/WindowPlacement.h"
 
 #include <QCoreApplication>
 #include <QHelpEvent>
+#include <QJsonArray>
 #include <QMouseEvent>
-#include <QScrollArea>
+#include <QScreen>
+#include <QScrollBar>
+#include <QStyle>
 
 VirtualSurface::VirtualSurface(ServiceSimulator& simulator) : m_simulator(simulator)
 {
@@ -29,13 +34,11 @@ VirtualSurface::VirtualSurface(ServiceSimulator& simulator) : m_simulator(simula
         }
         for (TVKDisplayView* display : surface->displays())
             display->installEventFilter(this);
-        auto* scroll = new QScrollArea;
+        auto* scroll = new SurfaceScrollArea;
         scroll->setWidget(surface);
-        scroll->setAlignment(Qt::AlignCenter);
         addTab(scroll, title);
         m_surfaces.push_back(surface);
     }
-    resize(m_surfaces.front()->size() + QSize(40, 60));
     connect(&simulator, &ServiceSimulator::controlLit, this, &VirtualSurface::light);
     simulator.setExtraCommands([this](const QStringList& words) { return runCommand(words); });
 }
@@ -62,8 +65,42 @@ QString VirtualSurface::toolTipAt(const CorvaneSurfaceView& surface, QPoint poin
     return control ? corvane::controlToolTip(*control) : QString();
 }
 
+void VirtualSurface::showOnScreen()
+{
+    // The whole unit where the screen has room; on a smaller screen the window fits the screen
+    // and the unit scrolls.
+    // Until the desktop frames the window, a title bar's height stands for its frame.
+    const QMargins frame(0, style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this), 0, 0);
+    resize(sizeHint());
+    if (const QScreen* shown = screen())
+        setGeometry(corvane::placeWindow(size().grownBy(frame), shown->availableGeometry(), {})
+                        .marginsRemoved(frame));
+    show();
+    corvane::keepOnScreen(this);
+}
+
+namespace {
+
+QJsonArray rectArray(const QRect& r)
+{
+    return QJsonArray{r.x(), r.y(), r.width(), r.height()};
+}
+
+} // namespace
+
 bool VirtualSurface::runCommand(const QStringList& words)
 {
+    if (words.size() == 1 && words.at(0) == QLatin1String("window")) {
+        // Where the window lies, on what room, and how far the unit shown scrolls each way.
+        const auto* scroll = qobject_cast<const QScrollArea*>(currentWidget());
+        m_simulator.emitLine({{QStringLiteral("frame"), rectArray(frameGeometry())},
+                              {QStringLiteral("available"),
+                               rectArray(screen() ? screen()->availableGeometry() : QRect())},
+                              {QStringLiteral("scrolls"),
+                               QJsonArray{scroll ? scroll->horizontalScrollBar()->maximum() : 0,
+                                          scroll ? scroll->verticalScrollBar()->maximum() : 0}}});
+        return true;
+    }
     if (words.size() != 4 ||
         (words.at(0) != QLatin1String("click") && words.at(0) != QLatin1String("tooltip")))
         return false;

@@ -20,9 +20,12 @@ class VirtualSurface : public QTabWidget
     Q_OBJECT
 public:
     explicit VirtualSurface(ServiceSimulator& simulator);
+    // Shows the window on the screen, as large as the units where there is room.
+    void showOnScreen();
 
     // "click <unit> <x> <y>": a press and release at a point of a unit's picture, as the mouse
     // gives them. "tooltip <unit> <x> <y>": the tooltip at that point, as a "tooltip" line.
+    // "window": where the window lies and how far the unit shown scrolls.
     bool runCommand(const QStringList& words);
     // The tooltip of the control or display at a point of a unit's picture, in the keyset and
     // layer the service plays; empty off every control.

@@ -105,7 +105,7 @@ int main(int argc, char** argv)
     std::unique_ptr<VirtualSurface> surface;
     if (window) {
         surface = std::make_unique<VirtualSurface>(simulator);
-        surface->show();
+        surface->showOnScreen();
         QObject::connect(qApp, &QGuiApplication::lastWindowClosed, &app, &QCoreApplication::quit);
     }
     return app.exec();
