@@ -383,159 +383,157 @@ TEST_F(ViewsTest, TheStatusLineSaysWhileEditsAreNotProtected)
     }
     ASSERT_TRUE(spinUntil([&] { return main.protectionText().isEmpty(); }, 4000));
     EXPECT_TRUE(warning->isHidden());
-    namespace {
+}
 
-    // Every picture of the selected control's group, in the main window and in every unit window
-    // open, shows that control lit; at least one picture shows it.
-    ::testing::AssertionResult selectionLitEverywhere(const CorvaneViews& app,
-                                                      const TVKController& controller)
-    {
-        std::vector<CorvaneSurfaceView*> surfaces{app.mainWindow()->surface()};
-        for (const TVKWindow window :
-             {TVKWindow::TL, TVKWindow::TLW, TVKWindow::TLW2, TVKWindow::NV}) {
-            if (app.expander(window) && app.expander(window)->isVisible())
-                surfaces.push_back(app.expander(window)->surface());
-        }
-        int lit = 0;
-        for (const CorvaneSurfaceView* surface : surfaces) {
-            for (const TVKMultiStateButton* picture : surface->buttons()) {
-                if (picture->tag() != controller.selectedGroup())
-                    continue;
-                const qint64 k = picture->imageIndexForControl(controller.selectedControl());
-                if (k <= 0)
-                    continue; // another bank of the NV
-                if (!pictureLit(*picture, k))
-                    return ::testing::AssertionFailure()
-                           << surface->unit().toStdString() << " group " << picture->tag()
-                           << " does not show control " << controller.selectedControl() << " lit";
-                ++lit;
-            }
-        }
-        if (lit == 0)
-            return ::testing::AssertionFailure()
-                   << "no picture shows group " << controller.selectedGroup() << " control "
-                   << controller.selectedControl();
-        return ::testing::AssertionSuccess();
+namespace {
+
+// Every picture of the selected control's group, in the main window and in every unit window
+// open, shows that control lit; at least one picture shows it.
+::testing::AssertionResult selectionLitEverywhere(const CorvaneViews& app,
+                                                  const TVKController& controller)
+{
+    std::vector<CorvaneSurfaceView*> surfaces{app.mainWindow()->surface()};
+    for (const TVKWindow window : {TVKWindow::TL, TVKWindow::TLW, TVKWindow::TLW2, TVKWindow::NV}) {
+        if (app.expander(window) && app.expander(window)->isVisible())
+            surfaces.push_back(app.expander(window)->surface());
     }
-
-    } // namespace
-
-    // The picture always shows the selected control lit: at start-up, with each unit's window open
-    // as the preferences ask; and in a unit window opened after its control was touched.
-    TEST_F(ViewsTest, TheSelectedControlIsLitFromStartUpAndInWindowsOpenedLater)
-    {
-        struct Unit
-        {
-            const char* name;
-            TVKWindow window;
-            QString surface;
-            void (CorvaneModelData::*set)(bool);
-        };
-        const std::vector<Unit> units = {
-            {"TL", TVKWindow::TL, QStringLiteral("Expander"), &CorvaneModelData::setStandaloneTL},
-            {"TLW", TVKWindow::TLW, QStringLiteral("CorvaneTLW"),
-             &CorvaneModelData::setStandaloneTLW},
-            {"TLW2", TVKWindow::TLW2, QStringLiteral("CorvaneTLW2"),
-             &CorvaneModelData::setStandaloneTLW2},
-            {"NV", TVKWindow::NV, QStringLiteral("CorvaneNV"), &CorvaneModelData::setStandaloneNV}};
-        for (int standalone = -1; standalone < int(units.size()); ++standalone) {
-            SCOPED_TRACE(standalone < 0 ? std::string("the RS alone")
-                                        : std::string(units[size_t(standalone)].name) + " alone");
-            CorvaneModelData model;
-            for (size_t i = 0; i < units.size(); ++i)
-                (model.*units[i].set)(int(i) == standalone);
-            PlistValue globals = PlistValue::makeDict();
-            globals.insert(key::StandaloneTL, PlistValue(qint64(standalone == 0 ? 1 : 0)));
-            storeConfiguration(model, globals);
-            startApplication();
-            if (standalone >= 0) {
-                const TVKWindow window = units[size_t(standalone)].window;
-                ASSERT_TRUE(spinUntil(
-                    [&] { return app->window(window) && app->window(window)->isVisible(); }));
-            }
-            EXPECT_TRUE(selectionLitEverywhere(*app, *controller));
-
-            if (standalone < 0) {
-                // A unit's first control touched while its window is closed; the window opened
-                // then.
-                const TVK_Constant_Server& constants =
-                    *TVK_Constant_Server::defaultConstantServer();
-                for (const Unit& unit : units) {
-                    SCOPED_TRACE(unit.name);
-                    const PlistValue& pictures =
-                        TVKBundle::mainBundle().surface(unit.surface).value(u"Buttons");
-                    ASSERT_GT(pictures.size(), 0);
-                    const qint64 tag = pictures.at(0).value(u"ControlTag").toInteger();
-                    const QList<int> controls = constants.onscreenControlsInGroup(int(tag));
-                    ASSERT_FALSE(controls.isEmpty());
-                    int group = 0;
-                    int index = 0;
-                    ASSERT_TRUE(constants.onscreenGroup(int(tag), controls.first(), group, index));
-                    ASSERT_FALSE(app->window(unit.window) && app->window(unit.window)->isVisible());
-                    service->command(QStringLiteral("send TCtl %1 %2 0 1").arg(group).arg(index));
-                    ASSERT_TRUE(spinUntil([&] {
-                        return controller->selectedGroup() == tag &&
-                               controller->selectedControl() == controls.first();
-                    }));
-                    app->show(unit.window);
-                    EXPECT_TRUE(selectionLitEverywhere(*app, *controller));
-                    app->close(unit.window);
-                }
-            }
-            app->quit();
-            app.reset();
-            controller.reset();
+    int lit = 0;
+    for (const CorvaneSurfaceView* surface : surfaces) {
+        for (const TVKMultiStateButton* picture : surface->buttons()) {
+            if (picture->tag() != controller.selectedGroup())
+                continue;
+            const qint64 k = picture->imageIndexForControl(controller.selectedControl());
+            if (k <= 0)
+                continue; // another bank of the NV
+            if (!pictureLit(*picture, k))
+                return ::testing::AssertionFailure()
+                       << surface->unit().toStdString() << " group " << picture->tag()
+                       << " does not show control " << controller.selectedControl() << " lit";
+            ++lit;
         }
     }
+    if (lit == 0)
+        return ::testing::AssertionFailure()
+               << "no picture shows group " << controller.selectedGroup() << " control "
+               << controller.selectedControl();
+    return ::testing::AssertionSuccess();
+}
 
-    // The virtual surface lies on the screen whatever its size; where the screen is smaller than
-    // the RS, the unit scrolls.
-    TEST_F(ViewsTest, TheVirtualSurfaceLiesOnTheScreenAndScrollsWhereTheScreenIsSmaller)
-    {
-        ASSERT_TRUE(startService({QStringLiteral("--window")}));
-        const auto rect = [](const QJsonValue& v) {
-            const QJsonArray a = v.toArray();
-            return QRect(a.at(0).toInt(), a.at(1).toInt(), a.at(2).toInt(), a.at(3).toInt());
-        };
-        const qsizetype from = mark();
-        service->command(QStringLiteral("window"));
-        const auto shown = service->waitFor(
-            [](const QJsonObject& line) { return line.contains(QStringLiteral("frame")); }, 5000,
-            from);
-        ASSERT_TRUE(shown.has_value());
-        const QRect frame = rect(shown->value(QStringLiteral("frame")));
-        const QRect available = rect(shown->value(QStringLiteral("available")));
-        ASSERT_FALSE(available.isEmpty());
-        EXPECT_TRUE(available.contains(frame))
-            << frame.x() << "," << frame.y() << " " << frame.width() << "x" << frame.height();
-        const PlistValue& size =
-            TVKBundle::mainBundle().surface(QStringLiteral("CorvaneRS")).value(u"Size");
-        const QJsonArray scrolls = shown->value(QStringLiteral("scrolls")).toArray();
-        if (available.width() < size.at(0).toInteger()) {
-            EXPECT_GT(scrolls.at(0).toInt(), 0) << "the RS does not scroll across";
-        }
-        if (available.height() < size.at(1).toInteger()) {
-            EXPECT_GT(scrolls.at(1).toInt(), 0) << "the RS does not scroll down";
-        }
-    }
+} // namespace
 
-    // The layer being edited shows in the selector whatever the palette: the selection colours and
-    // a bold title, moving with the layer.
-    TEST_F(ViewsTest, TheLayerSelectorMarksTheLayerEdited)
+// The picture always shows the selected control lit: at start-up, with each unit's window open
+// as the preferences ask; and in a unit window opened after its control was touched.
+TEST_F(ViewsTest, TheSelectedControlIsLitFromStartUpAndInWindowsOpenedLater)
+{
+    struct Unit
     {
+        const char* name;
+        TVKWindow window;
+        QString surface;
+        void (CorvaneModelData::*set)(bool);
+    };
+    const std::vector<Unit> units = {
+        {"TL", TVKWindow::TL, QStringLiteral("Expander"), &CorvaneModelData::setStandaloneTL},
+        {"TLW", TVKWindow::TLW, QStringLiteral("CorvaneTLW"), &CorvaneModelData::setStandaloneTLW},
+        {"TLW2", TVKWindow::TLW2, QStringLiteral("CorvaneTLW2"),
+         &CorvaneModelData::setStandaloneTLW2},
+        {"NV", TVKWindow::NV, QStringLiteral("CorvaneNV"), &CorvaneModelData::setStandaloneNV}};
+    for (int standalone = -1; standalone < int(units.size()); ++standalone) {
+        SCOPED_TRACE(standalone < 0 ? std::string("the RS alone")
+                                    : std::string(units[size_t(standalone)].name) + " alone");
+        CorvaneModelData model;
+        for (size_t i = 0; i < units.size(); ++i)
+            (model.*units[i].set)(int(i) == standalone);
+        PlistValue globals = PlistValue::makeDict();
+        globals.insert(key::StandaloneTL, PlistValue(qint64(standalone == 0 ? 1 : 0)));
+        storeConfiguration(model, globals);
         startApplication();
-        TVKMainWindow& main = *app->mainWindow();
-        for (const qint64 layer : {qint64(2), qint64(0), qint64(3)}) {
-            main.layerButton(int(layer))->click();
-            ASSERT_EQ(controller->selectedLayer(), layer);
-            for (int each = 0; each < 4; ++each) {
-                const QAbstractButton& button = *main.layerButton(each);
-                SCOPED_TRACE("layer " + std::to_string(each + 1));
-                const QPalette around = button.parentWidget()->palette();
-                EXPECT_EQ(button.isChecked(), each == layer);
-                EXPECT_EQ(button.font().bold(), each == layer);
-                EXPECT_EQ(button.palette().color(QPalette::Button),
-                          around.color(each == layer ? QPalette::Highlight : QPalette::Button));
+        if (standalone >= 0) {
+            const TVKWindow window = units[size_t(standalone)].window;
+            ASSERT_TRUE(
+                spinUntil([&] { return app->window(window) && app->window(window)->isVisible(); }));
+        }
+        EXPECT_TRUE(selectionLitEverywhere(*app, *controller));
+
+        if (standalone < 0) {
+            // A unit's first control touched while its window is closed; the window opened
+            // then.
+            const TVK_Constant_Server& constants = *TVK_Constant_Server::defaultConstantServer();
+            for (const Unit& unit : units) {
+                SCOPED_TRACE(unit.name);
+                const PlistValue& pictures =
+                    TVKBundle::mainBundle().surface(unit.surface).value(u"Buttons");
+                ASSERT_GT(pictures.size(), 0);
+                const qint64 tag = pictures.at(0).value(u"ControlTag").toInteger();
+                const QList<int> controls = constants.onscreenControlsInGroup(int(tag));
+                ASSERT_FALSE(controls.isEmpty());
+                int group = 0;
+                int index = 0;
+                ASSERT_TRUE(constants.onscreenGroup(int(tag), controls.first(), group, index));
+                ASSERT_FALSE(app->window(unit.window) && app->window(unit.window)->isVisible());
+                service->command(QStringLiteral("send TCtl %1 %2 0 1").arg(group).arg(index));
+                ASSERT_TRUE(spinUntil([&] {
+                    return controller->selectedGroup() == tag &&
+                           controller->selectedControl() == controls.first();
+                }));
+                app->show(unit.window);
+                EXPECT_TRUE(selectionLitEverywhere(*app, *controller));
+                app->close(unit.window);
             }
         }
+        app->quit();
+        app.reset();
+        controller.reset();
     }
+}
+
+// The virtual surface lies on the screen whatever its size; where the screen is smaller than
+// the RS, the unit scrolls.
+TEST_F(ViewsTest, TheVirtualSurfaceLiesOnTheScreenAndScrollsWhereTheScreenIsSmaller)
+{
+    ASSERT_TRUE(startService({QStringLiteral("--window")}));
+    const auto rect = [](const QJsonValue& v) {
+        const QJsonArray a = v.toArray();
+        return QRect(a.at(0).toInt(), a.at(1).toInt(), a.at(2).toInt(), a.at(3).toInt());
+    };
+    const qsizetype from = mark();
+    service->command(QStringLiteral("window"));
+    const auto shown = service->waitFor(
+        [](const QJsonObject& line) { return line.contains(QStringLiteral("frame")); }, 5000, from);
+    ASSERT_TRUE(shown.has_value());
+    const QRect frame = rect(shown->value(QStringLiteral("frame")));
+    const QRect available = rect(shown->value(QStringLiteral("available")));
+    ASSERT_FALSE(available.isEmpty());
+    EXPECT_TRUE(available.contains(frame))
+        << frame.x() << "," << frame.y() << " " << frame.width() << "x" << frame.height();
+    const PlistValue& size =
+        TVKBundle::mainBundle().surface(QStringLiteral("CorvaneRS")).value(u"Size");
+    const QJsonArray scrolls = shown->value(QStringLiteral("scrolls")).toArray();
+    if (available.width() < size.at(0).toInteger()) {
+        EXPECT_GT(scrolls.at(0).toInt(), 0) << "the RS does not scroll across";
+    }
+    if (available.height() < size.at(1).toInteger()) {
+        EXPECT_GT(scrolls.at(1).toInt(), 0) << "the RS does not scroll down";
+    }
+}
+
+// The layer being edited shows in the selector whatever the palette: the selection colours and
+// a bold title, moving with the layer.
+TEST_F(ViewsTest, TheLayerSelectorMarksTheLayerEdited)
+{
+    startApplication();
+    TVKMainWindow& main = *app->mainWindow();
+    for (const qint64 layer : {qint64(2), qint64(0), qint64(3)}) {
+        main.layerButton(int(layer))->click();
+        ASSERT_EQ(controller->selectedLayer(), layer);
+        for (int each = 0; each < 4; ++each) {
+            const QAbstractButton& button = *main.layerButton(each);
+            SCOPED_TRACE("layer " + std::to_string(each + 1));
+            const QPalette around = button.parentWidget()->palette();
+            EXPECT_EQ(button.isChecked(), each == layer);
+            EXPECT_EQ(button.font().bold(), each == layer);
+            EXPECT_EQ(button.palette().color(QPalette::Button),
+                      around.color(each == layer ? QPalette::Highlight : QPalette::Button));
+        }
+    }
+}
