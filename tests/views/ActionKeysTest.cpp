@@ -114,6 +114,7 @@ TEST_F(ActionKeysTest, PicturesCopyPasteAndClearWhileTextFieldsKeepTheirKeys)
     ASSERT_NE(target->action(), nullptr);
     EXPECT_EQ(target->action()->actionDescriptor(), QStringLiteral("Layer 3 Selector"));
     EXPECT_EQ(controller->undoMenuItem()->text(), QStringLiteral("Undo Paste Action"));
+    nextFrame();
     EXPECT_EQ(app->inspector()->currentEditor()->actionDescriptor(),
               QStringLiteral("Layer 3 Selector"))
         << "the inspector shows the pasted action";
@@ -121,6 +122,7 @@ TEST_F(ActionKeysTest, PicturesCopyPasteAndClearWhileTextFieldsKeepTheirKeys)
     ASSERT_TRUE(waitForCount(QStringLiteral("InAc"), 1, from));
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
     EXPECT_EQ(target->action(), nullptr);
+    nextFrame();
     EXPECT_EQ(app->inspector()->currentEditor()->actionDescriptor(),
               QStringLiteral("No Action Assigned"));
     EXPECT_EQ(controller->undoMenuItem()->text(), QStringLiteral("Undo Clear Action"));
@@ -178,6 +180,7 @@ TEST_F(ActionKeysTest, ABuiltInCommandTheApplicationLacksIsFlaggedInTheInspector
     ASSERT_NE(selectFirstOfType(T::Button), nullptr);
     TVKBuiltInActionEditorView* editor = builtInEditor();
     ASSERT_NE(editor, nullptr);
+    nextFrame();
     EXPECT_EQ(app->inspector()->currentEditor()->currentTabID(), fourCC("BILT"));
     EXPECT_TRUE(editor->unavailableLabel()->isHidden())
         << editor->unavailableLabel()->text().toStdString();
@@ -195,6 +198,7 @@ TEST_F(ActionKeysTest, ABuiltInCommandTheApplicationLacksIsFlaggedInTheInspector
     ASSERT_NE(selected()->action(), nullptr);
     EXPECT_EQ(selected()->action()->actionDescriptor(),
               QStringLiteral("Built In- Transport: Record"));
+    nextFrame();
     EXPECT_EQ(app->inspector()->currentEditor()->currentTabID(), fourCC("BILT"));
     EXPECT_FALSE(editor->unavailableLabel()->isHidden());
     EXPECT_EQ(editor->unavailableLabel()->text(), flag);
@@ -210,11 +214,13 @@ TEST_F(ActionKeysTest, ABuiltInCommandTheApplicationLacksIsFlaggedInTheInspector
     ASSERT_NE(selected()->action(), nullptr);
     EXPECT_EQ(selected()->action()->actionDescriptor(),
               QStringLiteral("Built In- Transport: Record"));
+    nextFrame();
     EXPECT_FALSE(editor->unavailableLabel()->isHidden());
     EXPECT_EQ(editor->unavailableLabel()->text(), flag);
 
     // Back in Audacity's keyset the flag goes.
     controller->setSelectedKeyset(1);
     ASSERT_NE(selectFirstOfType(T::Button), nullptr);
+    nextFrame();
     EXPECT_TRUE(editor->unavailableLabel()->isHidden());
 }

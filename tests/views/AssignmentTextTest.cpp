@@ -44,7 +44,12 @@ protected:
         return QString();
     }
 
-    QString status() const { return app->mainWindow()->statusText(); }
+    // What the status line shows once the window has drawn its next frame.
+    QString status()
+    {
+        nextFrame();
+        return app->mainWindow()->statusText();
+    }
 };
 
 } // namespace
