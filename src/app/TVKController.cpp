@@ -399,8 +399,7 @@ void TVKController::awakeFromNib()
         qint64 group = 0;
         qint64 control = 0;
         m_messenger->requestKeyset(keyset, layer, group, control);
-        const int layers = m_constantServer ? m_constantServer->numLayers() : 0;
-        if (m_modelData && keysetAt(keyset) && layer >= 0 && layer < layers) {
+        if (m_modelData && layerAt(keyset, layer)) {
             m_modelData->setSelectedKeysetIndex(int(keyset));
             m_modelData->setSelectedLayerIndex(int(layer));
             if (controlExists(group, control)) {

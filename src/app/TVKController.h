@@ -30,6 +30,7 @@ struct PlistReadResult;
 class TVKAction;
 class TVKControl;
 class TVKKeyset;
+class TVKLayer;
 class TVKModelData;
 class TVKRecoveryJournal;
 class TVK_Constant_Server;
@@ -382,6 +383,8 @@ protected:
     TVKControl* controlAt(qint64 keyset, qint64 layer, qint64 group, qint64 control) const;
     // The layers a copy-to-all-layers edit visits, or just the given one.
     std::vector<qint64> affectedLayers(qint64 layer, bool copyToAllLayers) const;
+    // The layer of a keyset, or null when either does not exist here.
+    const TVKLayer* layerAt(qint64 keyset, qint64 layer) const;
     // Whether the keyset has that layer and the layer a control at exactly that group and
     // index: what the service names must exist here before anything follows it.
     bool hasControl(qint64 keyset, qint64 layer, qint64 group, qint64 control) const;

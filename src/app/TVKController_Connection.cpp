@@ -159,12 +159,16 @@ void TVKController::handleCurrentControlInfoForKeyset(qint64 keyset, qint64 laye
     validateMenuItems();
 }
 
-bool TVKController::hasControl(qint64 keyset, qint64 layer, qint64 group, qint64 control) const
+const TVKLayer* TVKController::layerAt(qint64 keyset, qint64 layer) const
 {
     const TVKKeyset* target = keysetAt(keyset);
     const int layers = m_constantServer ? m_constantServer->numLayers() : 0;
-    const TVKLayer* inLayer =
-        target && layer >= 0 && layer < layers ? target->layerAtIndex(int(layer)) : nullptr;
+    return target && layer >= 0 && layer < layers ? target->layerAtIndex(int(layer)) : nullptr;
+}
+
+bool TVKController::hasControl(qint64 keyset, qint64 layer, qint64 group, qint64 control) const
+{
+    const TVKLayer* inLayer = layerAt(keyset, layer);
     return inLayer && inLayer->hasControl(group, control);
 }
 
